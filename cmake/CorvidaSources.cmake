@@ -1,0 +1,20 @@
+# corvida_core: everything that needs no widgets. Each layer lives in its own folder and the
+# folders are collected here, so adding a class means adding its files, nothing more.
+set(CORVIDA_CORE_DIRS toolkit settings device analysis storage)
+
+set(corvida_core_sources)
+foreach(dir IN LISTS CORVIDA_CORE_DIRS)
+    file(GLOB dir_sources CONFIGURE_DEPENDS
+        ${PROJECT_SOURCE_DIR}/${dir}/*.cpp ${PROJECT_SOURCE_DIR}/${dir}/*.h)
+    list(APPEND corvida_core_sources ${dir_sources})
+endforeach()
+
+add_library(corvida_core STATIC ${corvida_core_sources})
+target_include_directories(corvida_core PUBLIC
+    ${PROJECT_SOURCE_DIR}
+    ${EDFLIB_INCLUDE_DIR})
+target_compile_definitions(corvida_core PUBLIC
+    CORVIDA_VERSION="${PROJECT_VERSION}")
+target_link_libraries(corvida_core PUBLIC
+    Qt6::Core Qt6::Gui Qt6::Network Qt6::SerialPort Qt6::Core5Compat
+    ${EDFLIB_LIBRARY} PkgConfig::XLSXWRITER)
