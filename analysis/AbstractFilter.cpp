@@ -6,38 +6,50 @@ AbstractFilter::AbstractFilter(ImpulseResponseEnum impulseResponse, const QStrin
                                QObject *parent)
     : QObject(parent)
     , m_impulseResponse(impulseResponse)
-    , m_name(name) {
+    , m_name(name)
+{
     setObjectName(name);
 }
 
-QList<float> AbstractFilter::Process(const QList<float> &in) {
+QList<float> AbstractFilter::Process(const QList<float> &in)
+{
     QList<float> out(in.size());
     Process(in.constData(), out.data(), int(in.size()));
     return out;
 }
 
-void AbstractFilter::Process(const float *in, float *out, int n) {
-    if (!in || !out)
+void AbstractFilter::Process(const float *in, float *out, int n)
+{
+    if (!in || !out || n <= 0)
         return;
-    for (int i = 0; i < n; ++i)
-        out[i] = InternalProcess(in[i]);
+    if (in != out)
+        std::copy(in, in + n, out);
+    processBlock(out, n);
 }
 
-void AbstractFilter::Process(float *data, int n) {
-    if (!data)
+void AbstractFilter::Process(float *data, int n)
+{
+    if (!data || n <= 0)
         return;
+    processBlock(data, n);
+}
+
+void AbstractFilter::processBlock(float *data, int n)
+{
     for (int i = 0; i < n; ++i)
         data[i] = InternalProcess(data[i]);
 }
 
-void AbstractFilter::Process(float *data, int n, int step) {
+void AbstractFilter::Process(float *data, int n, int step)
+{
     if (!data || step <= 0)
         return;
     for (int i = 0; i < n; ++i)
         data[qsizetype(i) * step] = InternalProcess(data[qsizetype(i) * step]);
 }
 
-void AbstractFilter::Process(QList<float> *in, QList<float> *out, int n) {
+void AbstractFilter::Process(QList<float> *in, QList<float> *out, int n)
+{
     if (!in || !out)
         return;
     if (n < 0)
@@ -51,7 +63,8 @@ void AbstractFilter::Process(QList<float> *in, QList<float> *out, int n) {
     Process(in->constData(), out->data(), n);
 }
 
-void AbstractFilter::Process(QList<float> *data, int n) {
+void AbstractFilter::Process(QList<float> *data, int n)
+{
     if (!data)
         return;
     if (n < 0 || n > data->size())

@@ -7,7 +7,8 @@
 // Base of the sample-by-sample filters. A filter keeps its state between calls, so a chain can
 // clean an endless stream handed over in pieces of any length. Every Process overload feeds its
 // samples, in order, through InternalProcess.
-class AbstractFilter : public QObject {
+class AbstractFilter : public QObject
+{
     Q_OBJECT
 public:
     enum ImpulseResponseEnum { FIR = 0, IIR = 1 };
@@ -35,6 +36,11 @@ public:
 public slots:
     virtual void Reset() = 0;
     virtual float InternalProcess(float x) = 0;
+
+protected:
+    // Filters n samples in place. Filters with a faster block form override it; the result must
+    // be exactly that of InternalProcess on each sample in turn.
+    virtual void processBlock(float *data, int n);
 
 private:
     ImpulseResponseEnum m_impulseResponse;

@@ -6,7 +6,8 @@
 namespace {
 constexpr int kMaxOrder = 20;
 
-int evenOrder(int requested) {
+int evenOrder(int requested)
+{
     int order = std::max(requested, 1);
     if (order % 2)
         ++order;
@@ -21,7 +22,8 @@ ButterworthFilter::ButterworthFilter(int type, int order, float samplingRate, fl
     , m_samplingRate(samplingRate)
     , m_f1(std::clamp(firstFrequency, 0.0f, samplingRate / 2))
     , m_f2(std::clamp(secondFrequency, 0.0f, samplingRate / 2))
-    , m_mode(type) {
+    , m_mode(type)
+{
     switch (type) {
     case LowPass:
         m_stageA = makeStage(m_f1, false);
@@ -42,7 +44,8 @@ ButterworthFilter::ButterworthFilter(int type, int order, float samplingRate, fl
     }
 }
 
-IIRFilter *ButterworthFilter::makeStage(double cutoff, bool highPass) {
+IIRFilter *ButterworthFilter::makeStage(double cutoff, bool highPass)
+{
     QList<QList<float>> sections;
     double gain = 1.0;
     Butter(m_order, cutoff, m_samplingRate, highPass, &sections, &gain);
@@ -50,7 +53,8 @@ IIRFilter *ButterworthFilter::makeStage(double cutoff, bool highPass) {
 }
 
 void ButterworthFilter::Butter(int order, double cutoff, double samplingRate, bool highPass,
-                               QList<QList<float>> *sections, double *gain) {
+                               QList<QList<float>> *sections, double *gain)
+{
     sections->clear();
     *gain = 1.0;
     if (samplingRate <= 0)
@@ -67,7 +71,8 @@ void ButterworthFilter::Butter(int order, double cutoff, double samplingRate, bo
 }
 
 void ButterworthFilter::FilterTransform(std::complex<double> pole, bool highPass,
-                                        QList<QList<float>> *sections, double *gain) {
+                                        QList<QList<float>> *sections, double *gain)
+{
     // A conjugate pole pair gives the denominator 1 - 2 Re(p) z^-1 + |p|^2 z^-2. The low-pass
     // places both zeros at z = -1, the high-pass at z = +1; the gain makes the response exactly
     // one at DC (low-pass) or at the Nyquist frequency (high-pass).
@@ -82,14 +87,16 @@ void ButterworthFilter::FilterTransform(std::complex<double> pole, bool highPass
     }
 }
 
-void ButterworthFilter::Reset() {
+void ButterworthFilter::Reset()
+{
     if (m_stageA)
         m_stageA->Reset();
     if (m_stageB)
         m_stageB->Reset();
 }
 
-float ButterworthFilter::InternalProcess(float x) {
+float ButterworthFilter::InternalProcess(float x)
+{
     switch (m_mode) {
     case 0:
         return m_stageA->processSample(x);
@@ -100,5 +107,24 @@ float ButterworthFilter::InternalProcess(float x) {
         return m_stageB->processSample(m_stageA->processSample(x));
     default:
         return x;
+    }
+}
+
+void ButterworthFilter::processBlock(float *data, int n)
+{
+    switch (m_mode) {
+    case 0:
+        m_stageA->processSamples(data, n);
+        break;
+    case 1:
+        m_stageB->processSamples(data, n);
+        break;
+    case 2:
+    case 3:
+        m_stageA->processSamples(data, n);
+        m_stageB->processSamples(data, n);
+        break;
+    default:
+        break;
     }
 }

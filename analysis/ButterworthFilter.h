@@ -11,7 +11,8 @@
 //   type 0: low-pass at f1                 type 1: high-pass at f2
 //   type 2: high-pass at f1, then low-pass at f2
 //   type 3: low-pass at f1, then high-pass at f2 (in series, on purpose: not a band-reject)
-class ButterworthFilter : public AbstractFilter {
+class ButterworthFilter : public AbstractFilter
+{
     Q_OBJECT
 public:
     ButterworthFilter(int type, int order, float samplingRate, float firstFrequency,
@@ -31,6 +32,9 @@ public:
     // {b0, b1, b2, 1, a1, a2}, and the overall gain that makes the pass band unity.
     static void Butter(int order, double cutoff, double samplingRate, bool highPass,
                        QList<QList<float>> *sections, double *gain);
+
+protected:
+    void processBlock(float *data, int n) override;
 
 private:
     static void FilterTransform(std::complex<double> pole, bool highPass,

@@ -9,7 +9,8 @@
 //   y[n] = b0 x[n] + b1 x[n-1] + b2 x[n-2] - a1 y[n-1] - a2 y[n-2]
 // and feeds the next. The state is kept in double (transposed direct form II): poles close to
 // the unit circle, as in the 50 Hz notch, would otherwise drift in single precision.
-class IIRFilter : public AbstractFilter {
+class IIRFilter : public AbstractFilter
+{
     Q_OBJECT
 public:
     // numerator b0..bM, denominator a0..aN; both are divided by a0.
@@ -24,8 +25,12 @@ public:
     void Reset() override;
     float InternalProcess(float x) override { return processSample(x); }
 
-    // Non-virtual entry for filters that own an IIRFilter stage.
+    // Non-virtual entries for filters that own an IIRFilter stage.
     inline float processSample(float x);
+    void processSamples(float *data, int n);
+
+protected:
+    void processBlock(float *data, int n) override { processSamples(data, n); }
 
 private:
     struct Section {
@@ -41,7 +46,8 @@ private:
     bool m_general = false;
 };
 
-inline float IIRFilter::processSample(float x) {
+inline float IIRFilter::processSample(float x)
+{
     if (m_general)
         return processGeneral(x);
     double v = x;

@@ -6,7 +6,8 @@
 MovingAverageFilter::MovingAverageFilter(int type, float samplingRate, float cutoffFrequency,
                                          QObject *parent)
     : AbstractFilter(FIR, QStringLiteral("MovingAverageFilter"), parent)
-    , m_type(type) {
+    , m_type(type)
+{
     double n = 1.0;
     if (cutoffFrequency > 0 && samplingRate > 0)
         n = std::floor(samplingRate / (2.0 * M_PI * cutoffFrequency) + 0.5);
@@ -15,19 +16,8 @@ MovingAverageFilter::MovingAverageFilter(int type, float samplingRate, float cut
     m_count = m_length;
 }
 
-void MovingAverageFilter::Reset() {
+void MovingAverageFilter::Reset()
+{
     m_head = 0;
     m_count = 0;
-}
-
-float MovingAverageFilter::InternalProcess(float x) {
-    if (m_count < m_length) {
-        push(x);
-        m_sum = double(m_length) * x;
-    }
-    const float oldest = pop();
-    m_sum += double(x) - oldest;
-    push(x);
-    const double average = m_sum / m_length;
-    return m_type == HighPass ? float(x - average) : float(average);
 }

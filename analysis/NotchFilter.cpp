@@ -3,7 +3,8 @@
 #include <cmath>
 
 NotchFilter::NotchFilter(float samplingRate, float centreFrequency, float width, QObject *parent)
-    : AbstractFilter(IIR, QStringLiteral("NotchFilter"), parent) {
+    : AbstractFilter(IIR, QStringLiteral("NotchFilter"), parent)
+{
     QList<float> numerator;
     QList<float> denominator;
     coefficients(BandStop, samplingRate, centreFrequency, width, &numerator, &denominator);
@@ -11,7 +12,8 @@ NotchFilter::NotchFilter(float samplingRate, float centreFrequency, float width,
 }
 
 bool NotchFilter::coefficients(int type, float samplingRate, float centreFrequency, float width,
-                               QList<float> *numerator, QList<float> *denominator) {
+                               QList<float> *numerator, QList<float> *denominator)
+{
     numerator->clear();
     denominator->clear();
     if ((type != BandStop && type != BandPass) || samplingRate <= 0)

@@ -5,7 +5,8 @@
 
 NotchFilter2::NotchFilter2(float samplingRate, float centreFrequency, float bandwidth,
                            QObject *parent)
-    : AbstractFilter(IIR, QStringLiteral("NotchFilter2"), parent) {
+    : AbstractFilter(IIR, QStringLiteral("NotchFilter2"), parent)
+{
     QList<float> numerator{1.0f};
     QList<float> denominator{1.0f};
     if (samplingRate > 0 && centreFrequency > 0 && centreFrequency < samplingRate / 2) {

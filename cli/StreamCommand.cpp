@@ -7,11 +7,13 @@
 #include <QTextStream>
 #include <QTimer>
 
-QString StreamCommand::usage() {
+QString StreamCommand::usage()
+{
     return QStringLiteral("stream --simulated [--seconds N] [--measure]");
 }
 
-int StreamCommand::run(const QStringList &arguments, QTextStream &out, QTextStream &err) {
+int StreamCommand::run(const QStringList &arguments, QTextStream &out, QTextStream &err)
+{
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("simulated"), QStringLiteral("Use a simulated unit.")});
     parser.addOption({QStringLiteral("seconds"), QStringLiteral("How long to stream (default 10)."),

@@ -6,7 +6,8 @@ class QTextStream;
 
 // "corvida-cli stream": prints the processed stream of a simulated unit as CSV, one line per
 // sample (time in s, pressure in mmHg, pulse, IR), optionally through one cuff cycle.
-class StreamCommand {
+class StreamCommand
+{
 public:
     static int run(const QStringList &arguments, QTextStream &out, QTextStream &err);
     static QString usage();

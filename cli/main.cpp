@@ -6,7 +6,8 @@
 #include <cstdio>
 
 namespace {
-void printHelp(QTextStream &out) {
+void printHelp(QTextStream &out)
+{
     out << "Corvida command-line tool " << CORVIDA_VERSION << "\n\n"
         << "usage: corvida-cli <command> [options]\n\n"
         << "commands:\n"
@@ -18,7 +19,8 @@ void printHelp(QTextStream &out) {
 }
 } // namespace
 
-int main(int argc, char *argv[]) {
+int main(int argc, char *argv[])
+{
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
     QCoreApplication::setOrganizationName(QStringLiteral("Brenvatorix"));

@@ -17,7 +17,8 @@ constexpr double kPulseScale = 1.2;
 
 BaseCorvidaDevice::BaseCorvidaDevice(QObject *parent)
     : QObject(parent)
-    , m_history(3, 120000) {
+    , m_history(3, 120000)
+{
     m_id = QStringLiteral("S%1").arg(++s_deviceCounter);
 
     // Pressure: 15 Hz low-pass against sensor noise, then the mains notch.
@@ -35,12 +36,14 @@ BaseCorvidaDevice::BaseCorvidaDevice(QObject *parent)
 
 BaseCorvidaDevice::~BaseCorvidaDevice() = default;
 
-void BaseCorvidaDevice::setPressureLimits(double first, double second) {
+void BaseCorvidaDevice::setPressureLimits(double first, double second)
+{
     m_lowerPressure = std::min(first, second);
     m_upperPressure = std::max(first, second);
 }
 
-void BaseCorvidaDevice::processRawFrame(const RawFrame &frame) {
+void BaseCorvidaDevice::processRawFrame(const RawFrame &frame)
+{
     if (frame.size() < 4)
         return;
     const QList<double> &dc = frame[DC];
@@ -70,7 +73,8 @@ void BaseCorvidaDevice::processRawFrame(const RawFrame &frame) {
     emit adcData(frame);
 }
 
-bool BaseCorvidaDevice::applyCalibration(qint64 timeMs, float x0, float y0, float x1, float y1) {
+bool BaseCorvidaDevice::applyCalibration(qint64 timeMs, float x0, float y0, float x1, float y1)
+{
     const double slope = (double(y1) - y0) / (double(x1) - x0);
     const double offset = double(x0) * slope - y0;
     if (!std::isfinite(slope) || !std::isfinite(offset)) {

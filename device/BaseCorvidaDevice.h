@@ -17,7 +17,8 @@ using ProcessedFrame = QList<QList<float>>;
 // A measuring unit as the rest of the program sees it: start and stop acquisition, start and
 // end the cuff cycle, identity and calibration, and the sample stream. Every implementation
 // hands its raw frames to processRawFrame, so all units deliver the same processed stream.
-class BaseCorvidaDevice : public QObject {
+class BaseCorvidaDevice : public QObject
+{
     Q_OBJECT
 public:
     enum RawChannel { MPX = 0, AC = 1, DC = 2, IR = 3 };

@@ -4,11 +4,13 @@
 #include <cstring>
 
 SampleHistory::SampleHistory(int channels, int capacity)
-    : m_capacity(std::max(capacity, 1)) {
+    : m_capacity(std::max(capacity, 1))
+{
     m_data.resize(std::max(channels, 0));
 }
 
-void SampleHistory::append(const QList<QList<float>> &frame) {
+void SampleHistory::append(const QList<QList<float>> &frame)
+{
     if (m_data.isEmpty() || frame.size() < m_data.size())
         return;
     qsizetype n = frame.first().size();
@@ -41,12 +43,14 @@ void SampleHistory::append(const QList<QList<float>> &frame) {
     }
 }
 
-void SampleHistory::clear() {
+void SampleHistory::clear()
+{
     m_begin = 0;
     m_size = 0;
 }
 
-QList<float> SampleHistory::channel(int index) const {
+QList<float> SampleHistory::channel(int index) const
+{
     if (index < 0 || index >= m_data.size() || m_size == 0)
         return {};
     const QList<float> &d = m_data[index];

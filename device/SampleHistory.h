@@ -6,7 +6,8 @@
 // Samples are appended into buffers of twice the cap; only when they fill are the newest
 // samples moved to the front, so the cost per sample stays constant and an ordinary frame
 // moves nothing.
-class SampleHistory {
+class SampleHistory
+{
 public:
     explicit SampleHistory(int channels = 3, int capacity = 120000);
 

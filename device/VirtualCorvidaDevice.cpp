@@ -12,7 +12,8 @@ VirtualCorvidaDevice::VirtualCorvidaDevice(QObject *parent)
     : BaseCorvidaDevice(parent)
     , m_tickTimer(new QTimer(this))
     , m_clock(VClock::wall())
-    , m_random([] { return QRandomGenerator::global()->generateDouble(); }) {
+    , m_random([] { return QRandomGenerator::global()->generateDouble(); })
+{
     m_id = QStringLiteral("V%1").arg(++s_virtualCounter);
     m_lastTickTime = m_clock();
     m_tickTimer->setInterval(50);
@@ -22,52 +23,61 @@ VirtualCorvidaDevice::VirtualCorvidaDevice(QObject *parent)
 
 VirtualCorvidaDevice::~VirtualCorvidaDevice() = default;
 
-void VirtualCorvidaDevice::setClock(VClock::Source clock) {
+void VirtualCorvidaDevice::setClock(VClock::Source clock)
+{
     m_clock = clock ? std::move(clock) : VClock::wall();
     m_lastTickTime = m_clock();
 }
 
-void VirtualCorvidaDevice::setRandomSource(RandomSource random) {
+void VirtualCorvidaDevice::setRandomSource(RandomSource random)
+{
     if (random)
         m_random = std::move(random);
 }
 
-void VirtualCorvidaDevice::setTickTimerActive(bool active) {
+void VirtualCorvidaDevice::setTickTimerActive(bool active)
+{
     if (active)
         m_tickTimer->start();
     else
         m_tickTimer->stop();
 }
 
-qint64 VirtualCorvidaDevice::sharedSampleCounter() {
+qint64 VirtualCorvidaDevice::sharedSampleCounter()
+{
     return s_sampleCounter;
 }
 
-void VirtualCorvidaDevice::connectDevice() {
+void VirtualCorvidaDevice::connectDevice()
+{
     disconnectDevice();
     m_linked = true;
     emit connected();
 }
 
-void VirtualCorvidaDevice::disconnectDevice() {
+void VirtualCorvidaDevice::disconnectDevice()
+{
     stopMeasuring();
     m_linked = false;
     emit disconnected();
 }
 
-void VirtualCorvidaDevice::startAcquisition() {
+void VirtualCorvidaDevice::startAcquisition()
+{
     clearHistory();
     m_acquiring = true;
     m_lastTickTime = m_clock();
     emit started();
 }
 
-void VirtualCorvidaDevice::stopAcquisition() {
+void VirtualCorvidaDevice::stopAcquisition()
+{
     m_acquiring = false;
     emit stopped();
 }
 
-void VirtualCorvidaDevice::startMeasuring() {
+void VirtualCorvidaDevice::startMeasuring()
+{
     if (m_lowerPressure < 0 || m_lowerPressure > m_upperPressure) {
         qDebug() << "Invalid pressure limits" << m_lowerPressure << m_upperPressure;
         return;
@@ -82,14 +92,16 @@ void VirtualCorvidaDevice::startMeasuring() {
     emit startedMeasuring();
 }
 
-void VirtualCorvidaDevice::stopMeasuring() {
+void VirtualCorvidaDevice::stopMeasuring()
+{
     m_measurementStopped = true;
     m_measuring = false;
     emit stoppedMeasuring();
     stopAcquisition();
 }
 
-double VirtualCorvidaDevice::amplitudeAt(double p, qint64 t) const {
+double VirtualCorvidaDevice::amplitudeAt(double p, qint64 t) const
+{
     const double S = m_simulatedSystolic;
     const double D = m_simulatedDiastolic;
     const double L = D - (S - D) / 3.0;
@@ -110,7 +122,8 @@ double VirtualCorvidaDevice::amplitudeAt(double p, qint64 t) const {
     return double(n1 - n3) * m_pulseAmplitude / double(n1);
 }
 
-void VirtualCorvidaDevice::tick() {
+void VirtualCorvidaDevice::tick()
+{
     if (!m_acquiring)
         return;
     const qint64 now = m_clock();

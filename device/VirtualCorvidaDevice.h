@@ -10,7 +10,8 @@ class QTimer;
 // A measuring unit without hardware. Every 50 ms it makes the samples due since the last tick:
 // at rest a steady pulse wave; while measuring a cuff that inflates for a second and then
 // deflates, with the pulse hidden above a simulated systolic pressure and returning below it.
-class VirtualCorvidaDevice : public BaseCorvidaDevice {
+class VirtualCorvidaDevice : public BaseCorvidaDevice
+{
     Q_OBJECT
 public:
     using RandomSource = std::function<double()>; // uniform in [0, 1)

@@ -7,7 +7,8 @@ namespace {
 LogCapture *g_current = nullptr;
 } // namespace
 
-LogCapture::LogCapture() {
+LogCapture::LogCapture()
+{
     m_outer = g_current;
     g_current = this;
     // Only the outermost capture replaces the handler; inner ones are reached through the chain.
@@ -15,14 +16,15 @@ LogCapture::LogCapture() {
         m_previous = qInstallMessageHandler(&LogCapture::handler);
 }
 
-LogCapture::~LogCapture() {
+LogCapture::~LogCapture()
+{
     g_current = m_outer;
     if (!m_outer)
         qInstallMessageHandler(m_previous);
 }
 
-void LogCapture::handler(QtMsgType type, const QMessageLogContext &context,
-                         const QString &message) {
+void LogCapture::handler(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
     QtMessageHandler previous = nullptr;
     for (LogCapture *c = g_current; c; c = c->m_outer) {
         QMutexLocker lock(&c->m_mutex);
@@ -34,16 +36,19 @@ void LogCapture::handler(QtMsgType type, const QMessageLogContext &context,
         previous(type, context, message);
 }
 
-QStringList LogCapture::lines() const {
+QStringList LogCapture::lines() const
+{
     QMutexLocker lock(&m_mutex);
     return m_lines;
 }
 
-bool LogCapture::contains(const QString &text) const {
+bool LogCapture::contains(const QString &text) const
+{
     return count(text) > 0;
 }
 
-int LogCapture::count(const QString &text) const {
+int LogCapture::count(const QString &text) const
+{
     QMutexLocker lock(&m_mutex);
     int n = 0;
     for (const QString &line : m_lines)
@@ -52,7 +57,8 @@ int LogCapture::count(const QString &text) const {
     return n;
 }
 
-void LogCapture::clear() {
+void LogCapture::clear()
+{
     QMutexLocker lock(&m_mutex);
     m_lines.clear();
 }

@@ -6,7 +6,8 @@
 
 // Collects every log line written while it lives (tests use it to check what was logged).
 // Lines still reach the handler that was installed before it.
-class LogCapture {
+class LogCapture
+{
 public:
     LogCapture();
     ~LogCapture();

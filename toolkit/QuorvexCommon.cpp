@@ -4,13 +4,15 @@
 #include <QFileInfo>
 #include <cmath>
 
-QString QuorvexCommon::dateTimeFileString(const QDateTime &dateTime, bool withSeconds) {
+QString QuorvexCommon::dateTimeFileString(const QDateTime &dateTime, bool withSeconds)
+{
     const QDateTime dt = dateTime.isValid() ? dateTime : QDateTime::currentDateTime();
     return dt.toString(withSeconds ? QStringLiteral("yyyy-MM-dd_HH-mm-ss")
                                    : QStringLiteral("yyyy-MM-dd_HH-mm"));
 }
 
-QString QuorvexCommon::timeToText(double seconds) {
+QString QuorvexCommon::timeToText(double seconds)
+{
     if (!std::isfinite(seconds))
         return QStringLiteral("-");
     const bool negative = seconds < 0;
@@ -26,7 +28,8 @@ QString QuorvexCommon::timeToText(double seconds) {
     return negative ? QLatin1Char('-') + text : text;
 }
 
-bool QuorvexCommon::CreateDirIfNotExists(const QString &path) {
+bool QuorvexCommon::CreateDirIfNotExists(const QString &path)
+{
     if (path.isEmpty())
         return false;
     QFileInfo info(path);

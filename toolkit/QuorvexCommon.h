@@ -4,7 +4,8 @@
 #include <QString>
 
 // Small helpers shared across the program.
-class QuorvexCommon {
+class QuorvexCommon
+{
 public:
     // A date-time as text that is safe in a file name on every platform, for example
     // "2026-11-21_14-05-09" (with seconds) or "2026-11-21_14-05" (without). A null date-time

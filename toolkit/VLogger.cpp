@@ -11,7 +11,8 @@ QtMessageHandler g_previous = nullptr;
 bool g_installed = false;
 } // namespace
 
-void VLogger::install() {
+void VLogger::install()
+{
     QMutexLocker lock(&g_mutex);
     if (g_installed)
         return;
@@ -19,17 +20,20 @@ void VLogger::install() {
     g_previous = qInstallMessageHandler(&VLogger::handler);
 }
 
-QStringList VLogger::recentLines() {
+QStringList VLogger::recentLines()
+{
     QMutexLocker lock(&g_mutex);
     return g_recent;
 }
 
-void VLogger::clearRecent() {
+void VLogger::clearRecent()
+{
     QMutexLocker lock(&g_mutex);
     g_recent.clear();
 }
 
-void VLogger::handler(QtMsgType type, const QMessageLogContext &context, const QString &message) {
+void VLogger::handler(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
     const QString stamped =
         QDateTime::currentDateTime().toString(QStringLiteral("HH:mm:ss.zzz ")) + message;
     QtMessageHandler previous;

@@ -8,7 +8,8 @@
 // lines with short upper-case tags ("PORT NOT OPEN", "GOT SN/DT", ...) so they can be found in a
 // long log. install() puts a handler in front of Qt's default one that adds a time stamp and
 // keeps the most recent lines for the interface's console.
-class VLogger {
+class VLogger
+{
 public:
     static void install();
     static QStringList recentLines();

@@ -4,14 +4,16 @@
 
 #include <cmath>
 
-QList<float> SignalTools::sine(double frequency, double rate, int samples, double amplitude) {
+QList<float> SignalTools::sine(double frequency, double rate, int samples, double amplitude)
+{
     QList<float> out(samples);
     for (int i = 0; i < samples; ++i)
         out[i] = float(amplitude * std::sin(2.0 * M_PI * frequency * i / rate));
     return out;
 }
 
-double SignalTools::rms(const QList<float> &values, qsizetype from, qsizetype to) {
+double SignalTools::rms(const QList<float> &values, qsizetype from, qsizetype to)
+{
     if (to < 0 || to > values.size())
         to = values.size();
     double sum = 0;
@@ -21,7 +23,8 @@ double SignalTools::rms(const QList<float> &values, qsizetype from, qsizetype to
 }
 
 double SignalTools::gainAt(AbstractFilter &filter, double frequency, double rate,
-                           double settleSeconds, double measureSeconds) {
+                           double settleSeconds, double measureSeconds)
+{
     const int settle = int(settleSeconds * rate);
     // Measure over a whole number of periods so the RMS of the sine is exact.
     const double period = rate / frequency;

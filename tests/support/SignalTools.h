@@ -21,6 +21,7 @@ inline double toDecibel(double gain);
 } // namespace SignalTools
 
 #include <cmath>
-inline double SignalTools::toDecibel(double gain) {
+inline double SignalTools::toDecibel(double gain)
+{
     return 20.0 * std::log10(gain);
 }
