@@ -1,0 +1,331 @@
+#include "storage/XLSXHelper.h"
+
+#include <QAbstractItemModel>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTemporaryFile>
+#include <xlsxwriter.h>
+
+#include <cmath>
+
+namespace {
+constexpr int kSheetNameMax = 31;
+
+// A free temporary name in the target's folder, so the final rename stays on one file system.
+QString temporaryPathBeside(const QString &path)
+{
+    QTemporaryFile probe(QFileInfo(path).absolutePath() + QStringLiteral("/.corvida-XXXXXX.part"));
+    if (!probe.open())
+        return {};
+    return probe.fileName(); // removed when the probe goes; the library creates it again
+}
+
+bool replaceWith(const QString &temporary, const QString &path)
+{
+    if (QFile::exists(path) && !QFile::remove(path))
+        return false;
+    return QFile::rename(temporary, path);
+}
+
+void setError(QString *error, const QString &text)
+{
+    qDebug() << "XLSXHelper:" << text;
+    if (error)
+        *error = text;
+}
+
+struct Sheet {
+    QString name;
+    const XLSXTable *table;
+    QStringList comments; // per column of the first row
+};
+
+bool writeWorkbook(const QList<Sheet> &sheets, const QString &path, bool constantMemory,
+                   QString *error)
+{
+    const QString temporary = temporaryPathBeside(path);
+    if (temporary.isEmpty()) {
+        setError(error, QStringLiteral("cannot write in the folder of %1").arg(path));
+        return false;
+    }
+    const QByteArray tmpName = QFile::encodeName(temporary);
+    const QByteArray tmpDir = QFile::encodeName(QDir::tempPath());
+    lxw_workbook_options options = {};
+    options.constant_memory = constantMemory ? LXW_TRUE : LXW_FALSE;
+    options.tmpdir = const_cast<char *>(tmpDir.constData());
+    options.use_zip64 = LXW_TRUE;
+    lxw_workbook *workbook = workbook_new_opt(tmpName.constData(), &options);
+    if (!workbook) {
+        setError(error, QStringLiteral("cannot create %1").arg(path));
+        return false;
+    }
+    bool ok = true;
+    QStringList taken;
+    for (const Sheet &s : sheets) {
+        const QString name = XLSXHelper::sheetName(s.name, taken);
+        taken << name;
+        lxw_worksheet *sheet = workbook_add_worksheet(workbook, name.toUtf8().constData());
+        if (!sheet || !XLSXHelper::fillSheet(sheet, *s.table)) {
+            setError(error,
+                     QStringLiteral("the sheet \"%1\" does not fit into a workbook").arg(name));
+            ok = false;
+            break;
+        }
+        for (int c = 0; c < s.comments.size(); ++c) {
+            if (!s.comments[c].isEmpty())
+                worksheet_write_comment(sheet, 0, lxw_col_t(c), s.comments[c].toUtf8().constData());
+        }
+    }
+    const lxw_error closed = workbook_close(workbook);
+    if (ok && closed != LXW_NO_ERROR) {
+        setError(error, QStringLiteral("saving %1 failed: %2")
+                            .arg(path, QString::fromUtf8(lxw_strerror(closed))));
+        ok = false;
+    }
+    if (ok && !replaceWith(temporary, path)) {
+        setError(error, QStringLiteral("cannot replace %1").arg(path));
+        ok = false;
+    }
+    if (!ok)
+        QFile::remove(temporary);
+    return ok;
+}
+} // namespace
+
+bool XLSXHelper::isNumber(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool XLSXHelper::fillSheet(lxw_worksheet *sheet, const XLSXTable &table, int firstRow,
+                           int firstColumn)
+{
+    if (!sheet || firstRow < 0 || firstColumn < 0)
+        return false;
+    for (qsizetype r = 0; r < table.size(); ++r) {
+        const qsizetype row = firstRow + r;
+        if (row >= LXW_ROW_MAX)
+            return false;
+        const QList<QVariant> &cells = table[r];
+        for (qsizetype c = 0; c < cells.size(); ++c) {
+            const qsizetype column = firstColumn + c;
+            if (column >= LXW_COL_MAX)
+                return false;
+            const QVariant &v = cells[c];
+            lxw_error result = LXW_NO_ERROR;
+            if (isNumber(v)) {
+                const double d = v.toDouble();
+                if (std::isfinite(d))
+                    result = worksheet_write_number(sheet, lxw_row_t(row), lxw_col_t(column), d,
+                                                    nullptr);
+            } else if (v.typeId() == QMetaType::Bool) {
+                result = worksheet_write_boolean(sheet, lxw_row_t(row), lxw_col_t(column),
+                                                 v.toBool(), nullptr);
+            } else {
+                const QString text = v.toString();
+                if (!text.isEmpty())
+                    result = worksheet_write_string(sheet, lxw_row_t(row), lxw_col_t(column),
+                                                    text.toUtf8().constData(), nullptr);
+            }
+            if (result != LXW_NO_ERROR)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool XLSXHelper::dataToXLSX(const QList<XLSXSheet> &sheets, const QString &path, QString *error)
+{
+    QList<Sheet> list;
+    for (const XLSXSheet &s : sheets)
+        list.append({s.first, &s.second, {}});
+    if (list.isEmpty()) {
+        static const XLSXTable empty;
+        list.append({QStringLiteral("Sheet1"), &empty, {}});
+    }
+    return writeWorkbook(list, path, true, error);
+}
+
+QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
+{
+    if (isNumber(value)) {
+        const double d = value.toDouble();
+        if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
+            return std::isfinite(d) ? QString::number(d, 'g', QLocale::FloatingPointShortest)
+                                    : QString();
+        return value.toString();
+    }
+    QString text = value.toString();
+    if (text.contains(separator) || text.contains(QLatin1Char('"')) ||
+        text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'))) {
+        text.replace(QLatin1String("\""), QLatin1String("\"\""));
+        text = QLatin1Char('"') + text + QLatin1Char('"');
+    }
+    return text;
+}
+
+bool XLSXHelper::dataToCSV(const QList<XLSXSheet> &sheets, const QString &path,
+                           const QString &separator, const QString &lineEnd, QString *error)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        setError(error, QStringLiteral("cannot open %1: %2").arg(path, file.errorString()));
+        return false;
+    }
+    QByteArray chunk("\xEF\xBB\xBF");
+    const auto flush = [&](bool force) {
+        if (force || chunk.size() > (1 << 20)) {
+            file.write(chunk);
+            chunk.clear();
+        }
+    };
+    for (const XLSXSheet &sheet : sheets) {
+        chunk += sheet.first.toUtf8() + lineEnd.toUtf8();
+        for (const QList<QVariant> &row : sheet.second) {
+            QString line;
+            for (const QVariant &cell : row)
+                line += csvCell(cell, separator) + separator;
+            chunk += line.toUtf8() + lineEnd.toUtf8();
+            flush(false);
+        }
+        chunk += lineEnd.toUtf8();
+    }
+    flush(true);
+    if (!file.commit()) {
+        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, file.errorString()));
+        return false;
+    }
+    return true;
+}
+
+XLSXTable XLSXHelper::tableFromModel(const QAbstractItemModel *model, bool withHeader)
+{
+    XLSXTable table;
+    if (!model)
+        return table;
+    const int rows = model->rowCount();
+    const int columns = model->columnCount();
+    if (withHeader) {
+        QList<QVariant> header;
+        for (int c = 0; c < columns; ++c)
+            header << model->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
+        table << header;
+    }
+    for (int r = 0; r < rows; ++r) {
+        QList<QVariant> row;
+        for (int c = 0; c < columns; ++c)
+            row << model->data(model->index(r, c), Qt::DisplayRole);
+        table << row;
+    }
+    return table;
+}
+
+bool XLSXHelper::saveTableToXLSX(const XLSXTable &table, const QString &path,
+                                 const QString &sheetName)
+{
+    return dataToXLSX({{sheetName, table}}, path);
+}
+
+bool XLSXHelper::tableToXLSX(const QAbstractItemModel *model, const QString &path,
+                             const QString &sheetName)
+{
+    return saveTableToXLSX(tableFromModel(model), path, sheetName);
+}
+
+QString XLSXHelper::tableToCSVString(const QAbstractItemModel *model, const QString &separator,
+                                     const QString &lineEnd)
+{
+    QString text;
+    for (const QList<QVariant> &row : tableFromModel(model)) {
+        for (const QVariant &cell : row)
+            text += csvCell(cell, separator) + separator;
+        text += lineEnd;
+    }
+    return text;
+}
+
+QStringList XLSXHelper::tableHeaderTooltips(const QAbstractItemModel *model)
+{
+    QStringList tips;
+    if (!model)
+        return tips;
+    for (int c = 0; c < model->columnCount(); ++c)
+        tips << model->headerData(c, Qt::Horizontal, Qt::ToolTipRole).toString();
+    return tips;
+}
+
+bool XLSXHelper::tableHeaderTooltipsToXLSX(const QAbstractItemModel *model, const QString &path,
+                                           const QString &sheetName)
+{
+    const XLSXTable table = tableFromModel(model);
+    return writeWorkbook({{sheetName, &table, tableHeaderTooltips(model)}}, path, false, nullptr);
+}
+
+XLSXTable XLSXHelper::transpose(const XLSXTable &table)
+{
+    qsizetype columns = 0;
+    for (const auto &row : table)
+        columns = std::max(columns, row.size());
+    XLSXTable out(columns, QList<QVariant>(table.size()));
+    for (qsizetype r = 0; r < table.size(); ++r)
+        for (qsizetype c = 0; c < table[r].size(); ++c)
+            out[c][r] = table[r][c];
+    return out;
+}
+
+QVariant XLSXHelper::convertItemToNumber(const QVariant &item)
+{
+    if (isNumber(item) || item.typeId() != QMetaType::QString)
+        return item;
+    QString text = item.toString().trimmed();
+    if (text.isEmpty())
+        return item;
+    if (!text.contains(QLatin1Char('.')) && text.count(QLatin1Char(',')) == 1)
+        text.replace(QLatin1Char(','), QLatin1Char('.'));
+    bool ok = false;
+    const double d = text.toDouble(&ok);
+    return ok && std::isfinite(d) ? QVariant(d) : item;
+}
+
+QString XLSXHelper::sheetName(const QString &wanted, const QStringList &taken)
+{
+    QString base = wanted;
+    for (const QChar c : QStringLiteral("[]:*?/\\"))
+        base.replace(c, QLatin1Char('_'));
+    base = base.trimmed();
+    // A name may not begin or end with an apostrophe.
+    while (base.startsWith(QLatin1Char('\'')))
+        base.remove(0, 1);
+    while (base.endsWith(QLatin1Char('\'')))
+        base.chop(1);
+    if (base.isEmpty())
+        base = QStringLiteral("Sheet");
+    base.truncate(kSheetNameMax);
+    const auto isTaken = [&taken](const QString &name) {
+        for (const QString &t : taken)
+            if (t.compare(name, Qt::CaseInsensitive) == 0)
+                return true;
+        return false;
+    };
+    QString name = base;
+    for (int n = 2; isTaken(name); ++n) {
+        const QString suffix = QStringLiteral(" (%1)").arg(n);
+        name = base.left(kSheetNameMax - suffix.size()) + suffix;
+    }
+    return name;
+}
