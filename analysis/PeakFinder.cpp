@@ -7,6 +7,20 @@
 namespace {
 // Far beyond any sensible window; keeps the conversion defined for absurd rates.
 constexpr double kLargestHalfWindow = 1.0e8;
+
+// Summed fall after (step +1) or rise before (step -1) sample i, over at most h samples. A sum
+// that turns negative means a higher sample lies within reach, so i is a shoulder or a notch rather
+// than the top of the wave: the sum stops there and the threshold rejects it.
+double slopeSum(const double *x, qsizetype i, qsizetype h, qsizetype step) {
+    double sum = 0.0;
+    for (qsizetype d = 0; d < h; ++d) {
+        sum += x[i + step * d] - x[i + step * (d + 1)];
+        if (sum < 0.0)
+            break;
+    }
+    return sum;
+}
+
 } // namespace
 
 PeakFinder::PeakFinder(double samplingRate, double slopeThreshold, double halfWindow,
@@ -49,25 +63,7 @@ void PeakFinder::findPeaks(const double *x, qsizetype length, int first, int las
         // The first sample of a flat top counts as the peak; the next one does not rise.
         if (!(xi > x[i - 1] && x[i + 1] <= xi))
             continue;
-        // Summed fall after and rise before the peak, each over at most h samples. A sum that
-        // turns negative means a higher sample lies within reach, so this is a shoulder or a
-        // notch rather than the top of the wave: stop there and let the threshold reject it.
-        // (Local minima need no such sums: the valleys are found later between accepted peaks.)
-        double fall = 0.0;
-        for (qsizetype k = i; k < i + h; ++k) {
-            fall += x[k] - x[k + 1];
-            if (fall < 0.0)
-                break;
-        }
-        if (!(fall >= m_slopeThreshold))
-            continue;
-        double rise = 0.0;
-        for (qsizetype k = i; k > i - h; --k) {
-            rise += x[k] - x[k - 1];
-            if (rise < 0.0)
-                break;
-        }
-        if (rise >= m_slopeThreshold)
+        if (passesSlopeSums(x, i, h))
             peaks.append(int(i));
     }
 
@@ -98,6 +94,26 @@ void PeakFinder::findPeaks(const double *x, qsizetype length, int first, int las
         m_amplitudes.append(QPointF(time, x[peak] - x[valley]));
         m_intervals.append(QPointF(time, (peak - previous) / m_samplingRate));
     }
+}
+
+bool PeakFinder::passesSlopeSums(const double *x, qsizetype i, qsizetype h) const {
+    // Local minima need no sums: the valleys are found later between accepted peaks.
+    if (m_slopeThreshold >= 0.0) {
+        // Noise makes a local maximum of every few samples, nearly all on a slope. Running both
+        // sums side by side rejects those as soon as either turns negative, instead of first
+        // summing the whole way down the slope on the other side. The sums are the same.
+        double fall = 0.0;
+        double rise = 0.0;
+        for (qsizetype d = 0; d < h; ++d) {
+            fall += x[i + d] - x[i + d + 1];
+            rise += x[i - d] - x[i - d - 1];
+            if (fall < 0.0 || rise < 0.0)
+                return false;
+        }
+        return fall >= m_slopeThreshold && rise >= m_slopeThreshold;
+    }
+    // Below zero a stopped, negative sum may still pass, so each sum is taken on its own.
+    return slopeSum(x, i, h, +1) >= m_slopeThreshold && slopeSum(x, i, h, -1) >= m_slopeThreshold;
 }
 
 void PeakFinder::thinIsolatedPeaks(QList<int> &candidates, int minimumRate, int maximumRate) const {

@@ -54,6 +54,9 @@ public:
     QList<double> slopeDifferences() const { return m_slopeDifferences; }
 
 private:
+    // Whether the peak at i has a fall after and a rise before of at least the slope threshold.
+    bool passesSlopeSums(const double *x, qsizetype i, qsizetype h) const;
+
     double m_samplingRate;
     double m_slopeThreshold;
     double m_halfWindow;

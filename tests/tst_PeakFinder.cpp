@@ -237,6 +237,9 @@ void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data() {
     // line is far lower again by the end of the half-window.
     QTest::newRow("higher sample within reach after")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{7};
+    // A threshold below zero lets even a sum that stopped at a negative value through.
+    QTest::newRow("negative threshold keeps stopped sums")
+        << -1.0 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{5, 7};
     QTest::newRow("higher sample within reach before")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 0, 1.5, 0.5, 1, 0, 0, 0, 0} << QList<int>{6};
     QTest::newRow("higher sample just out of reach")
