@@ -18,7 +18,8 @@ QList<double> triangles(int length, const QList<int> &at, int halfWidth, double 
     return x;
 }
 
-// The thinning walk exactly as described, on a plain list, to check the in-place version against.
+// The thinning walk done the plain way (remove from the list, step back one), to check the
+// in-place version against.
 QList<int> thinByWalking(QList<int> c, double rate, int minimumRate) {
     if (c.size() < 2)
         return c;
