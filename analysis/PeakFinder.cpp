@@ -11,7 +11,8 @@ constexpr double kLargestHalfWindow = 1.0e8;
 // Summed fall after (step +1) or rise before (step -1) sample i, over at most h samples. A sum
 // that turns negative means a higher sample lies within reach, so i is a shoulder or a notch rather
 // than the top of the wave: the sum stops there and the threshold rejects it.
-double slopeSum(const double *x, qsizetype i, qsizetype h, qsizetype step) {
+double slopeSum(const double *x, qsizetype i, qsizetype h, qsizetype step)
+{
     double sum = 0.0;
     for (qsizetype d = 0; d < h; ++d) {
         sum += x[i + step * d] - x[i + step * (d + 1)];
@@ -30,9 +31,11 @@ PeakFinder::PeakFinder(double samplingRate, double slopeThreshold, double halfWi
     , m_slopeThreshold(slopeThreshold)
     , m_halfWindow(halfWindow)
     , m_minimumRate(180)
-    , m_maximumRate(900) {}
+    , m_maximumRate(900)
+{}
 
-int PeakFinder::halfWindowSamples() const {
+int PeakFinder::halfWindowSamples() const
+{
     const double h = std::trunc(m_halfWindow * m_samplingRate);
     // A zero, negative or undefined rate or window leaves no room for slope sums.
     if (!(h >= 0.0))
@@ -41,12 +44,14 @@ int PeakFinder::halfWindowSamples() const {
 }
 
 void PeakFinder::findPeaks(const QList<double> &series, int first, int last,
-                           QList<int> &signedIndices, QList<int> &peaks, QList<int> &valleys) {
+                           QList<int> &signedIndices, QList<int> &peaks, QList<int> &valleys)
+{
     findPeaks(series.constData(), series.size(), first, last, signedIndices, peaks, valleys);
 }
 
 void PeakFinder::findPeaks(const double *x, qsizetype length, int first, int last,
-                           QList<int> &signedIndices, QList<int> &peaks, QList<int> &valleys) {
+                           QList<int> &signedIndices, QList<int> &peaks, QList<int> &valleys)
+{
     // Beat indices are 32-bit; a longer block (weeks at 1000 Hz) is searched up to that limit.
     const qsizetype n =
         std::min<qsizetype>(std::max<qsizetype>(length, 0), std::numeric_limits<int>::max());
@@ -96,7 +101,8 @@ void PeakFinder::findPeaks(const double *x, qsizetype length, int first, int las
     }
 }
 
-bool PeakFinder::passesSlopeSums(const double *x, qsizetype i, qsizetype h) const {
+bool PeakFinder::passesSlopeSums(const double *x, qsizetype i, qsizetype h) const
+{
     // Local minima need no sums: the valleys are found later between accepted peaks.
     if (m_slopeThreshold >= 0.0) {
         // Noise makes a local maximum of every few samples, nearly all on a slope. Running both
@@ -116,7 +122,8 @@ bool PeakFinder::passesSlopeSums(const double *x, qsizetype i, qsizetype h) cons
     return slopeSum(x, i, h, +1) >= m_slopeThreshold && slopeSum(x, i, h, -1) >= m_slopeThreshold;
 }
 
-void PeakFinder::thinIsolatedPeaks(QList<int> &candidates, int minimumRate, int maximumRate) const {
+void PeakFinder::thinIsolatedPeaks(QList<int> &candidates, int minimumRate, int maximumRate) const
+{
     // Only peaks with no plausible neighbour on either side are taken out. Peaks that come too
     // close are left in: the short intervals they make are dropped by the heart-rate bands.
     Q_UNUSED(maximumRate)
@@ -160,7 +167,8 @@ void PeakFinder::thinIsolatedPeaks(QList<int> &candidates, int minimumRate, int 
     candidates.resize(kept);
 }
 
-double PeakFinder::heartRate() const {
+double PeakFinder::heartRate() const
+{
     // Pass 1: the mean of the intervals inside the rate limits.
     const double shortest = 60.0 / m_maximumRate;
     const double longest = 60.0 / m_minimumRate;

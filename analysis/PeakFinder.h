@@ -11,7 +11,8 @@
 // The finder keeps the interval and amplitude series of its last run; the record reads them right
 // after each run. Series points are (beat time in s, value); the beat time is the peak's sample
 // index divided by the sampling rate.
-class PeakFinder : public QObject {
+class PeakFinder : public QObject
+{
     Q_OBJECT
 public:
     PeakFinder(double samplingRate, double slopeThreshold, double halfWindow,

@@ -9,7 +9,8 @@ namespace {
 
 // A tail pulse wave at 450 beats per minute with a little noise and baseline wander, as the
 // device delivers it at 1000 Hz.
-QList<double> pulseWave(int samples) {
+QList<double> pulseWave(int samples)
+{
     const double rate = 1000.0;
     const double period = 60.0 / 450.0;
     std::mt19937 engine(7);
@@ -26,7 +27,8 @@ QList<double> pulseWave(int samples) {
 }
 
 // The live heart rate: the last 3 s of a growing recording, searched in place.
-void liveHeartRateOnThreeSeconds(benchmark::State &state) {
+void liveHeartRateOnThreeSeconds(benchmark::State &state)
+{
     const QList<double> recording = pulseWave(60000);
     const int window = 3000;
     const double *slice = recording.constData() + recording.size() - window;
@@ -43,7 +45,8 @@ void liveHeartRateOnThreeSeconds(benchmark::State &state) {
 BENCHMARK(liveHeartRateOnThreeSeconds)->Unit(benchmark::kMicrosecond);
 
 // A whole 10-minute record, as on every recalculation.
-void findPeaksOnTenMinutes(benchmark::State &state) {
+void findPeaksOnTenMinutes(benchmark::State &state)
+{
     const QList<double> recording = pulseWave(600000);
     PeakFinder finder(1000.0, 0.01, 0.05);
     QList<int> signedIndices;

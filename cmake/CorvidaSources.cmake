@@ -18,3 +18,11 @@ target_compile_definitions(corvida_core PUBLIC
 target_link_libraries(corvida_core PUBLIC
     Qt6::Core Qt6::Gui Qt6::Network Qt6::SerialPort Qt6::Core5Compat
     ${EDFLIB_LIBRARY} PkgConfig::XLSXWRITER)
+
+# With Ninja, moc only learns of a header added to a folder when its info file changes; make the
+# info file a dependency so a new class is picked up without a clean build.
+function(corvida_autogen_follows_sources target)
+    set_property(TARGET ${target} APPEND PROPERTY AUTOGEN_TARGET_DEPENDS
+        ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_autogen.dir/AutogenInfo.json)
+endfunction()
+corvida_autogen_follows_sources(corvida_core)

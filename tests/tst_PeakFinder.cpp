@@ -10,7 +10,8 @@ namespace {
 
 // A zero line with a triangular pulse of the given height at each index. Each peak is exact, and
 // the valley after a pulse is the first sample where its foot reaches zero (peak + halfWidth).
-QList<double> triangles(int length, const QList<int> &at, int halfWidth, double height = 1.0) {
+QList<double> triangles(int length, const QList<int> &at, int halfWidth, double height = 1.0)
+{
     QList<double> x(length, 0.0);
     for (int p : at)
         for (int d = -halfWidth + 1; d < halfWidth; ++d)
@@ -20,7 +21,8 @@ QList<double> triangles(int length, const QList<int> &at, int halfWidth, double 
 
 // The thinning walk done the plain way (remove from the list, step back one), to check the
 // in-place version against.
-QList<int> thinByWalking(QList<int> c, double rate, int minimumRate) {
+QList<int> thinByWalking(QList<int> c, double rate, int minimumRate)
+{
     if (c.size() < 2)
         return c;
     const double longest = 60.0 / minimumRate;
@@ -54,7 +56,8 @@ struct Run {
     QList<int> valleys;
 };
 
-Run findAll(PeakFinder &finder, const QList<double> &x, int first = 0, int last = -1) {
+Run findAll(PeakFinder &finder, const QList<double> &x, int first = 0, int last = -1)
+{
     Run run;
     finder.findPeaks(x, first, last, run.signedIndices, run.peaks, run.valleys);
     return run;
@@ -62,7 +65,8 @@ Run findAll(PeakFinder &finder, const QList<double> &x, int first = 0, int last 
 
 } // namespace
 
-class tst_PeakFinder : public QObject {
+class tst_PeakFinder : public QObject
+{
     Q_OBJECT
 private slots:
     void findsBeatsAndRateOfPulseTrains_data();
@@ -83,7 +87,8 @@ private slots:
     void badInputGivesNoBeats();
 };
 
-void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data() {
+void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
+{
     QTest::addColumn<double>("bpm");
     QTest::addColumn<double>("seconds");
     QTest::addColumn<double>("amplitude");
@@ -115,7 +120,8 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data() {
 // Every true beat clear of the series ends is found within a few samples, nothing else is found,
 // and the heart rate is within 1 % of the true rate. Missed beats leave double intervals that the
 // rate must ignore.
-void tst_PeakFinder::findsBeatsAndRateOfPulseTrains() {
+void tst_PeakFinder::findsBeatsAndRateOfPulseTrains()
+{
     QFETCH(double, bpm);
     QFETCH(double, seconds);
     QFETCH(double, amplitude);
@@ -177,7 +183,8 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains() {
     }
 }
 
-void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data() {
+void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data()
+{
     QTest::addColumn<double>("rate");
     QTest::addColumn<double>("halfWindow");
     QTest::addColumn<int>("length");
@@ -201,7 +208,8 @@ void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data() {
     QTest::newRow("negative first") << 1000.0 << 0.05 << 400 << 51 << -20 << -1 << true;
 }
 
-void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow() {
+void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow()
+{
     QFETCH(double, rate);
     QFETCH(double, halfWindow);
     QFETCH(int, length);
@@ -218,7 +226,8 @@ void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow() {
     QCOMPARE(run.peaks, found ? QList<int>{peak} : QList<int>{});
 }
 
-void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data() {
+void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data()
+{
     QTest::addColumn<double>("threshold");
     QTest::addColumn<QList<double>>("series");
     QTest::addColumn<QList<int>>("peaks");
@@ -249,7 +258,8 @@ void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data() {
         << 0.1 << QList<double>{0, 0, 1, 2, 3, 2.8, 2.9, 2.0, 1.0, 0, 0} << QList<int>{4};
 }
 
-void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates() {
+void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates()
+{
     QFETCH(double, threshold);
     QFETCH(QList<double>, series);
     QFETCH(QList<int>, peaks);
@@ -259,7 +269,8 @@ void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates() {
     QCOMPARE(findAll(finder, series).peaks, peaks);
 }
 
-void tst_PeakFinder::reportsValleysIntervalsAndAmplitudesOfEachBeat() {
+void tst_PeakFinder::reportsValleysIntervalsAndAmplitudesOfEachBeat()
+{
     // Four beats at 1000 Hz. Between the second and third the line dips twice to the same
     // lowest value: the first of them is the valley.
     QList<double> x = triangles(1000, {100, 260, 430, 700}, 30, 2.0);
@@ -282,7 +293,8 @@ void tst_PeakFinder::reportsValleysIntervalsAndAmplitudesOfEachBeat() {
     QCOMPARE(finder.amplitudeSeries(), (QList<QPointF>{{0.26, 2.0}, {0.43, 2.5}, {0.7, 2.25}}));
 }
 
-void tst_PeakFinder::beatWithoutValleyStaysButGivesNoInterval() {
+void tst_PeakFinder::beatWithoutValleyStaysButGivesNoInterval()
+{
     // With a zero threshold a peak may sit on a plateau that never drops below it before the
     // next peak rises from that plateau: the second beat has no valley.
     QList<double> x(400, 0.0);
@@ -305,7 +317,8 @@ void tst_PeakFinder::beatWithoutValleyStaysButGivesNoInterval() {
     QCOMPARE(finder.amplitudeSeries(), (QList<QPointF>{{0.32, 1.5}}));
 }
 
-void tst_PeakFinder::removesIsolatedPeaks_data() {
+void tst_PeakFinder::removesIsolatedPeaks_data()
+{
     QTest::addColumn<int>("minimumRate");
     QTest::addColumn<int>("maximumRate");
     QTest::addColumn<QList<int>>("candidates");
@@ -332,7 +345,8 @@ void tst_PeakFinder::removesIsolatedPeaks_data() {
         << 180 << 200 << QList<int>{0, 10, 20, 30} << QList<int>{0, 10, 20, 30};
 }
 
-void tst_PeakFinder::removesIsolatedPeaks() {
+void tst_PeakFinder::removesIsolatedPeaks()
+{
     QFETCH(int, minimumRate);
     QFETCH(int, maximumRate);
     QFETCH(QList<int>, candidates);
@@ -343,7 +357,8 @@ void tst_PeakFinder::removesIsolatedPeaks() {
     QCOMPARE(candidates, kept);
 }
 
-void tst_PeakFinder::inPlaceThinningMatchesTheWalk() {
+void tst_PeakFinder::inPlaceThinningMatchesTheWalk()
+{
     std::mt19937 engine(17);
     std::uniform_int_distribution<int> gap(1, 700);
     std::uniform_int_distribution<int> size(0, 40);
@@ -359,7 +374,8 @@ void tst_PeakFinder::inPlaceThinningMatchesTheWalk() {
     }
 }
 
-void tst_PeakFinder::heartRateUsesTwoBands_data() {
+void tst_PeakFinder::heartRateUsesTwoBands_data()
+{
     QTest::addColumn<double>("rate");
     QTest::addColumn<QList<int>>("intervals"); // samples between successive peaks
     QTest::addColumn<double>("bpm");
@@ -384,7 +400,8 @@ void tst_PeakFinder::heartRateUsesTwoBands_data() {
     QTest::newRow("nothing regular") << 1000.0 << QList<int>{100, 300} << qQNaN();
 }
 
-void tst_PeakFinder::heartRateUsesTwoBands() {
+void tst_PeakFinder::heartRateUsesTwoBands()
+{
     QFETCH(double, rate);
     QFETCH(QList<int>, intervals);
     QFETCH(double, bpm);
@@ -412,7 +429,8 @@ void tst_PeakFinder::heartRateUsesTwoBands() {
                  qPrintable(QString::number(measured, 'g', 17)));
 }
 
-void tst_PeakFinder::nextRunReplacesStaleIntervals() {
+void tst_PeakFinder::nextRunReplacesStaleIntervals()
+{
     PeakFinder finder(1000.0, 0.01, 0.05);
     QCOMPARE(finder.heartRate(), 0.0);
 
@@ -428,7 +446,8 @@ void tst_PeakFinder::nextRunReplacesStaleIntervals() {
     QCOMPARE(finder.heartRate(), 0.0);
 }
 
-void tst_PeakFinder::badInputGivesNoBeats_data() {
+void tst_PeakFinder::badInputGivesNoBeats_data()
+{
     QTest::addColumn<double>("rate");
     QTest::addColumn<QList<double>>("series");
     QTest::addColumn<int>("first");
@@ -450,7 +469,8 @@ void tst_PeakFinder::badInputGivesNoBeats_data() {
     QTest::newRow("undefined samples") << 1000.0 << undefined << 0 << -1;
 }
 
-void tst_PeakFinder::badInputGivesNoBeats() {
+void tst_PeakFinder::badInputGivesNoBeats()
+{
     QFETCH(double, rate);
     QFETCH(QList<double>, series);
     QFETCH(int, first);

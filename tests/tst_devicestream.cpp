@@ -26,7 +26,8 @@ public:
 
 RawFrame constantFrame(int n, double mpx, double ac, double dc, double ir)
 {
-    return {QList<double>(n, mpx), QList<double>(n, ac), QList<double>(n, dc), QList<double>(n, ir)};
+    return {QList<double>(n, mpx), QList<double>(n, ac), QList<double>(n, dc),
+            QList<double>(n, ir)};
 }
 
 // Feeds `seconds` of constant input in unit-sized frames; returns the last processed frame.
@@ -76,13 +77,12 @@ void TestDeviceStream::processedFrameComesBeforeRawFrame()
 {
     BareDevice device;
     QStringList order;
-    connect(&device, &BaseCorvidaDevice::pressurePulseData, this,
-            [&](const ProcessedFrame &f) {
-                order << QStringLiteral("processed");
-                QCOMPARE(f.size(), 3);
-                for (const auto &c : f)
-                    QCOMPARE(c.size(), 7);
-            });
+    connect(&device, &BaseCorvidaDevice::pressurePulseData, this, [&](const ProcessedFrame &f) {
+        order << QStringLiteral("processed");
+        QCOMPARE(f.size(), 3);
+        for (const auto &c : f)
+            QCOMPARE(c.size(), 7);
+    });
     connect(&device, &BaseCorvidaDevice::adcData, this, [&](const RawFrame &f) {
         order << QStringLiteral("raw");
         QCOMPARE(f, constantFrame(7, 1, 2, 3, 4));
@@ -132,8 +132,10 @@ void TestDeviceStream::pulseNormalisedByDcAndZeroWithoutDc()
     // The same AC through two fresh devices: half the DC gives exactly twice the pulse.
     BareDevice a, b;
     ProcessedFrame fa, fb;
-    connect(&a, &BaseCorvidaDevice::pressurePulseData, this, [&](const ProcessedFrame &f) { fa = f; });
-    connect(&b, &BaseCorvidaDevice::pressurePulseData, this, [&](const ProcessedFrame &f) { fb = f; });
+    connect(&a, &BaseCorvidaDevice::pressurePulseData, this,
+            [&](const ProcessedFrame &f) { fa = f; });
+    connect(&b, &BaseCorvidaDevice::pressurePulseData, this,
+            [&](const ProcessedFrame &f) { fb = f; });
     const QList<float> ac = SignalTools::sine(8.0, 1000, 3100, 0.5);
     for (int k = 0; k < 100; ++k) {
         RawFrame frame = constantFrame(31, 0, 0, 1.2, 1);

@@ -103,12 +103,14 @@ void TestFilters::butterworthMatchesClosedFormResponse_data()
     QTest::newRow("hp octave down") << 1 << 200.0 << 20.0 << 10.0 << butterHighPass(10, 20, fs, 4);
     // Band-pass: high-pass at f1 then low-pass at f2, so the responses multiply.
     QTest::newRow("bandpass middle")
-        << 2 << 10.0 << 100.0 << 40.0 << butterHighPass(40, 10, fs, 4) * butterLowPass(40, 100, fs, 4);
+        << 2 << 10.0 << 100.0 << 40.0
+        << butterHighPass(40, 10, fs, 4) * butterLowPass(40, 100, fs, 4);
     // Type 3 is low-pass at f1 then high-pass at f2 in series: still a product, not a notch.
-    QTest::newRow("type3 serial")
-        << 3 << 100.0 << 10.0 << 40.0 << butterLowPass(40, 100, fs, 4) * butterHighPass(40, 10, fs, 4);
+    QTest::newRow("type3 serial") << 3 << 100.0 << 10.0 << 40.0
+                                  << butterLowPass(40, 100, fs, 4) * butterHighPass(40, 10, fs, 4);
     QTest::newRow("type3 outside band")
-        << 3 << 100.0 << 10.0 << 200.0 << butterLowPass(200, 100, fs, 4) * butterHighPass(200, 10, fs, 4);
+        << 3 << 100.0 << 10.0 << 200.0
+        << butterLowPass(200, 100, fs, 4) * butterHighPass(200, 10, fs, 4);
 }
 
 void TestFilters::butterworthMatchesClosedFormResponse()
@@ -285,8 +287,8 @@ void TestFilters::iirGeneralOrderFollowsDifferenceEquation()
     const QList<float> a = {2.0f, -0.4f, 0.2f, -0.1f};
     IIRFilter filter(b, a);
     const QList<float> x = noise(400, 11);
-    const QList<float> expected = referenceDifferenceEquation(
-        {0.1, 0.2, 0.3, 0.2, 0.1}, {2.0, -0.4, 0.2, -0.1}, x);
+    const QList<float> expected =
+        referenceDifferenceEquation({0.1, 0.2, 0.3, 0.2, 0.1}, {2.0, -0.4, 0.2, -0.1}, x);
     const QList<float> y = filter.Process(x);
     for (qsizetype i = 0; i < x.size(); ++i)
         QCOMPARE_LE(std::fabs(y[i] - expected[i]), 1e-4f);

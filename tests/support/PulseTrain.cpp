@@ -5,7 +5,8 @@
 
 namespace {
 
-double cycleShape(double phase) {
+double cycleShape(double phase)
+{
     using PulseTrain::kPeakPhase;
     if (phase < kPeakPhase)
         return 0.5 * (1.0 - std::cos(M_PI * phase / kPeakPhase));
@@ -15,7 +16,8 @@ double cycleShape(double phase) {
 }
 
 // Box-Muller on the raw generator, so the noise is the same with every standard library.
-double gaussian(std::mt19937 &engine) {
+double gaussian(std::mt19937 &engine)
+{
     const double u1 = (double(engine()) + 1.0) / 4294967297.0;
     const double u2 = double(engine()) / 4294967296.0;
     return std::sqrt(-2.0 * std::log(u1)) * std::cos(2.0 * M_PI * u2);
@@ -23,7 +25,8 @@ double gaussian(std::mt19937 &engine) {
 
 } // namespace
 
-PulseTrain::Train PulseTrain::make(const Options &o) {
+PulseTrain::Train PulseTrain::make(const Options &o)
+{
     Train train;
     const int n = int(o.seconds * o.samplingRate);
     const double period = 60.0 / o.beatsPerMinute;
