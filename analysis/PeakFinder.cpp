@@ -203,3 +203,116 @@ double PeakFinder::heartRate() const
         return std::numeric_limits<double>::quiet_NaN();
     return 60.0 / (sum / count);
 }
+
+double PeakFinder::valueAtTime(const QList<double> &series, double t, double samplingRate)
+{
+    const double position = t * samplingRate;
+    if (!std::isfinite(position) || position < 0 || position >= double(series.size()))
+        return 0.0;
+    return series[qsizetype(position)];
+}
+
+QList<int> PeakFinder::selectRegularBeats(const QList<int> &beats) const
+{
+    QList<int> regular;
+    if (beats.size() < 2 || m_samplingRate <= 0)
+        return regular;
+    const double shortest = 60.0 / m_maximumRate;
+    const double longest = 60.0 / m_minimumRate;
+    QList<double> intervals;
+    for (qsizetype j = 1; j < beats.size(); ++j) {
+        const double interval = (beats[j] - beats[j - 1]) / m_samplingRate;
+        if (interval >= shortest && interval <= longest) {
+            intervals << interval;
+            regular << beats[j];
+        }
+    }
+    if (intervals.isEmpty())
+        return regular;
+    double sum = 0.0;
+    for (double interval : std::as_const(intervals))
+        sum += interval;
+    const double mean = std::fabs(sum / double(intervals.size()));
+    for (qsizetype i = intervals.size() - 1; i >= 1; --i) {
+        if (intervals[i] < 0.66 * mean || intervals[i] > 1.33 * mean) {
+            intervals.removeAt(i);
+            regular.removeAt(i);
+        }
+    }
+    return regular;
+}
+
+int PeakFinder::chooseSystolicBeat(const QList<int> &regular)
+{
+    // The window is a count of samples, whatever the sampling rate.
+    constexpr int kWindow = 3000;
+    double bestRatio = 1.0;
+    int chosen = 0;
+    const qsizetype n = regular.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        if (regular[i] <= kWindow)
+            continue;
+        int after = 0;
+        for (qsizetype j = i; j < n && qint64(regular[j]) - regular[i] < kWindow; ++j)
+            ++after;
+        int before = 0;
+        for (qsizetype j = i; j >= 1 && qint64(regular[i]) - regular[j] < kWindow; --j)
+            ++before;
+        if (after > 9) {
+            const double ratio = double(before) / double(after);
+            if (ratio <= bestRatio) {
+                bestRatio = ratio;
+                chosen = int(i);
+            }
+        }
+    }
+    return chosen;
+}
+
+double PeakFinder::findDiastolicTime(double systolicTime, const QList<double> &pressure)
+{
+    return findDiastolicTime(systolicTime, pressure, m_amplitudes, m_samplingRate,
+                             &m_slopeDifferences);
+}
+
+double PeakFinder::findDiastolicTime(double systolicTime, const QList<double> &pressure,
+                                     const QList<QPointF> &a, double fs,
+                                     QList<double> *slopeDifferences)
+{
+    if (slopeDifferences)
+        slopeDifferences->clear();
+    const auto p = [&](double t) { return valueAtTime(pressure, t, fs); };
+    const qsizetype n = a.size();
+    const double ps = p(systolicTime);
+    double best = 0.0;
+    double result = 0.0;
+    for (qsizetype k = 0; k + 1 < n; ++k) {
+        const double tk = a[k].x();
+        const double pk = p(tk);
+        if (pk < ps - 50.0 || pk > ps - 15.0 || !(tk > systolicTime))
+            continue;
+        // Amplitude growth over the 10 mmHg above the candidate (earlier, higher pressure)...
+        double upper = 0.0;
+        for (qsizetype m = k + 1; m > 0; --m) {
+            if (p(a[m].x()) > pk + 10.0)
+                break;
+            upper += (a[m].y() - a[m - 1].y()) * 0.5 * (a[m].x() - a[m - 1].x());
+        }
+        // ... and over the 10 mmHg below it (later, lower pressure). A point before the first
+        // one does not exist; it ends the sum.
+        double lower = 0.0;
+        for (qsizetype j = k - 1; j >= 0 && j < n - 1; ++j) {
+            if (p(a[j].x()) < pk - 10.0)
+                break;
+            lower += (a[j + 1].y() - a[j].y()) * 0.5 * (a[j + 1].x() - a[j].x());
+        }
+        const double difference = std::fabs(upper - lower);
+        if (slopeDifferences)
+            slopeDifferences->append(difference);
+        if (difference > best) {
+            best = difference;
+            result = tk;
+        }
+    }
+    return result;
+}

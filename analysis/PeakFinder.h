@@ -50,6 +50,27 @@ public:
     // interval lies within the rate limits, NaN when all of those that do are irregular.
     double heartRate() const;
 
+    // Beats whose interval to the previous beat lies within the rate limits and within 0.66 to
+    // 1.33 times the mean of those intervals. The first kept beat is never judged against the
+    // mean: the walk goes from the last kept beat down to the second, on purpose.
+    QList<int> selectRegularBeats(const QList<int> &beats) const;
+    // Index into `regular` of the first beat of a dense run (more than 9 beats in the following
+    // 3000 samples) with the fewest beats in the 3000 samples before it; a later beat wins a tie.
+    // 0 when no beat past sample 3000 qualifies.
+    static int chooseSystolicBeat(const QList<int> &regular);
+    // The time, after the systolic time and 15 to 50 mmHg below its pressure, where the growth
+    // of the pulse amplitude bends most sharply into its plateau; 0 when no point qualifies.
+    // Works on the amplitude series of the last run and fills the slope differences.
+    double findDiastolicTime(double systolicTime, const QList<double> &pressure);
+    // The same search over any amplitude series; slopeDifferences (when given) is cleared and
+    // receives one value per candidate point.
+    static double findDiastolicTime(double systolicTime, const QList<double> &pressure,
+                                    const QList<QPointF> &amplitudes, double samplingRate,
+                                    QList<double> *slopeDifferences);
+
+    // The value of `series` at time t (seconds, truncated to a sample index); 0 outside it.
+    static double valueAtTime(const QList<double> &series, double t, double samplingRate);
+
     QList<QPointF> intervalSeries() const { return m_intervals; }
     QList<QPointF> amplitudeSeries() const { return m_amplitudes; }
     QList<double> slopeDifferences() const { return m_slopeDifferences; }
