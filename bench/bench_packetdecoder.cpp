@@ -21,7 +21,9 @@ const QByteArray &recordedStream() {
             CorvidaPacket::encode(CorvidaPacket::SerialNumber,
                                   CorvidaPacket::serialNumberPayload(
                                       QStringLiteral("CRV-0001"), QDateTime::currentDateTimeUtc()));
-        QByteArray calibration(24, '\0');
+        const float points[4] = {100.0f, 0.0f, 900.0f, 200.0f};
+        QByteArray calibration(8, '\0');
+        calibration.append(reinterpret_cast<const char *>(points), sizeof points);
         s += CorvidaPacket::encode(CorvidaPacket::Calibration, calibration);
         int sample = 0;
         const int total = kSeconds * 1000;
@@ -103,6 +105,8 @@ BENCHMARK(BM_BytesToProcessedFrames);
 
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
+    // The device logs every serial number and calibration it receives; not what is measured.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
