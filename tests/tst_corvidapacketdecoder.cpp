@@ -78,10 +78,6 @@ private slots:
     void calibrationPayload();
     void serialNumberPayload_data();
     void serialNumberPayload();
-    void measuringCommandCutsTowardZeroUpperFirst_data();
-    void measuringCommandCutsTowardZeroUpperFirst();
-    void serialNumberProgrammingPayload_data();
-    void serialNumberProgrammingPayload();
 };
 
 void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit_data() {
@@ -310,40 +306,6 @@ void TestCorvidaPacketDecoder::serialNumberPayload() {
         return;
     QCOMPARE(data.serialNumber, serial);
     QCOMPARE(data.productionMs, productionMs);
-}
-
-void TestCorvidaPacketDecoder::measuringCommandCutsTowardZeroUpperFirst_data() {
-    QTest::addColumn<double>("upper");
-    QTest::addColumn<double>("lower");
-    QTest::addColumn<QByteArray>("wire");
-    QTest::newRow("whole") << 160.0 << 40.0 << QByteArray::fromHex("55550304a0002800cccc");
-    QTest::newRow("fractions cut") << 160.99 << 40.5 << QByteArray::fromHex("55550304a0002800cccc");
-    QTest::newRow("above 255") << 300.0 << 0.0 << QByteArray::fromHex("555503042c010000cccc");
-    QTest::newRow("out of range pinned")
-        << 1e9 << -3.0 << QByteArray::fromHex("55550304ffff0000cccc");
-}
-
-void TestCorvidaPacketDecoder::measuringCommandCutsTowardZeroUpperFirst() {
-    QFETCH(double, upper);
-    QFETCH(double, lower);
-    QFETCH(QByteArray, wire);
-    QCOMPARE(CorvidaPacket::measuringCommand(upper, lower).toHex(), wire.toHex());
-}
-
-void TestCorvidaPacketDecoder::serialNumberProgrammingPayload_data() {
-    QTest::addColumn<QString>("serial");
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("short, zero padded") << "CRV-7" << QByteArray("CRV-7") + QByteArray(27, '\0');
-    QTest::newRow("cut to 32") << QString(40, 'Z') << QByteArray(32, 'Z');
-    QTest::newRow("Latin-1") << QString::fromUtf8("é") << QByteArray("\xE9") + QByteArray(31, '\0');
-}
-
-void TestCorvidaPacketDecoder::serialNumberProgrammingPayload() {
-    QFETCH(QString, serial);
-    QFETCH(QByteArray, text);
-    const QDateTime produced(QDate(2021, 3, 15), QTime(12, 0), Qt::UTC);
-    const QByteArray payload = CorvidaPacket::serialNumberPayload(serial, produced);
-    QCOMPARE(payload.toHex(), (Emu::le64(132602832000000000ULL) + text).toHex());
 }
 
 QTEST_GUILESS_MAIN(TestCorvidaPacketDecoder)
