@@ -18,12 +18,12 @@ const QByteArray kAskSerial = QByteArray::fromHex("55550700cccc");
 const QByteArray kAskCalibration = QByteArray::fromHex("55550600cccc");
 
 // A unit on a pseudo-terminal and a device bound to it, with both clocks in the test's hands.
-struct Bench {
+struct Rig {
     qint64 now = 1000000;
     Emu unit;
     std::unique_ptr<ComCorvidaDevice> device;
 
-    Bench() {
+    Rig() {
         unit.setClock([this] { return now; });
         unit.plug();
         device = std::make_unique<ComCorvidaDevice>(unit.portPath());
@@ -113,7 +113,7 @@ void TestComCorvidaDevice::initTestCase() {
 }
 
 void TestComCorvidaDevice::connectingAsksStopSerialCalibrationAndLearnsIdentity() {
-    Bench b;
+    Rig b;
     b.unit.setSerialNumber("CRV-0042");
     b.unit.setProductionDate(QDateTime(QDate(2021, 3, 15), QTime(12, 0), Qt::UTC));
     b.unit.setCalibration(100.0f, 0.0f, 900.0f, 200.0f);
@@ -158,7 +158,7 @@ void TestComCorvidaDevice::commandsOnTheWire_data() {
 void TestComCorvidaDevice::commandsOnTheWire() {
     QFETCH(Action, action);
     QFETCH(QByteArray, wire);
-    Bench b;
+    Rig b;
     QVERIFY(b.connectAndIdentify());
     b.unit.clearReceived();
     b.device->setPressureLimits(160.9, 40.7);
@@ -194,7 +194,7 @@ void TestComCorvidaDevice::commandsOnTheWire() {
 }
 
 void TestComCorvidaDevice::measuringWithNegativeLowerLimitSendsNothing() {
-    Bench b;
+    Rig b;
     QVERIFY(b.connectAndIdentify());
     b.unit.clearReceived();
     b.device->setPressureLimits(-5.0, 150.0);
@@ -220,7 +220,7 @@ void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure_data() {
 void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure() {
     QFETCH(QList<float>, points);
     QFETCH(double, pressure);
-    Bench b;
+    Rig b;
     b.unit.setCalibration(points[0], points[1], points[2], points[3]);
     b.unit.setRestPressure(pressure);
     QVERIFY(b.connectAndIdentify());
@@ -243,7 +243,7 @@ void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure() {
 
 void TestComCorvidaDevice::cuffCycleRunsBetweenTheLimitsAndMirrorsRawSamples() {
     QTemporaryDir folder;
-    Bench b;
+    Rig b;
     b.unit.setSystolic(120.0);
     b.unit.setCuffRates(200.0, 40.0); // up in 0.8 s, down to 40 in 3 s
     QVERIFY(b.connectAndIdentify());
@@ -301,7 +301,7 @@ void TestComCorvidaDevice::cuffCycleRunsBetweenTheLimitsAndMirrorsRawSamples() {
 }
 
 void TestComCorvidaDevice::unplugDisconnectsAndWatchdogReconnects() {
-    Bench b;
+    Rig b;
     QVERIFY(b.connectAndIdentify());
     FrameSink sink;
     sink.attach(b.device.get());
@@ -339,7 +339,7 @@ void TestComCorvidaDevice::unplugDisconnectsAndWatchdogReconnects() {
 }
 
 void TestComCorvidaDevice::serialRequestRepeatedOnceAfterConnect() {
-    Bench b;
+    Rig b;
     b.unit.setAnswerSerialRequests(false);
     b.device->connectDevice();
     QTRY_VERIFY(b.device->isCalibrated());
@@ -362,7 +362,7 @@ void TestComCorvidaDevice::serialRequestRepeatedOnceAfterConnect() {
 }
 
 void TestComCorvidaDevice::garbageBeforeStartMarkBlocksUntilReconnect() {
-    Bench b;
+    Rig b;
     b.unit.setAnswerSerialRequests(false);
     b.device->connectDevice();
     QTRY_VERIFY(b.device->isCalibrated());
@@ -422,7 +422,7 @@ void TestComCorvidaDevice::unitPackets() {
     QFETCH(QString, produced);
     QFETCH(double, slope);
     QFETCH(QString, logged);
-    Bench b;
+    Rig b;
     b.unit.setAnswerSerialRequests(false);
     b.unit.setAnswerCalibrationRequests(false);
     b.device->connectDevice();
@@ -514,7 +514,7 @@ void TestComCorvidaDevice::firstWatchdogRoundRunsAtOnce() {
 }
 
 void TestComCorvidaDevice::destructionReleasesCuffAndAnnouncesDisconnect() {
-    Bench b;
+    Rig b;
     QVERIFY(b.connectAndIdentify());
     b.unit.clearReceived();
     QSignalSpy disconnectedSpy(b.device.get(), &BaseCorvidaDevice::disconnected);
