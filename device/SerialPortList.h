@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <functional>
+
+// Where the serial ports of the system are listed from. Code that searches for a unit takes a
+// Source, so tests can hand in a made-up list instead of the machine's real ports.
+class SerialPortList {
+public:
+    struct Entry {
+        QString portName;
+        QString description;
+        QString manufacturer;
+    };
+    using Source = std::function<QList<Entry>()>;
+
+    // The system's ports, in the order the system lists them.
+    static Source system();
+    // A fixed list, for tests and tools.
+    static Source fixed(const QList<Entry> &entries);
+};

@@ -1,0 +1,146 @@
+#pragma once
+
+#include "toolkit/VClock.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <QTemporaryDir>
+#include <array>
+
+class QSocketNotifier;
+class QTimer;
+
+// Plays a measuring unit on a pseudo-terminal, so the device code talks to it through a real
+// serial port. It answers the serial-number and calibration requests, streams samples at
+// 1000 Hz while acquisition is on, and runs a cuff cycle when asked to measure.
+//
+// The framing and numbers here are written out by hand and share nothing with the program's
+// own codec, so a fault in that codec cannot hide by appearing on both sides.
+//
+// Time comes from a clock that tests move by hand: tick() sends the samples due since the last
+// tick. portPath() is a link that stays the same across unplug()/plug(), like a port name.
+class CorvidaUnitEmulator : public QObject {
+    Q_OBJECT
+public:
+    struct Packet {
+        int type = 0;
+        QByteArray payload;
+    };
+    using Counts = std::array<qint16, 4>; // MPX, AC, DC, IR as sent
+
+    explicit CorvidaUnitEmulator(QObject *parent = nullptr);
+    ~CorvidaUnitEmulator() override;
+
+    // Opens a new pseudo-terminal pair and points portPath() at it; a fresh unit starts idle.
+    bool plug();
+    // Closes the pair: the port reports an error to whoever has it open.
+    void unplug();
+    bool isPlugged() const { return m_master >= 0; }
+    QString portPath() const;
+    QString slavePath() const { return m_slavePath; }
+
+    void setClock(VClock::Source clock);
+    // Sends due samples every few ms on its own (off by default; tests call tick()).
+    void setStreamTimerActive(bool active);
+
+    // Identity and calibration the unit reports.
+    void setSerialNumber(const QByteArray &serialNumber) { m_serialNumber = serialNumber; }
+    void setProductionDate(const QDateTime &date) { m_production = date; }
+    void setCalibration(float x0, float y0, float x1, float y1);
+    void setAnswerSerialRequests(bool answer) { m_answerSerial = answer; }
+    void setAnswerCalibrationRequests(bool answer) { m_answerCalibration = answer; }
+
+    // The simulated body and cuff.
+    void setRestPressure(double mmHg) { m_restPressure = mmHg; }
+    void setSystolic(double mmHg) { m_systolic = mmHg; }
+    void setPulse(double hz, int amplitudeCounts);
+    void setSteadyCounts(qint16 dc, qint16 ir);
+    void setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS);
+
+    bool isStreaming() const { return m_streaming; }
+    bool isMeasuring() const { return m_measuring; }
+    double cuffPressure() const { return m_pressure; }
+    int upperLimit() const { return m_upper; }
+    int lowerLimit() const { return m_lower; }
+    // The MPX count the unit sends for a cuff pressure, through its calibration.
+    qint16 pressureCount(double mmHg) const;
+
+    // Everything the computer sent, as bytes and as packets.
+    QByteArray receivedBytes() const { return m_received; }
+    QList<Packet> receivedPackets() const { return m_packets; }
+    QList<int> receivedTypes() const;
+    void clearReceived();
+
+    // Keeps the counts of every sample sent (for comparing against what the device made).
+    void setRecordSamples(bool record) { m_recordSamples = record; }
+    QList<Counts> sentSamples() const { return m_sentSamples; }
+    qint64 samplesSent() const { return m_samplesSent; }
+
+    // Puts arbitrary bytes on the wire, for malformed input.
+    void writeRaw(const QByteArray &bytes);
+    // A framed packet, built independently of the program's encoder.
+    static QByteArray packet(int type, const QByteArray &payload = QByteArray());
+    static QByteArray le16(quint16 value);
+    static QByteArray le64(quint64 value);
+    static QByteArray f32(float value);
+    static quint64 fileTime(const QDateTime &dateTime);
+
+public slots:
+    // Sends the samples due since the previous tick (at most ten seconds' worth).
+    void tick();
+
+signals:
+    void packetReceived(int type, const QByteArray &payload);
+
+private:
+    void onReadable();
+    void onWritable();
+    void parseReceived();
+    void handleCommand(const Packet &packet);
+    void sendSamples(int count);
+    void flush();
+    Counts nextSample();
+
+    int m_master = -1;
+    int m_slaveHold = -1; // keeps the pair alive and raw while no port has it open
+    QString m_slavePath;
+    QTemporaryDir m_linkDir;
+    QSocketNotifier *m_readNotifier = nullptr;
+    QSocketNotifier *m_writeNotifier = nullptr;
+    QTimer *m_streamTimer;
+    VClock::Source m_clock;
+    qint64 m_lastTick = 0;
+
+    QByteArray m_inBuffer;
+    QByteArray m_outBuffer;
+    QByteArray m_received;
+    QList<Packet> m_packets;
+
+    QByteArray m_serialNumber = "CRV-0001";
+    QDateTime m_production;
+    float m_calibration[4] = {100.0f, 0.0f, 900.0f, 200.0f};
+    bool m_answerSerial = true;
+    bool m_answerCalibration = true;
+
+    double m_restPressure = 0.0;
+    double m_systolic = 120.0;
+    double m_pulseHz = 6.0;
+    int m_pulseCounts = 4000;
+    qint16 m_dcCounts = 16384;
+    qint16 m_irCounts = 8192;
+    double m_inflateRate = 100.0; // mmHg per s
+    double m_deflateRate = 20.0;
+
+    bool m_streaming = false;
+    bool m_measuring = false;
+    bool m_deflating = false;
+    double m_pressure = 0.0;
+    int m_upper = 0;
+    int m_lower = 0;
+    qint64 m_samplesSent = 0;
+    bool m_recordSamples = false;
+    QList<Counts> m_sentSamples;
+};
