@@ -14,7 +14,8 @@ constexpr int kChunk = 4096; // a typical read from the port
 
 // Ten seconds of a unit streaming at 1000 Hz in packets of 31 groups, with a serial-number
 // and a calibration packet in front, as after a connect.
-const QByteArray &recordedStream() {
+const QByteArray &recordedStream()
+{
     static const QByteArray stream = [] {
         QByteArray s;
         s +=
@@ -45,7 +46,8 @@ const QByteArray &recordedStream() {
     return stream;
 }
 
-void BM_Framing(benchmark::State &state) {
+void BM_Framing(benchmark::State &state)
+{
     const QByteArray &stream = recordedStream();
     CorvidaPacketDecoder decoder;
     CorvidaPacketDecoder::Packet p;
@@ -63,7 +65,8 @@ void BM_Framing(benchmark::State &state) {
 }
 BENCHMARK(BM_Framing);
 
-void BM_FramingAndSamples(benchmark::State &state) {
+void BM_FramingAndSamples(benchmark::State &state)
+{
     const QByteArray &stream = recordedStream();
     CorvidaPacketDecoder decoder;
     CorvidaPacketDecoder::Packet p;
@@ -89,7 +92,8 @@ BENCHMARK(BM_FramingAndSamples);
 
 // The whole receive path of the device: framing, decoding, filter chains, calibration,
 // history, and the two signals.
-void BM_BytesToProcessedFrames(benchmark::State &state) {
+void BM_BytesToProcessedFrames(benchmark::State &state)
+{
     const QByteArray &stream = recordedStream();
     ComCorvidaDevice device(QStringLiteral("bench"));
     device.setWatchdogActive(false);
@@ -103,7 +107,8 @@ void BM_BytesToProcessedFrames(benchmark::State &state) {
 BENCHMARK(BM_BytesToProcessedFrames);
 } // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char **argv)
+{
     QCoreApplication app(argc, argv);
     // The device logs every serial number and calibration it receives; not what is measured.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});

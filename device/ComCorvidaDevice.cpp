@@ -20,7 +20,8 @@ ComCorvidaDevice::ComCorvidaDevice(const QString &portName, QObject *parent)
     : BaseCorvidaDevice(parent)
     , m_portName(portName)
     , m_watchdogTimer(new QTimer(this))
-    , m_portList(SerialPortList::system()) {
+    , m_portList(SerialPortList::system())
+{
     // A searching device keeps the running id of the base until the unit names itself.
     if (!portName.isEmpty())
         m_id = portName;
@@ -36,11 +37,13 @@ ComCorvidaDevice::ComCorvidaDevice(const QString &portName, QObject *parent)
 }
 
 ComCorvidaDevice::ComCorvidaDevice(QObject *parent)
-    : ComCorvidaDevice(QString(), parent) {
+    : ComCorvidaDevice(QString(), parent)
+{
     m_searching = true;
 }
 
-ComCorvidaDevice::~ComCorvidaDevice() {
+ComCorvidaDevice::~ComCorvidaDevice()
+{
     m_watchdogTimer->stop();
     m_connections.clear();
     stopMeasuring();
@@ -51,11 +54,13 @@ ComCorvidaDevice::~ComCorvidaDevice() {
     }
 }
 
-void ComCorvidaDevice::setPortListSource(SerialPortList::Source source) {
+void ComCorvidaDevice::setPortListSource(SerialPortList::Source source)
+{
     m_portList = source ? std::move(source) : SerialPortList::system();
 }
 
-void ComCorvidaDevice::setWatchdogActive(bool active) {
+void ComCorvidaDevice::setWatchdogActive(bool active)
+{
     m_watchdogActive = active;
     if (active)
         m_watchdogTimer->start();
@@ -63,12 +68,14 @@ void ComCorvidaDevice::setWatchdogActive(bool active) {
         m_watchdogTimer->stop();
 }
 
-void ComCorvidaDevice::restartWatchdog() {
+void ComCorvidaDevice::restartWatchdog()
+{
     if (m_watchdogActive)
         m_watchdogTimer->start();
 }
 
-QString ComCorvidaDevice::defaultRawFolder() {
+QString ComCorvidaDevice::defaultRawFolder()
+{
 #ifdef Q_OS_WIN
     return QStringLiteral("C:/Temp/");
 #else
@@ -76,19 +83,23 @@ QString ComCorvidaDevice::defaultRawFolder() {
 #endif
 }
 
-QString ComCorvidaDevice::rawFolder() const {
+QString ComCorvidaDevice::rawFolder() const
+{
     return m_rawFolder.isEmpty() ? defaultRawFolder() : m_rawFolder;
 }
 
-QString ComCorvidaDevice::rawFilePath() const {
+QString ComCorvidaDevice::rawFilePath() const
+{
     return m_rawFile ? m_rawFile->fileName() : QString();
 }
 
-bool ComCorvidaDevice::isConnected() const {
+bool ComCorvidaDevice::isConnected() const
+{
     return m_port && m_port->isOpen() && m_linkUp;
 }
 
-QList<QPair<QString, QString>> ComCorvidaDevice::deviceInfo() const {
+QList<QPair<QString, QString>> ComCorvidaDevice::deviceInfo() const
+{
     QList<QPair<QString, QString>> rows = BaseCorvidaDevice::deviceInfo();
     rows.append({tr("Port"), m_portName});
     if (!m_productionDateText.isEmpty())
@@ -96,7 +107,8 @@ QList<QPair<QString, QString>> ComCorvidaDevice::deviceInfo() const {
     return rows;
 }
 
-void ComCorvidaDevice::connectDevice() {
+void ComCorvidaDevice::connectDevice()
+{
     disconnectDevice();
     m_serialRequestRepeated = false;
     m_watchdogTimer->stop();
@@ -135,7 +147,8 @@ void ComCorvidaDevice::connectDevice() {
     restartWatchdog();
 }
 
-void ComCorvidaDevice::disconnectDevice() {
+void ComCorvidaDevice::disconnectDevice()
+{
     m_connections.clear();
     stopMeasuring(); // tells the unit to release the cuff and stop while the port is still there
     closePort();
@@ -146,7 +159,8 @@ void ComCorvidaDevice::disconnectDevice() {
     }
 }
 
-void ComCorvidaDevice::closePort() {
+void ComCorvidaDevice::closePort()
+{
     if (!m_port)
         return;
     QSerialPort *port = m_port;
@@ -156,20 +170,23 @@ void ComCorvidaDevice::closePort() {
     port->deleteLater();
 }
 
-void ComCorvidaDevice::startAcquisition() {
+void ComCorvidaDevice::startAcquisition()
+{
     clearHistory();
     m_acquiring = true;
     sendCommand(CorvidaPacket::StartAcquisition);
     emit started();
 }
 
-void ComCorvidaDevice::stopAcquisition() {
+void ComCorvidaDevice::stopAcquisition()
+{
     m_acquiring = false;
     sendCommand(CorvidaPacket::StopAcquisition);
     emit stopped();
 }
 
-void ComCorvidaDevice::startMeasuring() {
+void ComCorvidaDevice::startMeasuring()
+{
     const double lower = m_lowerPressure;
     const double upper = m_upperPressure;
     if (lower < 0 || lower > upper)
@@ -183,7 +200,8 @@ void ComCorvidaDevice::startMeasuring() {
     emit startedMeasuring();
 }
 
-void ComCorvidaDevice::stopMeasuring() {
+void ComCorvidaDevice::stopMeasuring()
+{
     sendCommand(CorvidaPacket::StopMeasuring);
     m_measurementStopped = true;
     m_measuring = false;
@@ -192,20 +210,24 @@ void ComCorvidaDevice::stopMeasuring() {
     closeRawFile();
 }
 
-bool ComCorvidaDevice::writeSerialNumber(const QString &serialNumber, const QDateTime &production) {
+bool ComCorvidaDevice::writeSerialNumber(const QString &serialNumber, const QDateTime &production)
+{
     return sendCommand(CorvidaPacket::SerialNumber,
                        CorvidaPacket::serialNumberPayload(serialNumber, production));
 }
 
-bool ComCorvidaDevice::requestSerialNumber() {
+bool ComCorvidaDevice::requestSerialNumber()
+{
     return sendCommand(CorvidaPacket::SerialNumber);
 }
 
-bool ComCorvidaDevice::sendCommand(quint8 type, const QByteArray &payload) {
+bool ComCorvidaDevice::sendCommand(quint8 type, const QByteArray &payload)
+{
     return sendPacket(CorvidaPacket::encode(type, payload));
 }
 
-bool ComCorvidaDevice::sendPacket(const QByteArray &packet) {
+bool ComCorvidaDevice::sendPacket(const QByteArray &packet)
+{
     if (!m_port)
         return false;
     if (!m_port->isOpen() && !m_port->open(QIODevice::ReadWrite))
@@ -219,19 +241,22 @@ bool ComCorvidaDevice::sendPacket(const QByteArray &packet) {
     return written > 0;
 }
 
-void ComCorvidaDevice::onPortError(QSerialPort::SerialPortError error) {
+void ComCorvidaDevice::onPortError(QSerialPort::SerialPortError error)
+{
     if (error == QSerialPort::NoError)
         return;
     qDebug() << "Port error" << m_portName << error;
     disconnectDevice();
 }
 
-void ComCorvidaDevice::onReadyRead() {
+void ComCorvidaDevice::onReadyRead()
+{
     if (m_port)
         receiveBytes(m_port->readAll());
 }
 
-void ComCorvidaDevice::receiveBytes(const QByteArray &bytes) {
+void ComCorvidaDevice::receiveBytes(const QByteArray &bytes)
+{
     if (!m_linkUp) {
         m_linkUp = true;
         emit connected();
@@ -245,7 +270,8 @@ void ComCorvidaDevice::receiveBytes(const QByteArray &bytes) {
         handlePacket(packet);
 }
 
-void ComCorvidaDevice::handlePacket(const CorvidaPacketDecoder::Packet &packet) {
+void ComCorvidaDevice::handlePacket(const CorvidaPacketDecoder::Packet &packet)
+{
     switch (packet.type) {
     case CorvidaPacket::Samples:
         handleSamples(packet);
@@ -261,7 +287,8 @@ void ComCorvidaDevice::handlePacket(const CorvidaPacketDecoder::Packet &packet) 
     }
 }
 
-void ComCorvidaDevice::handleSamples(const CorvidaPacketDecoder::Packet &packet) {
+void ComCorvidaDevice::handleSamples(const CorvidaPacketDecoder::Packet &packet)
+{
     RawFrame frame(CorvidaPacket::ChannelCount);
     for (QList<double> &channel : frame)
         channel.reserve(kMaxGroups);
@@ -272,14 +299,16 @@ void ComCorvidaDevice::handleSamples(const CorvidaPacketDecoder::Packet &packet)
     processRawFrame(frame);
 }
 
-void ComCorvidaDevice::handleCalibration(const CorvidaPacketDecoder::Packet &packet) {
+void ComCorvidaDevice::handleCalibration(const CorvidaPacketDecoder::Packet &packet)
+{
     CorvidaPacket::CalibrationData c;
     if (!CorvidaPacket::decodeCalibration(packet.payload, packet.length, c))
         return;
     applyCalibration(c.timeMs, c.x0, c.y0, c.x1, c.y1);
 }
 
-void ComCorvidaDevice::handleSerialNumber(const CorvidaPacketDecoder::Packet &packet) {
+void ComCorvidaDevice::handleSerialNumber(const CorvidaPacketDecoder::Packet &packet)
+{
     CorvidaPacket::SerialData data;
     switch (CorvidaPacket::decodeSerialNumber(packet.payload, packet.length, data)) {
     case CorvidaPacket::SerialResult::Empty:
@@ -312,14 +341,16 @@ void ComCorvidaDevice::handleSerialNumber(const CorvidaPacketDecoder::Packet &pa
     emit idChanged();
 }
 
-void ComCorvidaDevice::watchdogTick() {
+void ComCorvidaDevice::watchdogTick()
+{
     if (m_searching)
         searchPort();
     else
         reconnectTick();
 }
 
-void ComCorvidaDevice::reconnectTick() {
+void ComCorvidaDevice::reconnectTick()
+{
     if (m_port && !m_portName.isEmpty()) {
         if (m_port->isOpen()) {
             if (m_serialNumber.isEmpty() && !m_serialRequestRepeated) {
@@ -336,7 +367,8 @@ void ComCorvidaDevice::reconnectTick() {
         connectDevice();
 }
 
-void ComCorvidaDevice::searchPort() {
+void ComCorvidaDevice::searchPort()
+{
     if (isConnected())
         return;
     emit disconnected();
@@ -357,7 +389,8 @@ void ComCorvidaDevice::searchPort() {
     }
 }
 
-void ComCorvidaDevice::openRawFile() {
+void ComCorvidaDevice::openRawFile()
+{
     closeRawFile();
     const QString folder = rawFolder();
     QuorvexCommon::CreateDirIfNotExists(folder);
@@ -373,7 +406,8 @@ void ComCorvidaDevice::openRawFile() {
     m_rawFile = file;
 }
 
-void ComCorvidaDevice::closeRawFile() {
+void ComCorvidaDevice::closeRawFile()
+{
     if (!m_rawFile)
         return;
     m_rawFile->close();
@@ -381,7 +415,8 @@ void ComCorvidaDevice::closeRawFile() {
     m_rawFile = nullptr;
 }
 
-void ComCorvidaDevice::writeRawFrame(const RawFrame &frame) {
+void ComCorvidaDevice::writeRawFrame(const RawFrame &frame)
+{
     const qsizetype groups = frame[0].size();
     QByteArray text;
     text.reserve(groups * 4 * 16);

@@ -19,7 +19,8 @@ class QTimer;
 // A device is either bound to a port name, or searches the system's ports for the first one
 // that looks like a unit. A watchdog tick every two seconds does the reconnecting or searching;
 // it never bothers the user, it just tries again.
-class ComCorvidaDevice : public BaseCorvidaDevice {
+class ComCorvidaDevice : public BaseCorvidaDevice
+{
     Q_OBJECT
 public:
     // Bound to one port; the id is the port name until the unit reports its serial number.

@@ -8,22 +8,26 @@ namespace {
 // Milliseconds from 1601-01-01 to 1970-01-01.
 constexpr qint64 kEpochOffsetMs = 11644473600000LL;
 
-quint16 readU16(const uchar *p) {
+quint16 readU16(const uchar *p)
+{
     return quint16(p[0] | (p[1] << 8));
 }
 
-qint16 readI16(const uchar *p) {
+qint16 readI16(const uchar *p)
+{
     return qint16(readU16(p));
 }
 
-quint64 readU64(const uchar *p) {
+quint64 readU64(const uchar *p)
+{
     quint64 v = 0;
     for (int i = 7; i >= 0; --i)
         v = (v << 8) | p[i];
     return v;
 }
 
-float readF32(const uchar *p) {
+float readF32(const uchar *p)
+{
     const quint32 bits =
         quint32(p[0]) | (quint32(p[1]) << 8) | (quint32(p[2]) << 16) | (quint32(p[3]) << 24);
     float f;
@@ -31,19 +35,22 @@ float readF32(const uchar *p) {
     return f;
 }
 
-void appendU16(QByteArray &out, quint16 v) {
+void appendU16(QByteArray &out, quint16 v)
+{
     out.append(char(v & 0xFF));
     out.append(char(v >> 8));
 }
 
-void appendU64(QByteArray &out, quint64 v) {
+void appendU64(QByteArray &out, quint64 v)
+{
     for (int i = 0; i < 8; ++i)
         out.append(char((v >> (8 * i)) & 0xFF));
 }
 
 // Whole mmHg for the wire. The limits come from settings; anything outside the 16-bit range
 // is pinned to it rather than wrapped, so a silly setting cannot turn into a tiny one.
-quint16 wholeMmHg(double value) {
+quint16 wholeMmHg(double value)
+{
     if (!(value > 0))
         return 0;
     if (value >= 65535.0)
@@ -52,7 +59,8 @@ quint16 wholeMmHg(double value) {
 }
 } // namespace
 
-QByteArray CorvidaPacket::encode(quint8 type, const QByteArray &payload) {
+QByteArray CorvidaPacket::encode(quint8 type, const QByteArray &payload)
+{
     if (payload.size() > MaxPayload)
         return QByteArray();
     QByteArray out;
@@ -67,7 +75,8 @@ QByteArray CorvidaPacket::encode(quint8 type, const QByteArray &payload) {
     return out;
 }
 
-QByteArray CorvidaPacket::measuringCommand(double upper, double lower) {
+QByteArray CorvidaPacket::measuringCommand(double upper, double lower)
+{
     QByteArray payload;
     appendU16(payload, wholeMmHg(upper));
     appendU16(payload, wholeMmHg(lower));
@@ -75,7 +84,8 @@ QByteArray CorvidaPacket::measuringCommand(double upper, double lower) {
 }
 
 QByteArray CorvidaPacket::serialNumberPayload(const QString &serialNumber,
-                                              const QDateTime &production) {
+                                              const QDateTime &production)
+{
     QByteArray payload;
     payload.reserve(SerialPayloadSize);
     appendU64(payload, production.isValid() ? msecsToFileTime(production.toMSecsSinceEpoch()) : 0);
@@ -85,7 +95,8 @@ QByteArray CorvidaPacket::serialNumberPayload(const QString &serialNumber,
     return payload;
 }
 
-int CorvidaPacket::decodeSamples(const uchar *payload, int length, QList<QList<double>> &frame) {
+int CorvidaPacket::decodeSamples(const uchar *payload, int length, QList<QList<double>> &frame)
+{
     if (frame.size() < ChannelCount || length <= 0)
         return 0;
     const int groups = length / GroupSize;
@@ -102,7 +113,8 @@ int CorvidaPacket::decodeSamples(const uchar *payload, int length, QList<QList<d
     return groups;
 }
 
-bool CorvidaPacket::decodeCalibration(const uchar *payload, int length, CalibrationData &out) {
+bool CorvidaPacket::decodeCalibration(const uchar *payload, int length, CalibrationData &out)
+{
     if (length != CalibrationSize)
         return false;
     out.timeMs = fileTimeToMSecs(readU64(payload));
@@ -114,7 +126,8 @@ bool CorvidaPacket::decodeCalibration(const uchar *payload, int length, Calibrat
 }
 
 CorvidaPacket::SerialResult CorvidaPacket::decodeSerialNumber(const uchar *payload, int length,
-                                                              SerialData &out) {
+                                                              SerialData &out)
+{
     if (length <= 0)
         return SerialResult::Empty;
     if (length < SerialPayloadSize)
@@ -128,12 +141,14 @@ CorvidaPacket::SerialResult CorvidaPacket::decodeSerialNumber(const uchar *paylo
     return SerialResult::Valid;
 }
 
-qint64 CorvidaPacket::fileTimeToMSecs(quint64 fileTime) {
+qint64 CorvidaPacket::fileTimeToMSecs(quint64 fileTime)
+{
     // fileTime / 10000 is below 2^51, so the subtraction cannot overflow.
     return qint64(fileTime / 10000) - kEpochOffsetMs;
 }
 
-quint64 CorvidaPacket::msecsToFileTime(qint64 msecs) {
+quint64 CorvidaPacket::msecsToFileTime(qint64 msecs)
+{
     if (msecs <= -kEpochOffsetMs)
         return 0;
     const quint64 sinceStart = quint64(msecs + kEpochOffsetMs);

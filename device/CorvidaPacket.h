@@ -9,7 +9,8 @@
 // N payload bytes, 0xCC 0xCC. There is no checksum; numbers inside payloads are little-endian.
 // This class builds the commands the computer sends and reads the payloads the unit sends.
 // Cutting a byte stream into packets is CorvidaPacketDecoder's job.
-class CorvidaPacket {
+class CorvidaPacket
+{
 public:
     enum Type : quint8 {
         StartAcquisition = 1,

@@ -7,7 +7,8 @@ constexpr uchar kStartMark = 0x55;
 constexpr uchar kEndMark = 0xCC;
 } // namespace
 
-void CorvidaPacketDecoder::append(const char *data, qsizetype size) {
+void CorvidaPacketDecoder::append(const char *data, qsizetype size)
+{
     if (size <= 0)
         return;
     if (m_blocked) {
@@ -23,7 +24,8 @@ void CorvidaPacketDecoder::append(const char *data, qsizetype size) {
     m_buffer.append(data, size);
 }
 
-bool CorvidaPacketDecoder::next(Packet &packet) {
+bool CorvidaPacketDecoder::next(Packet &packet)
+{
     if (m_blocked)
         return false;
     const qsizetype available = m_buffer.size() - m_head;
@@ -49,7 +51,8 @@ bool CorvidaPacketDecoder::next(Packet &packet) {
     return true;
 }
 
-void CorvidaPacketDecoder::reset() {
+void CorvidaPacketDecoder::reset()
+{
     m_buffer.clear();
     m_head = 0;
     m_blocked = false;

@@ -12,7 +12,8 @@
 // would turn noise into packets, so the link is rather left stalled until the watchdog reopens
 // it. While stalled, new bytes are counted and dropped: they could never be read anyway, and
 // keeping them would let a babbling port fill the memory.
-class CorvidaPacketDecoder {
+class CorvidaPacketDecoder
+{
 public:
     // A decoded packet. The payload points into the decoder and stays valid until the next
     // append() or reset().

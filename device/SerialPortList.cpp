@@ -2,7 +2,8 @@
 
 #include <QSerialPortInfo>
 
-SerialPortList::Source SerialPortList::system() {
+SerialPortList::Source SerialPortList::system()
+{
     return [] {
         QList<Entry> entries;
         const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
@@ -13,6 +14,7 @@ SerialPortList::Source SerialPortList::system() {
     };
 }
 
-SerialPortList::Source SerialPortList::fixed(const QList<Entry> &entries) {
+SerialPortList::Source SerialPortList::fixed(const QList<Entry> &entries)
+{
     return [entries] { return entries; };
 }

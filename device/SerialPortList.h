@@ -6,7 +6,8 @@
 
 // Where the serial ports of the system are listed from. Code that searches for a unit takes a
 // Source, so tests can hand in a made-up list instead of the machine's real ports.
-class SerialPortList {
+class SerialPortList
+{
 public:
     struct Entry {
         QString portName;

@@ -23,20 +23,23 @@ struct Rig {
     Emu unit;
     std::unique_ptr<ComCorvidaDevice> device;
 
-    Rig() {
+    Rig()
+    {
         unit.setClock([this] { return now; });
         unit.plug();
         device = std::make_unique<ComCorvidaDevice>(unit.portPath());
         device->setWatchdogActive(false);
     }
     // Connects and waits until the unit has told its serial number and calibration.
-    bool connectAndIdentify() {
+    bool connectAndIdentify()
+    {
         device->connectDevice();
         return QTest::qWaitFor(
             [this] { return device->isCalibrated() && !device->serialNumber().isEmpty(); });
     }
     // Lets the unit produce ms milliseconds of samples and waits until they have arrived.
-    bool stream(int ms, const std::function<qint64()> &received) {
+    bool stream(int ms, const std::function<qint64()> &received)
+    {
         const qint64 target = received() + ms;
         now += ms;
         unit.tick();
@@ -50,7 +53,8 @@ struct FrameSink {
     QList<float> pulse;
     int frames = 0;
     int largestFrame = 0;
-    void attach(ComCorvidaDevice *device) {
+    void attach(ComCorvidaDevice *device)
+    {
         QObject::connect(device, &BaseCorvidaDevice::pressurePulseData, device,
                          [this](const QList<QList<float>> &data) {
                              ++frames;
@@ -62,14 +66,16 @@ struct FrameSink {
     qint64 samples() const { return pressure.size(); }
 };
 
-double mean(const QList<float> &v, qsizetype from, qsizetype to) {
+double mean(const QList<float> &v, qsizetype from, qsizetype to)
+{
     double sum = 0;
     for (qsizetype i = from; i < to; ++i)
         sum += v[i];
     return sum / double(to - from);
 }
 
-QString rawLine(const Emu::Counts &c) {
+QString rawLine(const Emu::Counts &c)
+{
     const double factors[4] = {0.25, 1.8 / 32768, 1.8 / 32768, 1.32 / 32768};
     QString line;
     for (int i = 0; i < 4; ++i)
@@ -82,7 +88,8 @@ enum Action { StartAcq, StopAcq, Measure, StopMeasure, WriteSerial, AskSerial };
 
 Q_DECLARE_METATYPE(Action)
 
-class TestComCorvidaDevice : public QObject {
+class TestComCorvidaDevice : public QObject
+{
     Q_OBJECT
 private slots:
     void initTestCase();
@@ -105,14 +112,16 @@ private slots:
     void destructionReleasesCuffAndAnnouncesDisconnect();
 };
 
-void TestComCorvidaDevice::initTestCase() {
+void TestComCorvidaDevice::initTestCase()
+{
     QStandardPaths::setTestModeEnabled(true);
     Emu probe;
     if (!probe.plug())
         QSKIP("no pseudo-terminals on this machine");
 }
 
-void TestComCorvidaDevice::connectingAsksStopSerialCalibrationAndLearnsIdentity() {
+void TestComCorvidaDevice::connectingAsksStopSerialCalibrationAndLearnsIdentity()
+{
     Rig b;
     b.unit.setSerialNumber("CRV-0042");
     b.unit.setProductionDate(QDateTime(QDate(2021, 3, 15), QTime(12, 0), Qt::UTC));
@@ -139,7 +148,8 @@ void TestComCorvidaDevice::connectingAsksStopSerialCalibrationAndLearnsIdentity(
     QCOMPARE(info[1], qMakePair(QStringLiteral("Produced"), QStringLiteral("2021-03-15")));
 }
 
-void TestComCorvidaDevice::commandsOnTheWire_data() {
+void TestComCorvidaDevice::commandsOnTheWire_data()
+{
     QTest::addColumn<Action>("action");
     QTest::addColumn<QByteArray>("wire");
     QTest::newRow("start acquisition") << StartAcq << kStart;
@@ -155,7 +165,8 @@ void TestComCorvidaDevice::commandsOnTheWire_data() {
                QByteArray(27, '\0') + QByteArray::fromHex("cccc");
 }
 
-void TestComCorvidaDevice::commandsOnTheWire() {
+void TestComCorvidaDevice::commandsOnTheWire()
+{
     QFETCH(Action, action);
     QFETCH(QByteArray, wire);
     Rig b;
@@ -193,7 +204,8 @@ void TestComCorvidaDevice::commandsOnTheWire() {
     }
 }
 
-void TestComCorvidaDevice::measuringWithNegativeLowerLimitSendsNothing() {
+void TestComCorvidaDevice::measuringWithNegativeLowerLimitSendsNothing()
+{
     Rig b;
     QVERIFY(b.connectAndIdentify());
     b.unit.clearReceived();
@@ -208,7 +220,8 @@ void TestComCorvidaDevice::measuringWithNegativeLowerLimitSendsNothing() {
     QVERIFY(!b.device->isMeasuring());
 }
 
-void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure_data() {
+void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure_data()
+{
     QTest::addColumn<QList<float>>("points"); // x0, y0, x1, y1
     QTest::addColumn<double>("pressure");
     QTest::newRow("zero cuff") << QList<float>{100, 0, 900, 200} << 0.0;
@@ -217,7 +230,8 @@ void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure_data() {
         << QList<float>{2000, 20, 4000, 180} << 150.0; // 0.08 mmHg per unit
 }
 
-void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure() {
+void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure()
+{
     QFETCH(QList<float>, points);
     QFETCH(double, pressure);
     Rig b;
@@ -241,7 +255,8 @@ void TestComCorvidaDevice::samplesComeOutAsCalibratedPressure() {
         QVERIFY(std::fabs(sink.pressure[i] - pressure) < tolerance + 0.1);
 }
 
-void TestComCorvidaDevice::cuffCycleRunsBetweenTheLimitsAndMirrorsRawSamples() {
+void TestComCorvidaDevice::cuffCycleRunsBetweenTheLimitsAndMirrorsRawSamples()
+{
     QTemporaryDir folder;
     Rig b;
     b.unit.setSystolic(120.0);
@@ -300,7 +315,8 @@ void TestComCorvidaDevice::cuffCycleRunsBetweenTheLimitsAndMirrorsRawSamples() {
         QCOMPARE(lines[i + 1], rawLine(sent[i]));
 }
 
-void TestComCorvidaDevice::unplugDisconnectsAndWatchdogReconnects() {
+void TestComCorvidaDevice::unplugDisconnectsAndWatchdogReconnects()
+{
     Rig b;
     QVERIFY(b.connectAndIdentify());
     FrameSink sink;
@@ -338,7 +354,8 @@ void TestComCorvidaDevice::unplugDisconnectsAndWatchdogReconnects() {
     QCOMPARE(sink.samples() - before, 300);
 }
 
-void TestComCorvidaDevice::serialRequestRepeatedOnceAfterConnect() {
+void TestComCorvidaDevice::serialRequestRepeatedOnceAfterConnect()
+{
     Rig b;
     b.unit.setAnswerSerialRequests(false);
     b.device->connectDevice();
@@ -361,7 +378,8 @@ void TestComCorvidaDevice::serialRequestRepeatedOnceAfterConnect() {
     QCOMPARE(log.count(QStringLiteral("Try to get SN for the second time")), 2);
 }
 
-void TestComCorvidaDevice::garbageBeforeStartMarkBlocksUntilReconnect() {
+void TestComCorvidaDevice::garbageBeforeStartMarkBlocksUntilReconnect()
+{
     Rig b;
     b.unit.setAnswerSerialRequests(false);
     b.device->connectDevice();
@@ -381,7 +399,8 @@ void TestComCorvidaDevice::garbageBeforeStartMarkBlocksUntilReconnect() {
     QVERIFY(!b.device->decoder().isBlocked());
 }
 
-void TestComCorvidaDevice::unitPackets_data() {
+void TestComCorvidaDevice::unitPackets_data()
+{
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("serial");
     QTest::addColumn<QString>("produced");
@@ -416,7 +435,8 @@ void TestComCorvidaDevice::unitPackets_data() {
         << "2021-03-15" << 1.0 << "COMCRV";
 }
 
-void TestComCorvidaDevice::unitPackets() {
+void TestComCorvidaDevice::unitPackets()
+{
     QFETCH(QByteArray, bytes);
     QFETCH(QString, serial);
     QFETCH(QString, produced);
@@ -444,7 +464,8 @@ void TestComCorvidaDevice::unitPackets() {
         QVERIFY2(log.contains(logged), qPrintable(log.lines().join('\n')));
 }
 
-void TestComCorvidaDevice::searchWalksPortsInOrder_data() {
+void TestComCorvidaDevice::searchWalksPortsInOrder_data()
+{
     using Entry = SerialPortList::Entry;
     QTest::addColumn<QList<Entry>>("ports");
     QTest::addColumn<QString>("found");
@@ -464,7 +485,8 @@ void TestComCorvidaDevice::searchWalksPortsInOrder_data() {
                                   << "" << 2;
 }
 
-void TestComCorvidaDevice::searchWalksPortsInOrder() {
+void TestComCorvidaDevice::searchWalksPortsInOrder()
+{
     QFETCH(QList<SerialPortList::Entry>, ports);
     QFETCH(QString, found);
     QFETCH(int, walked);
@@ -483,7 +505,8 @@ void TestComCorvidaDevice::searchWalksPortsInOrder() {
     QVERIFY(!log.contains(QStringLiteral("PORT NOT OPEN"))); // no auto-connect, no open
 }
 
-void TestComCorvidaDevice::searchingDeviceConnectsToFoundUnitAndThenRests() {
+void TestComCorvidaDevice::searchingDeviceConnectsToFoundUnitAndThenRests()
+{
     Emu unit;
     QVERIFY(unit.plug());
     ComCorvidaDevice device;
@@ -503,7 +526,8 @@ void TestComCorvidaDevice::searchingDeviceConnectsToFoundUnitAndThenRests() {
     QTRY_COMPARE(unit.receivedTypes(), (QList<int>{7}));
 }
 
-void TestComCorvidaDevice::firstWatchdogRoundRunsAtOnce() {
+void TestComCorvidaDevice::firstWatchdogRoundRunsAtOnce()
+{
     Emu unit;
     QVERIFY(unit.plug());
     ComCorvidaDevice device(unit.portPath());
@@ -513,7 +537,8 @@ void TestComCorvidaDevice::firstWatchdogRoundRunsAtOnce() {
     QTRY_VERIFY(device.isCalibrated());
 }
 
-void TestComCorvidaDevice::destructionReleasesCuffAndAnnouncesDisconnect() {
+void TestComCorvidaDevice::destructionReleasesCuffAndAnnouncesDisconnect()
+{
     Rig b;
     QVERIFY(b.connectAndIdentify());
     b.unit.clearReceived();

@@ -15,7 +15,8 @@ struct Decoded {
 };
 
 // Feeds the chunks one after another and collects every packet as it becomes available.
-QList<Decoded> decode(CorvidaPacketDecoder &decoder, const QList<QByteArray> &chunks) {
+QList<Decoded> decode(CorvidaPacketDecoder &decoder, const QList<QByteArray> &chunks)
+{
     QList<Decoded> out;
     CorvidaPacketDecoder::Packet p;
     for (const QByteArray &chunk : chunks) {
@@ -26,12 +27,14 @@ QList<Decoded> decode(CorvidaPacketDecoder &decoder, const QList<QByteArray> &ch
     return out;
 }
 
-QList<Decoded> decode(const QList<QByteArray> &chunks) {
+QList<Decoded> decode(const QList<QByteArray> &chunks)
+{
     CorvidaPacketDecoder decoder;
     return decode(decoder, chunks);
 }
 
-QList<QByteArray> splitAt(const QByteArray &stream, QList<int> cuts) {
+QList<QByteArray> splitAt(const QByteArray &stream, QList<int> cuts)
+{
     std::sort(cuts.begin(), cuts.end());
     QList<QByteArray> chunks;
     int from = 0;
@@ -43,7 +46,8 @@ QList<QByteArray> splitAt(const QByteArray &stream, QList<int> cuts) {
     return chunks;
 }
 
-QList<QByteArray> randomSplit(const QByteArray &stream, QRandomGenerator &rng) {
+QList<QByteArray> randomSplit(const QByteArray &stream, QRandomGenerator &rng)
+{
     QList<int> cuts;
     const int n = rng.bounded(1, 200);
     for (int i = 0; i < n; ++i)
@@ -51,11 +55,13 @@ QList<QByteArray> randomSplit(const QByteArray &stream, QRandomGenerator &rng) {
     return splitAt(stream, cuts);
 }
 
-QByteArray bytes(int count, char value) {
+QByteArray bytes(int count, char value)
+{
     return QByteArray(count, value);
 }
 
-QByteArray sampleGroup(qint16 mpx, qint16 ac, qint16 dc, qint16 ir) {
+QByteArray sampleGroup(qint16 mpx, qint16 ac, qint16 dc, qint16 ir)
+{
     return Emu::le16(quint16(mpx)) + Emu::le16(quint16(ac)) + Emu::le16(quint16(dc)) +
            Emu::le16(quint16(ir));
 }
@@ -63,7 +69,8 @@ QByteArray sampleGroup(qint16 mpx, qint16 ac, qint16 dc, qint16 ir) {
 
 Q_DECLARE_METATYPE(QList<int>)
 
-class TestCorvidaPacketDecoder : public QObject {
+class TestCorvidaPacketDecoder : public QObject
+{
     Q_OBJECT
 private slots:
     void decodesTheSamePacketsWhateverTheSplit_data();
@@ -80,7 +87,8 @@ private slots:
     void serialNumberPayload();
 };
 
-void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit_data() {
+void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit_data()
+{
     QTest::addColumn<QList<int>>("cuts");
     // Stream: serial (40), samples (255), unknown empty, calibration (24).
     // Packet edges: 46, 307, 313, 343.
@@ -95,7 +103,8 @@ void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit_data() {
     QTest::newRow("byte by byte") << everyByte;
 }
 
-void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit() {
+void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit()
+{
     QFETCH(QList<int>, cuts);
     QByteArray serial = Emu::le64(1) + "SN";
     serial.append(bytes(40 - serial.size(), '\0'));
@@ -115,7 +124,8 @@ void TestCorvidaPacketDecoder::decodesTheSamePacketsWhateverTheSplit() {
     QVERIFY(!decoder.isBlocked());
 }
 
-void TestCorvidaPacketDecoder::badMarkStallsUntilReset_data() {
+void TestCorvidaPacketDecoder::badMarkStallsUntilReset_data()
+{
     QTest::addColumn<QByteArray>("stream");
     QTest::addColumn<int>("decodedBefore");
     QTest::addColumn<bool>("blocked");
@@ -132,7 +142,8 @@ void TestCorvidaPacketDecoder::badMarkStallsUntilReset_data() {
     QTest::newRow("five stray bytes wait") << QByteArray("\x01\x02\x03\x04\x05") << 0 << false;
 }
 
-void TestCorvidaPacketDecoder::badMarkStallsUntilReset() {
+void TestCorvidaPacketDecoder::badMarkStallsUntilReset()
+{
     QFETCH(QByteArray, stream);
     QFETCH(int, decodedBefore);
     QFETCH(bool, blocked);
@@ -150,7 +161,8 @@ void TestCorvidaPacketDecoder::badMarkStallsUntilReset() {
     QCOMPARE(decode(decoder, {good, good}).size(), 2);
 }
 
-void TestCorvidaPacketDecoder::stalledDecoderDoesNotGrow() {
+void TestCorvidaPacketDecoder::stalledDecoderDoesNotGrow()
+{
     CorvidaPacketDecoder decoder;
     decoder.append(QByteArray("garbage!"));
     CorvidaPacketDecoder::Packet p;
@@ -164,7 +176,8 @@ void TestCorvidaPacketDecoder::stalledDecoderDoesNotGrow() {
     QCOMPARE(decoder.droppedBytes(), qint64(160) * chunk.size());
 }
 
-void TestCorvidaPacketDecoder::seededRandomStreamsDecodeIndependentlyOfSplit() {
+void TestCorvidaPacketDecoder::seededRandomStreamsDecodeIndependentlyOfSplit()
+{
     QRandomGenerator rng(20261121);
     for (int round = 0; round < 20; ++round) {
         // A clean stream: every packet comes out, in order, however it is cut.
@@ -202,7 +215,8 @@ void TestCorvidaPacketDecoder::seededRandomStreamsDecodeIndependentlyOfSplit() {
     }
 }
 
-void TestCorvidaPacketDecoder::samplePayload_data() {
+void TestCorvidaPacketDecoder::samplePayload_data()
+{
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<int>("groups");
     QTest::addColumn<QList<double>>("first"); // MPX, AC, DC, IR of the first group
@@ -220,7 +234,8 @@ void TestCorvidaPacketDecoder::samplePayload_data() {
     QTest::newRow("length 255") << full << 31 << QList<double>{0, 0, 0, 0};
 }
 
-void TestCorvidaPacketDecoder::samplePayload() {
+void TestCorvidaPacketDecoder::samplePayload()
+{
     QFETCH(QByteArray, payload);
     QFETCH(int, groups);
     QFETCH(QList<double>, first);
@@ -241,7 +256,8 @@ void TestCorvidaPacketDecoder::samplePayload() {
     QCOMPARE(frame[3].size(), 2 * groups);
 }
 
-void TestCorvidaPacketDecoder::calibrationPayload_data() {
+void TestCorvidaPacketDecoder::calibrationPayload_data()
+{
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<bool>("accepted");
     // 2000-01-01 00:00 UTC is 125911584000000000 in 100 ns steps since 1601.
@@ -252,7 +268,8 @@ void TestCorvidaPacketDecoder::calibrationPayload_data() {
     QTest::newRow("25 bytes") << good + "x" << false;
 }
 
-void TestCorvidaPacketDecoder::calibrationPayload() {
+void TestCorvidaPacketDecoder::calibrationPayload()
+{
     QFETCH(QByteArray, payload);
     QFETCH(bool, accepted);
     CorvidaPacket::CalibrationData c;
@@ -267,7 +284,8 @@ void TestCorvidaPacketDecoder::calibrationPayload() {
     QCOMPARE(c.y1, 200.0f);
 }
 
-void TestCorvidaPacketDecoder::serialNumberPayload_data() {
+void TestCorvidaPacketDecoder::serialNumberPayload_data()
+{
     QTest::addColumn<QByteArray>("payload");
     QTest::addColumn<int>("result");
     QTest::addColumn<QString>("serial");
@@ -294,7 +312,8 @@ void TestCorvidaPacketDecoder::serialNumberPayload_data() {
                            << qint64(0);
 }
 
-void TestCorvidaPacketDecoder::serialNumberPayload() {
+void TestCorvidaPacketDecoder::serialNumberPayload()
+{
     QFETCH(QByteArray, payload);
     QFETCH(int, result);
     QFETCH(QString, serial);

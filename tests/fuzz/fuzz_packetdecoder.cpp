@@ -20,7 +20,8 @@ struct Decoded {
     bool operator==(const Decoded &o) const { return type == o.type && payload == o.payload; }
 };
 
-void exercisePayload(const CorvidaPacketDecoder::Packet &p) {
+void exercisePayload(const CorvidaPacketDecoder::Packet &p)
+{
     QList<QList<double>> frame(CorvidaPacket::ChannelCount);
     const int groups = CorvidaPacket::decodeSamples(p.payload, p.length, frame);
     if (groups != p.length / CorvidaPacket::GroupSize || frame[3].size() != groups)
@@ -41,7 +42,8 @@ void exercisePayload(const CorvidaPacketDecoder::Packet &p) {
     }
 }
 
-void drain(CorvidaPacketDecoder &decoder, QList<Decoded> &out, bool exercise) {
+void drain(CorvidaPacketDecoder &decoder, QList<Decoded> &out, bool exercise)
+{
     CorvidaPacketDecoder::Packet p;
     while (decoder.next(p)) {
         if (p.length < 0 || p.length > CorvidaPacket::MaxPayload)
@@ -52,7 +54,8 @@ void drain(CorvidaPacketDecoder &decoder, QList<Decoded> &out, bool exercise) {
     }
 }
 
-qint64 consumed(const QList<Decoded> &packets) {
+qint64 consumed(const QList<Decoded> &packets)
+{
     qint64 n = 0;
     for (const Decoded &d : packets)
         n += d.payload.size() + CorvidaPacket::Overhead;
@@ -60,7 +63,8 @@ qint64 consumed(const QList<Decoded> &packets) {
 }
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
     if (size < 2)
         return 0;
     // The first two bytes seed the cutting; the rest is the stream.

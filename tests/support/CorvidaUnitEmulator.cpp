@@ -15,7 +15,8 @@ namespace {
 constexpr int kMaxGroupsPerPacket = 31;
 constexpr qint64 kMaxSamplesPerTick = 10000;
 
-qint16 clampCount(double value) {
+qint16 clampCount(double value)
+{
     const double r = std::round(value);
     if (r > 32767.0)
         return 32767;
@@ -29,21 +30,25 @@ CorvidaUnitEmulator::CorvidaUnitEmulator(QObject *parent)
     : QObject(parent)
     , m_streamTimer(new QTimer(this))
     , m_clock(VClock::wall())
-    , m_production(QDateTime(QDate(2021, 3, 15), QTime(12, 0), Qt::UTC)) {
+    , m_production(QDateTime(QDate(2021, 3, 15), QTime(12, 0), Qt::UTC))
+{
     m_lastTick = m_clock();
     m_streamTimer->setInterval(10);
     connect(m_streamTimer, &QTimer::timeout, this, &CorvidaUnitEmulator::tick);
 }
 
-CorvidaUnitEmulator::~CorvidaUnitEmulator() {
+CorvidaUnitEmulator::~CorvidaUnitEmulator()
+{
     unplug();
 }
 
-QString CorvidaUnitEmulator::portPath() const {
+QString CorvidaUnitEmulator::portPath() const
+{
     return m_linkDir.filePath(QStringLiteral("corvida-unit"));
 }
 
-bool CorvidaUnitEmulator::plug() {
+bool CorvidaUnitEmulator::plug()
+{
     if (isPlugged())
         return true;
     const int master = posix_openpt(O_RDWR | O_NOCTTY);
@@ -90,7 +95,8 @@ bool CorvidaUnitEmulator::plug() {
     return true;
 }
 
-void CorvidaUnitEmulator::unplug() {
+void CorvidaUnitEmulator::unplug()
+{
     if (!isPlugged())
         return;
     delete m_readNotifier;
@@ -107,74 +113,86 @@ void CorvidaUnitEmulator::unplug() {
     m_measuring = false;
 }
 
-void CorvidaUnitEmulator::setClock(VClock::Source clock) {
+void CorvidaUnitEmulator::setClock(VClock::Source clock)
+{
     m_clock = clock ? std::move(clock) : VClock::wall();
     m_lastTick = m_clock();
 }
 
-void CorvidaUnitEmulator::setStreamTimerActive(bool active) {
+void CorvidaUnitEmulator::setStreamTimerActive(bool active)
+{
     if (active)
         m_streamTimer->start();
     else
         m_streamTimer->stop();
 }
 
-void CorvidaUnitEmulator::setCalibration(float x0, float y0, float x1, float y1) {
+void CorvidaUnitEmulator::setCalibration(float x0, float y0, float x1, float y1)
+{
     m_calibration[0] = x0;
     m_calibration[1] = y0;
     m_calibration[2] = x1;
     m_calibration[3] = y1;
 }
 
-void CorvidaUnitEmulator::setPulse(double hz, int amplitudeCounts) {
+void CorvidaUnitEmulator::setPulse(double hz, int amplitudeCounts)
+{
     m_pulseHz = hz;
     m_pulseCounts = amplitudeCounts;
 }
 
-void CorvidaUnitEmulator::setSteadyCounts(qint16 dc, qint16 ir) {
+void CorvidaUnitEmulator::setSteadyCounts(qint16 dc, qint16 ir)
+{
     m_dcCounts = dc;
     m_irCounts = ir;
 }
 
-void CorvidaUnitEmulator::setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS) {
+void CorvidaUnitEmulator::setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS)
+{
     m_inflateRate = inflateMmHgPerS;
     m_deflateRate = deflateMmHgPerS;
 }
 
-qint16 CorvidaUnitEmulator::pressureCount(double mmHg) const {
+qint16 CorvidaUnitEmulator::pressureCount(double mmHg) const
+{
     const double x0 = m_calibration[0], y0 = m_calibration[1];
     const double x1 = m_calibration[2], y1 = m_calibration[3];
     const double sensor = x0 + (mmHg - y0) * (x1 - x0) / (y1 - y0);
     return clampCount(sensor / 0.25); // MPX counts are quarter units
 }
 
-QList<int> CorvidaUnitEmulator::receivedTypes() const {
+QList<int> CorvidaUnitEmulator::receivedTypes() const
+{
     QList<int> types;
     for (const Packet &p : m_packets)
         types.append(p.type);
     return types;
 }
 
-void CorvidaUnitEmulator::clearReceived() {
+void CorvidaUnitEmulator::clearReceived()
+{
     m_received.clear();
     m_packets.clear();
 }
 
-QByteArray CorvidaUnitEmulator::le16(quint16 value) {
+QByteArray CorvidaUnitEmulator::le16(quint16 value)
+{
     QByteArray b(2, '\0');
     b[0] = char(value & 0xFF);
     b[1] = char(value >> 8);
     return b;
 }
 
-QByteArray CorvidaUnitEmulator::le64(quint64 value) {
+QByteArray CorvidaUnitEmulator::le64(quint64 value)
+{
     QByteArray b(8, '\0');
     for (int i = 0; i < 8; ++i)
         b[i] = char((value >> (8 * i)) & 0xFF);
     return b;
 }
 
-QByteArray CorvidaUnitEmulator::f32(float value) {
+QByteArray CorvidaUnitEmulator::f32(float value)
+{
     quint32 bits;
     std::memcpy(&bits, &value, 4);
     QByteArray b(4, '\0');
@@ -183,13 +201,15 @@ QByteArray CorvidaUnitEmulator::f32(float value) {
     return b;
 }
 
-quint64 CorvidaUnitEmulator::fileTime(const QDateTime &dateTime) {
+quint64 CorvidaUnitEmulator::fileTime(const QDateTime &dateTime)
+{
     // 100 ns steps since 1601-01-01 UTC.
     const QDateTime start(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
     return quint64(start.msecsTo(dateTime)) * 10000ULL;
 }
 
-QByteArray CorvidaUnitEmulator::packet(int type, const QByteArray &payload) {
+QByteArray CorvidaUnitEmulator::packet(int type, const QByteArray &payload)
+{
     QByteArray b;
     b.append("\x55\x55", 2);
     b.append(char(type));
@@ -199,14 +219,16 @@ QByteArray CorvidaUnitEmulator::packet(int type, const QByteArray &payload) {
     return b;
 }
 
-void CorvidaUnitEmulator::writeRaw(const QByteArray &bytes) {
+void CorvidaUnitEmulator::writeRaw(const QByteArray &bytes)
+{
     if (!isPlugged())
         return;
     m_outBuffer.append(bytes);
     flush();
 }
 
-void CorvidaUnitEmulator::flush() {
+void CorvidaUnitEmulator::flush()
+{
     while (!m_outBuffer.isEmpty()) {
         const ssize_t n = ::write(m_master, m_outBuffer.constData(), size_t(m_outBuffer.size()));
         if (n <= 0)
@@ -219,11 +241,13 @@ void CorvidaUnitEmulator::flush() {
         m_writeNotifier->setEnabled(!m_outBuffer.isEmpty());
 }
 
-void CorvidaUnitEmulator::onWritable() {
+void CorvidaUnitEmulator::onWritable()
+{
     flush();
 }
 
-void CorvidaUnitEmulator::onReadable() {
+void CorvidaUnitEmulator::onReadable()
+{
     char buffer[4096];
     for (;;) {
         const ssize_t n = ::read(m_master, buffer, sizeof buffer);
@@ -235,7 +259,8 @@ void CorvidaUnitEmulator::onReadable() {
     parseReceived();
 }
 
-void CorvidaUnitEmulator::parseReceived() {
+void CorvidaUnitEmulator::parseReceived()
+{
     for (;;) {
         const int start = m_inBuffer.indexOf(QByteArray("\x55\x55", 2));
         if (start < 0) {
@@ -261,7 +286,8 @@ void CorvidaUnitEmulator::parseReceived() {
     }
 }
 
-void CorvidaUnitEmulator::handleCommand(const Packet &p) {
+void CorvidaUnitEmulator::handleCommand(const Packet &p)
+{
     switch (p.type) {
     case 1:
         m_streaming = true;
@@ -315,7 +341,8 @@ void CorvidaUnitEmulator::handleCommand(const Packet &p) {
     }
 }
 
-void CorvidaUnitEmulator::tick() {
+void CorvidaUnitEmulator::tick()
+{
     const qint64 now = m_clock();
     const qint64 due = std::min(now - m_lastTick, kMaxSamplesPerTick);
     m_lastTick = now;
@@ -324,7 +351,8 @@ void CorvidaUnitEmulator::tick() {
     sendSamples(int(due));
 }
 
-CorvidaUnitEmulator::Counts CorvidaUnitEmulator::nextSample() {
+CorvidaUnitEmulator::Counts CorvidaUnitEmulator::nextSample()
+{
     if (m_measuring) {
         // Inflate to the upper limit, then let the pressure fall to the lower one and release.
         if (!m_deflating) {
@@ -352,7 +380,8 @@ CorvidaUnitEmulator::Counts CorvidaUnitEmulator::nextSample() {
             m_dcCounts, m_irCounts};
 }
 
-void CorvidaUnitEmulator::sendSamples(int count) {
+void CorvidaUnitEmulator::sendSamples(int count)
+{
     QByteArray out;
     while (count > 0) {
         const int groups = std::min(count, kMaxGroupsPerPacket);

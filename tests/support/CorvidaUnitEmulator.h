@@ -22,7 +22,8 @@ class QTimer;
 //
 // Time comes from a clock that tests move by hand: tick() sends the samples due since the last
 // tick. portPath() is a link that stays the same across unplug()/plug(), like a port name.
-class CorvidaUnitEmulator : public QObject {
+class CorvidaUnitEmulator : public QObject
+{
     Q_OBJECT
 public:
     struct Packet {
