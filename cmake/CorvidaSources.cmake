@@ -19,10 +19,15 @@ target_link_libraries(corvida_core PUBLIC
     Qt6::Core Qt6::Gui Qt6::Network Qt6::SerialPort Qt6::Core5Compat
     ${EDFLIB_LIBRARY} PkgConfig::XLSXWRITER)
 
-# With Ninja, moc only learns of a header added to a folder when its info file changes; make the
-# info file a dependency so a new class is picked up without a clean build.
+# With Ninja, moc only learns of a header added to a folder when its own dependency file says so,
+# and a new header is not in it yet. When the globbed source list changes, drop moc's time stamp
+# so it runs again and a new class is picked up without a clean build.
 function(corvida_autogen_follows_sources target)
-    set_property(TARGET ${target} APPEND PROPERTY AUTOGEN_TARGET_DEPENDS
-        ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_autogen.dir/AutogenInfo.json)
+    get_target_property(sources ${target} SOURCES)
+    string(MD5 digest "${sources}")
+    if(NOT "${digest}" STREQUAL "${CORVIDA_SOURCE_DIGEST_${target}}")
+        file(REMOVE ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp)
+        set(CORVIDA_SOURCE_DIGEST_${target} "${digest}" CACHE INTERNAL "")
+    endif()
 endfunction()
 corvida_autogen_follows_sources(corvida_core)
