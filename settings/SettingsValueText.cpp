@@ -303,8 +303,9 @@ QVariant SettingsValueText::fromText(const QString &text, QMetaType type,
         result = integerFromText(t, type, &good);
         break;
     case QMetaType::QColor: {
+        // Empty is "no colour", which is what an unset colour writes.
         const QString c = t.trimmed();
-        good = c.startsWith(QLatin1Char('#')) && QColor::isValidColor(c);
+        good = c.isEmpty() || (c.startsWith(QLatin1Char('#')) && QColor::isValidColor(c));
         result = good ? QColor(c) : QColor();
         break;
     }
