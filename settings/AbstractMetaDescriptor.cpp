@@ -132,7 +132,12 @@ void AbstractMetaDescriptor::saveXmlContent(QXmlStreamWriter &writer) const {
 }
 
 QString AbstractMetaDescriptor::saveAsXmlString() const {
-    QString xml;
+    return QString::fromUtf8(saveAsXmlBytes());
+}
+
+QByteArray AbstractMetaDescriptor::saveAsXmlBytes() const {
+    // Written as bytes so that the declaration names the encoding the file is stored in.
+    QByteArray xml;
     QXmlStreamWriter writer(&xml);
     writer.setAutoFormatting(true);
     writer.writeStartDocument();
@@ -143,7 +148,7 @@ QString AbstractMetaDescriptor::saveAsXmlString() const {
 
 bool AbstractMetaDescriptor::save(const QString &filePath) {
     QString error;
-    if (!FileUtilities::writeAtomically(filePath, saveAsXmlString().toUtf8(), &error))
+    if (!FileUtilities::writeAtomically(filePath, saveAsXmlBytes(), &error))
         return fail(QStringLiteral("cannot write %1: %2").arg(filePath, error));
     m_lastError.clear();
     return true;

@@ -44,6 +44,7 @@ public:
     bool saveToJsonFile(const QString &filePath,
                         QJsonDocument::JsonFormat format = QJsonDocument::Indented);
     QString saveAsXmlString() const;
+    QByteArray saveAsXmlBytes() const;
     void saveXmlContent(QXmlStreamWriter &writer) const;
     QJsonObject saveToJson() const;
     QString saveToJsonString(QJsonDocument::JsonFormat format = QJsonDocument::Indented) const;
