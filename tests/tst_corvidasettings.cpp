@@ -196,23 +196,15 @@ void CorvidaSettingsTest::hintsOfTheSettingsPage_data() {
     auto row = [](const char *property, const char *key, const QVariant &expected) {
         QTest::addRow("%s %s", property, key) << property << key << expected;
     };
-    row("Language", "icon", QStringLiteral(":/icons/translate.svg"));
     row("Language", "noDefault", true);
-    row("ColorTheme", "icon", QStringLiteral(":/icons/brightness.svg"));
-    row("PressureLimit", "icon", QStringLiteral(":/resources/images/pressure-gauge.svg"));
-    row("VisualScale", "icon", QStringLiteral(":/icons/arrow-left-right.svg"));
-    row("PulseAxisLimit", "icon", QStringLiteral(":/icons/arrow-up-down.svg"));
-    row("StartFullscreen", "icon", QStringLiteral(":/icons/fullscreen.svg"));
-    row("ExportBehavior", "icon", QStringLiteral(":/icons/file-export.svg"));
-    row("ViewMode", "icon", QStringLiteral(":/icons/checkbox-intermediate.svg"));
     row("ViewMode", "minWidth", 120);
     row("UseVirtualCorvida", "minimum", 0);
     row("UseVirtualCorvida", "maximum", 4);
     row("UseVirtualCorvida", "step", 1);
-    for (const char *hidden :
-         {"DatabaseSplitterRatio", "PressurePPGSplitterRatio", "LastImportFolder",
-          "LastExportFolder", "LastExportFilter", "LastExperimentPath", "SortingColumn",
-          "SortingOrder", "ShowSuggestions"})
+    row("UseVirtualCorvida", "editor", QStringLiteral("int"));
+    row("SortingOrder", "editor", QStringLiteral("enum"));
+    row("ColorTheme", "default", QStringLiteral("System"));
+    for (const char *hidden : {"DatabaseSplitterRatio", "LastExperimentPath", "SortingOrder"})
         row(hidden, "notVisible", true);
     row("PressureLimit", "notVisible", false);
     row("SaveRawData", "editable", true);
