@@ -28,6 +28,8 @@ void MetaDescriptor::setItem(QObject *object) {
 }
 
 QString MetaDescriptor::rootName() const {
+    if (!m_rootOverride.isEmpty())
+        return m_rootOverride;
     return m_item ? QString::fromLatin1(m_item->metaObject()->className())
                   : AbstractMetaDescriptor::rootName();
 }

@@ -16,7 +16,9 @@ public:
     // is at this call, so call it once the object is fully constructed.
     void set(QObject *object);
     QObject *item() const { return m_item; }
+    // The object's class name, unless another root element name was given.
     QString rootName() const override;
+    void setRootOverride(const QString &name) { m_rootOverride = name; }
     void clear() override;
 
 public slots:
@@ -28,4 +30,5 @@ signals:
 
 private:
     QPointer<QObject> m_item;
+    QString m_rootOverride;
 };

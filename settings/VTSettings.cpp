@@ -25,6 +25,7 @@ MetaDescriptor *VTSettings::descriptor() const {
         if (!m_descriptor)
             m_descriptor = new MetaDescriptor();
         m_descriptor->set(const_cast<VTSettings *>(this));
+        m_descriptor->setRootOverride(rootElementName());
         m_describedMeta = metaObject();
     }
     return m_descriptor;

@@ -80,6 +80,12 @@ protected slots:
     // Every property change reaches the store here.
     void changedProperty(const QString &name);
 
+protected:
+    // Name of the file's root element: the class name. A subclass that only adds behaviour (a
+    // record while it is being recorded, say) can keep its base's name, so the files of both
+    // read the same.
+    virtual QString rootElementName() const { return getClassName(); }
+
 private:
     bool readFile();
 

@@ -61,6 +61,16 @@ QVariantMap unusualValues() {
 
 } // namespace
 
+// Adds nothing to the settings, so its files should read as its base's.
+class SampleSettingsWhileRecording : public SampleSettings {
+    Q_OBJECT
+public:
+    using SampleSettings::SampleSettings;
+
+protected:
+    QString rootElementName() const override { return QStringLiteral("SampleSettings"); }
+};
+
 class VTSettingsTest : public QObject {
     Q_OBJECT
 private slots:
@@ -79,6 +89,7 @@ private slots:
     void jsonErrorsMakeTheLoadFail_data();
     void jsonErrorsMakeTheLoadFail();
     void filePathChangedOnlyOnARealChange();
+    void subclassCanKeepTheRootElementOfItsBase();
     void interruptedSaveLeavesThePreviousFileIntact();
 
 private:
@@ -344,6 +355,20 @@ void VTSettingsTest::filePathChangedOnlyOnARealChange() {
     QCOMPARE(spy.at(0).at(0).toString(), m_dir.filePath(QStringLiteral("b.xml")));
     QVERIFY(settings.saveAs(m_dir.filePath(QStringLiteral("c.xml"))));
     QCOMPARE(settings.getFilepath(), m_dir.filePath(QStringLiteral("b.xml")));
+}
+
+void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase() {
+    const QString path = m_dir.filePath(QStringLiteral("recording.xml"));
+    SampleSettingsWhileRecording recording(path, false);
+    recording.setValue(QStringLiteral("Count"), 12);
+    QVERIFY(recording.save());
+    QVERIFY(readFile(path).contains("<SampleSettings>"));
+
+    SampleSettings read(path, false);
+    LogCapture log;
+    QVERIFY(read.reload());
+    QCOMPARE(read.getValue(QStringLiteral("Count")).toInt(), 12);
+    QCOMPARE(log.count(QStringLiteral("root element")), 0);
 }
 
 void VTSettingsTest::interruptedSaveLeavesThePreviousFileIntact() {
