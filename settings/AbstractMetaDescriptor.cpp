@@ -48,7 +48,11 @@ QJsonValue jsonValueOf(const AbstractMetaDescription *d) {
     case QMetaType::UShort:
     case QMetaType::LongLong:
     case QMetaType::Long:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
         return value.toLongLong();
+    case QMetaType::Char:
+        return int(static_cast<signed char>(value.toInt()));
     case QMetaType::Double:
     case QMetaType::Float:
         return value.toDouble();

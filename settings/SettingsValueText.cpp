@@ -133,6 +133,9 @@ bool SettingsValueText::isNumeric(QMetaType type) {
     case QMetaType::ULong:
     case QMetaType::Short:
     case QMetaType::UShort:
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
     case QMetaType::Double:
     case QMetaType::Float:
         return true;
