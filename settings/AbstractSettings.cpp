@@ -1,0 +1,4 @@
+#include "settings/AbstractSettings.h"
+
+AbstractSettings::AbstractSettings(QObject *parent)
+    : QObject(parent) {}
