@@ -11,14 +11,16 @@ namespace {
 struct SettingsFile {
     QTemporaryDir dir;
     QString path = dir.filePath(QStringLiteral("Settings.xml"));
-    SettingsFile() {
+    SettingsFile()
+    {
         CorvidaSettings settings(path);
         settings.setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
         settings.setLastExperimentPath(QStringLiteral("Records/2026-11-21_14-05-09.edf"));
     }
 };
 
-void BM_SaveSettingsFile(benchmark::State &state) {
+void BM_SaveSettingsFile(benchmark::State &state)
+{
     SettingsFile file;
     CorvidaSettings settings(file.path);
     for (auto _ : state)
@@ -26,7 +28,8 @@ void BM_SaveSettingsFile(benchmark::State &state) {
 }
 BENCHMARK(BM_SaveSettingsFile)->Unit(benchmark::kMicrosecond);
 
-void BM_ReloadSettingsFile(benchmark::State &state) {
+void BM_ReloadSettingsFile(benchmark::State &state)
+{
     SettingsFile file;
     CorvidaSettings settings(file.path);
     for (auto _ : state)
@@ -35,7 +38,8 @@ void BM_ReloadSettingsFile(benchmark::State &state) {
 BENCHMARK(BM_ReloadSettingsFile)->Unit(benchmark::kMicrosecond);
 
 // What start-up pays: build the descriptions, take the defaults, read the file.
-void BM_CreateSettingsFromFile(benchmark::State &state) {
+void BM_CreateSettingsFromFile(benchmark::State &state)
+{
     SettingsFile file;
     for (auto _ : state) {
         CorvidaSettings settings(file.path);
@@ -45,7 +49,8 @@ void BM_CreateSettingsFromFile(benchmark::State &state) {
 BENCHMARK(BM_CreateSettingsFromFile)->Unit(benchmark::kMicrosecond);
 
 // One change with automatic saving: the whole file is rewritten atomically.
-void BM_ChangeOneSettingWithAutoSave(benchmark::State &state) {
+void BM_ChangeOneSettingWithAutoSave(benchmark::State &state)
+{
     SettingsFile file;
     CorvidaSettings settings(file.path);
     bool on = false;
@@ -56,7 +61,8 @@ void BM_ChangeOneSettingWithAutoSave(benchmark::State &state) {
 }
 BENCHMARK(BM_ChangeOneSettingWithAutoSave)->Unit(benchmark::kMicrosecond);
 
-void BM_SettingsToXmlText(benchmark::State &state) {
+void BM_SettingsToXmlText(benchmark::State &state)
+{
     CorvidaSettings settings;
     for (auto _ : state)
         benchmark::DoNotOptimize(settings.descriptor()->saveAsXmlBytes());
@@ -65,7 +71,8 @@ BENCHMARK(BM_SettingsToXmlText)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 
-int main(int argc, char **argv) {
+int main(int argc, char **argv)
+{
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

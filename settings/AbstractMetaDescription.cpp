@@ -6,9 +6,11 @@
 #include <QDebug>
 
 AbstractMetaDescription::AbstractMetaDescription(QObject *parent)
-    : QObject(parent) {}
+    : QObject(parent)
+{}
 
-QStringList AbstractMetaDescription::hintWords() {
+QStringList AbstractMetaDescription::hintWords()
+{
     static const QStringList words = {QStringLiteral("Category"),
                                       QStringLiteral("Default"),
                                       QStringLiteral("DefaultOverride"),
@@ -37,16 +39,19 @@ QStringList AbstractMetaDescription::hintWords() {
     return words;
 }
 
-bool AbstractMetaDescription::hintFlag(const QString &word) const {
+bool AbstractMetaDescription::hintFlag(const QString &word) const
+{
     const QString v = hint(word).trimmed().toLower();
     return v == QLatin1String("true") || v == QLatin1String("1");
 }
 
-bool AbstractMetaDescription::isStored() const {
+bool AbstractMetaDescription::isStored() const
+{
     return !noDefault() || m_valueSet;
 }
 
-QString AbstractMetaDescription::displayName() const {
+QString AbstractMetaDescription::displayName() const
+{
     const QString text = hint(QStringLiteral("DisplayName"));
     const QString source = text.isEmpty() ? m_name : text;
     return m_context.isEmpty()
@@ -54,14 +59,16 @@ QString AbstractMetaDescription::displayName() const {
                : QCoreApplication::translate(m_context.constData(), source.toUtf8().constData());
 }
 
-QString AbstractMetaDescription::description() const {
+QString AbstractMetaDescription::description() const
+{
     const QString text = hint(QStringLiteral("Description"));
     return text.isEmpty() || m_context.isEmpty()
                ? text
                : QCoreApplication::translate(m_context.constData(), text.toUtf8().constData());
 }
 
-void AbstractMetaDescription::readHints(const QMetaObject *owner) {
+void AbstractMetaDescription::readHints(const QMetaObject *owner)
+{
     m_hints.clear();
     m_keyIcons.clear();
     if (!owner)
@@ -82,7 +89,8 @@ void AbstractMetaDescription::readHints(const QMetaObject *owner) {
     }
 }
 
-void AbstractMetaDescription::interpretHints() {
+void AbstractMetaDescription::interpretHints()
+{
     m_default = QVariant();
     m_minimum = QVariant();
     m_maximum = QVariant();
@@ -123,19 +131,23 @@ void AbstractMetaDescription::interpretHints() {
                            << logName() << "(expected Property:value)";
 }
 
-QString AbstractMetaDescription::toText(const QVariant &value) const {
+QString AbstractMetaDescription::toText(const QVariant &value) const
+{
     return SettingsValueText::toText(value, m_enumerator);
 }
 
-QVariant AbstractMetaDescription::fromText(const QString &text, bool *ok) const {
+QVariant AbstractMetaDescription::fromText(const QString &text, bool *ok) const
+{
     return SettingsValueText::fromText(text, m_metaType, m_enumerator, ok);
 }
 
-QString AbstractMetaDescription::textValue() const {
+QString AbstractMetaDescription::textValue() const
+{
     return toText(getValue());
 }
 
-QVariant AbstractMetaDescription::acceptable(const QVariant &value, QString *why) const {
+QVariant AbstractMetaDescription::acceptable(const QVariant &value, QString *why) const
+{
     bool ok = false;
     const QVariant converted = SettingsValueText::convert(value, m_metaType, m_enumerator, &ok);
     if (!ok) {
@@ -156,7 +168,8 @@ QVariant AbstractMetaDescription::acceptable(const QVariant &value, QString *why
     return converted;
 }
 
-bool AbstractMetaDescription::setValue(const QVariant &value) {
+bool AbstractMetaDescription::setValue(const QVariant &value)
+{
     QString why;
     const QVariant accepted = acceptable(value, &why);
     if (!accepted.isValid()) {
@@ -172,11 +185,13 @@ bool AbstractMetaDescription::setValue(const QVariant &value) {
     return true;
 }
 
-QVariant AbstractMetaDescription::getValue() const {
+QVariant AbstractMetaDescription::getValue() const
+{
     return readValue();
 }
 
-void AbstractMetaDescription::setDefault(const QVariant &value) {
+void AbstractMetaDescription::setDefault(const QVariant &value)
+{
     if (!value.isValid()) {
         m_default = QVariant();
         return;
@@ -189,15 +204,18 @@ void AbstractMetaDescription::setDefault(const QVariant &value) {
         qDebug().noquote() << "SETTINGS: default" << value.toString() << "refused for" << logName();
 }
 
-bool AbstractMetaDescription::resetValue() {
+bool AbstractMetaDescription::resetValue()
+{
     return hasDefault() && setValue(m_default);
 }
 
-void AbstractMetaDescription::valueChangedSlot() {
+void AbstractMetaDescription::valueChangedSlot()
+{
     emit valueChanged(getValue());
 }
 
-bool AbstractMetaDescription::setTextValue(const QString &text) {
+bool AbstractMetaDescription::setTextValue(const QString &text)
+{
     bool ok = false;
     const QVariant value = fromText(text, &ok);
     if (!ok) {
@@ -210,7 +228,8 @@ bool AbstractMetaDescription::setTextValue(const QString &text) {
 }
 
 namespace {
-QStringList listHint(const QString &text) {
+QStringList listHint(const QString &text)
+{
     // A JSON array, or texts separated by ";".
     bool ok = false;
     if (text.trimmed().startsWith(QLatin1Char('['))) {
@@ -225,13 +244,15 @@ QStringList listHint(const QString &text) {
     return items;
 }
 
-int intHint(const QString &text, int fallback) {
+int intHint(const QString &text, int fallback)
+{
     bool ok = false;
     const int v = text.trimmed().toInt(&ok);
     return ok ? v : fallback;
 }
 
-QString editorKind(QMetaType type, const QMetaEnum &enumerator) {
+QString editorKind(QMetaType type, const QMetaEnum &enumerator)
+{
     if (enumerator.isValid())
         return enumerator.isFlag() ? QStringLiteral("flags") : QStringLiteral("enum");
     switch (type.id()) {
@@ -290,7 +311,8 @@ QString editorKind(QMetaType type, const QMetaEnum &enumerator) {
 //  specialType, suggestions (list of texts), enumKeys (list of maps with key, value, icon,
 //  in declaration order; from the enumeration, or from an Enum hint of ";"-separated texts),
 //  visibleBound (map with property and value, absent without a rule).
-QVariantMap AbstractMetaDescription::capabilities() const {
+QVariantMap AbstractMetaDescription::capabilities() const
+{
     QVariantMap caps;
     caps.insert(QStringLiteral("name"), m_name);
     caps.insert(QStringLiteral("type"), QString::fromLatin1(m_metaType.name()));

@@ -13,7 +13,8 @@
 // declares as class-information entries named property name + hint word (for example
 // "PressureLimitDefault", "UseVirtualCorvidaMaximum"). A generic editor builds itself from
 // capabilities(); the settings file is written from textValue() and read through setTextValue().
-class AbstractMetaDescription : public QObject {
+class AbstractMetaDescription : public QObject
+{
     Q_OBJECT
 public:
     explicit AbstractMetaDescription(QObject *parent = nullptr);

@@ -13,7 +13,8 @@ namespace {
 
 enum class Nesting { None, Map, List };
 
-Nesting nestingOf(const AbstractMetaDescription *d) {
+Nesting nestingOf(const AbstractMetaDescription *d)
+{
     if (d->specialType() == QLatin1String("StringMap") ||
         d->metaType().id() == QMetaType::QVariantMap)
         return Nesting::Map;
@@ -24,7 +25,8 @@ Nesting nestingOf(const AbstractMetaDescription *d) {
 
 // XML 1.0 cannot carry most control characters, not even escaped; one in a text would make the
 // whole file unreadable, so they are dropped on writing.
-QString xmlSafe(const QString &text) {
+QString xmlSafe(const QString &text)
+{
     QString out;
     out.reserve(text.size());
     for (const QChar c : text) {
@@ -35,7 +37,8 @@ QString xmlSafe(const QString &text) {
     return out;
 }
 
-QJsonValue jsonValueOf(const AbstractMetaDescription *d) {
+QJsonValue jsonValueOf(const AbstractMetaDescription *d)
+{
     const QVariant value = d->getValue();
     if (d->enumerator().isValid())
         return d->textValue();
@@ -68,42 +71,50 @@ QJsonValue jsonValueOf(const AbstractMetaDescription *d) {
 } // namespace
 
 AbstractMetaDescriptor::AbstractMetaDescriptor(QObject *parent)
-    : QObject(parent) {}
+    : QObject(parent)
+{}
 
-AbstractMetaDescriptor::~AbstractMetaDescriptor() {
+AbstractMetaDescriptor::~AbstractMetaDescriptor()
+{
     clear();
 }
 
-AbstractMetaDescription *AbstractMetaDescriptor::at(int index) const {
+AbstractMetaDescription *AbstractMetaDescriptor::at(int index) const
+{
     return index >= 0 && index < m_items.size() ? m_items[index] : nullptr;
 }
 
-AbstractMetaDescription *AbstractMetaDescriptor::propertyByName(const QString &name) const {
+AbstractMetaDescription *AbstractMetaDescriptor::propertyByName(const QString &name) const
+{
     for (AbstractMetaDescription *d : m_items)
         if (d->name() == name)
             return d;
     return nullptr;
 }
 
-void AbstractMetaDescriptor::append(AbstractMetaDescription *description) {
+void AbstractMetaDescriptor::append(AbstractMetaDescription *description)
+{
     if (!description)
         return;
     description->setParent(this);
     m_items.append(description);
 }
 
-void AbstractMetaDescriptor::clear() {
+void AbstractMetaDescriptor::clear()
+{
     qDeleteAll(m_items);
     m_items.clear();
 }
 
-bool AbstractMetaDescriptor::fail(const QString &error) {
+bool AbstractMetaDescriptor::fail(const QString &error)
+{
     m_lastError = error;
     qDebug().noquote() << "SETTINGS:" << error;
     return false;
 }
 
-void AbstractMetaDescriptor::saveXmlContent(QXmlStreamWriter &writer) const {
+void AbstractMetaDescriptor::saveXmlContent(QXmlStreamWriter &writer) const
+{
     writer.writeStartElement(rootName());
     for (const AbstractMetaDescription *d : m_items) {
         if (!d->isStored())
@@ -135,11 +146,13 @@ void AbstractMetaDescriptor::saveXmlContent(QXmlStreamWriter &writer) const {
     writer.writeEndElement();
 }
 
-QString AbstractMetaDescriptor::saveAsXmlString() const {
+QString AbstractMetaDescriptor::saveAsXmlString() const
+{
     return QString::fromUtf8(saveAsXmlBytes());
 }
 
-QByteArray AbstractMetaDescriptor::saveAsXmlBytes() const {
+QByteArray AbstractMetaDescriptor::saveAsXmlBytes() const
+{
     // Written as bytes so that the declaration names the encoding the file is stored in.
     QByteArray xml;
     QXmlStreamWriter writer(&xml);
@@ -150,7 +163,8 @@ QByteArray AbstractMetaDescriptor::saveAsXmlBytes() const {
     return xml;
 }
 
-bool AbstractMetaDescriptor::save(const QString &filePath) {
+bool AbstractMetaDescriptor::save(const QString &filePath)
+{
     QString error;
     if (!FileUtilities::writeAtomically(filePath, saveAsXmlBytes(), &error))
         return fail(QStringLiteral("cannot write %1: %2").arg(filePath, error));
@@ -158,7 +172,8 @@ bool AbstractMetaDescriptor::save(const QString &filePath) {
     return true;
 }
 
-QJsonObject AbstractMetaDescriptor::saveToJson() const {
+QJsonObject AbstractMetaDescriptor::saveToJson() const
+{
     QJsonObject object;
     for (const AbstractMetaDescription *d : m_items)
         if (d->isStored())
@@ -166,16 +181,19 @@ QJsonObject AbstractMetaDescriptor::saveToJson() const {
     return object;
 }
 
-QByteArray AbstractMetaDescriptor::saveToJsonByteArray(QJsonDocument::JsonFormat format) const {
+QByteArray AbstractMetaDescriptor::saveToJsonByteArray(QJsonDocument::JsonFormat format) const
+{
     return QJsonDocument(saveToJson()).toJson(format);
 }
 
-QString AbstractMetaDescriptor::saveToJsonString(QJsonDocument::JsonFormat format) const {
+QString AbstractMetaDescriptor::saveToJsonString(QJsonDocument::JsonFormat format) const
+{
     return QString::fromUtf8(saveToJsonByteArray(format));
 }
 
 bool AbstractMetaDescriptor::saveToJsonFile(const QString &filePath,
-                                            QJsonDocument::JsonFormat format) {
+                                            QJsonDocument::JsonFormat format)
+{
     QString error;
     if (!FileUtilities::writeAtomically(filePath, saveToJsonByteArray(format), &error))
         return fail(QStringLiteral("cannot write %1: %2").arg(filePath, error));
@@ -183,7 +201,8 @@ bool AbstractMetaDescriptor::saveToJsonFile(const QString &filePath,
     return true;
 }
 
-bool AbstractMetaDescriptor::loadXmlContent(QXmlStreamReader &reader) {
+bool AbstractMetaDescriptor::loadXmlContent(QXmlStreamReader &reader)
+{
     if (!reader.isStartElement() && !reader.readNextStartElement()) {
         if (reader.hasError())
             return fail(QStringLiteral("XML error at line %1: %2")
@@ -246,7 +265,8 @@ bool AbstractMetaDescriptor::loadXmlContent(QXmlStreamReader &reader) {
     return true;
 }
 
-bool AbstractMetaDescriptor::readXmlDocument(QXmlStreamReader &reader, const QString &source) {
+bool AbstractMetaDescriptor::readXmlDocument(QXmlStreamReader &reader, const QString &source)
+{
     if (!loadXmlContent(reader)) {
         m_lastError = source + QStringLiteral(": ") + m_lastError;
         return false;
@@ -263,12 +283,14 @@ bool AbstractMetaDescriptor::readXmlDocument(QXmlStreamReader &reader, const QSt
     return true;
 }
 
-bool AbstractMetaDescriptor::loadFromXmlString(const QString &xml) {
+bool AbstractMetaDescriptor::loadFromXmlString(const QString &xml)
+{
     QXmlStreamReader reader(xml);
     return readXmlDocument(reader, QStringLiteral("XML text"));
 }
 
-bool AbstractMetaDescriptor::load(const QString &filePath) {
+bool AbstractMetaDescriptor::load(const QString &filePath)
+{
     QFile file(filePath);
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("cannot open %1: %2").arg(filePath, file.errorString()));
@@ -276,7 +298,8 @@ bool AbstractMetaDescriptor::load(const QString &filePath) {
     return readXmlDocument(reader, filePath);
 }
 
-bool AbstractMetaDescriptor::loadFromJson(const QJsonObject &object) {
+bool AbstractMetaDescriptor::loadFromJson(const QJsonObject &object)
+{
     if (object.isEmpty())
         return fail(QStringLiteral("JSON object is empty"));
     for (auto it = object.constBegin(); it != object.constEnd(); ++it) {
@@ -295,7 +318,8 @@ bool AbstractMetaDescriptor::loadFromJson(const QJsonObject &object) {
     return true;
 }
 
-bool AbstractMetaDescriptor::loadFromJsonByteArray(const QByteArray &json) {
+bool AbstractMetaDescriptor::loadFromJsonByteArray(const QByteArray &json)
+{
     QJsonParseError error;
     const QJsonDocument doc = QJsonDocument::fromJson(json, &error);
     if (doc.isNull())
@@ -305,18 +329,21 @@ bool AbstractMetaDescriptor::loadFromJsonByteArray(const QByteArray &json) {
     return loadFromJson(doc.object());
 }
 
-bool AbstractMetaDescriptor::loadFromJsonString(const QString &json) {
+bool AbstractMetaDescriptor::loadFromJsonString(const QString &json)
+{
     return loadFromJsonByteArray(json.toUtf8());
 }
 
-bool AbstractMetaDescriptor::loadFromJsonFile(const QString &filePath) {
+bool AbstractMetaDescriptor::loadFromJsonFile(const QString &filePath)
+{
     QFile file(filePath);
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("cannot open %1: %2").arg(filePath, file.errorString()));
     return loadFromJsonByteArray(file.readAll());
 }
 
-bool AbstractMetaDescriptor::loadFromQVariantMap(const QVariantMap &map) {
+bool AbstractMetaDescriptor::loadFromQVariantMap(const QVariantMap &map)
+{
     for (auto it = map.cbegin(); it != map.cend(); ++it) {
         AbstractMetaDescription *d = propertyByName(it.key());
         if (d)
@@ -328,7 +355,8 @@ bool AbstractMetaDescriptor::loadFromQVariantMap(const QVariantMap &map) {
     return true;
 }
 
-QVariantMap AbstractMetaDescriptor::getQVariantMap() const {
+QVariantMap AbstractMetaDescriptor::getQVariantMap() const
+{
     QVariantMap map;
     for (const AbstractMetaDescription *d : m_items)
         if (d->isStored())
@@ -336,27 +364,31 @@ QVariantMap AbstractMetaDescriptor::getQVariantMap() const {
     return map;
 }
 
-QList<QPair<QString, QString>> AbstractMetaDescriptor::getPropertiesNameAndType() const {
+QList<QPair<QString, QString>> AbstractMetaDescriptor::getPropertiesNameAndType() const
+{
     QList<QPair<QString, QString>> list;
     for (const AbstractMetaDescription *d : m_items)
         list.append({d->name(), QString::fromLatin1(d->metaType().name())});
     return list;
 }
 
-QStringList AbstractMetaDescriptor::names() const {
+QStringList AbstractMetaDescriptor::names() const
+{
     QStringList list;
     for (const AbstractMetaDescription *d : m_items)
         list.append(d->name());
     return list;
 }
 
-void AbstractMetaDescriptor::defaults() {
+void AbstractMetaDescriptor::defaults()
+{
     for (AbstractMetaDescription *d : m_items)
         if (!d->noDefault() && d->hasDefault())
             d->resetValue();
 }
 
-QVariantMap AbstractMetaDescriptor::defaultValues() const {
+QVariantMap AbstractMetaDescriptor::defaultValues() const
+{
     QVariantMap map;
     for (const AbstractMetaDescription *d : m_items)
         if (d->hasDefault())
@@ -364,12 +396,14 @@ QVariantMap AbstractMetaDescriptor::defaultValues() const {
     return map;
 }
 
-bool AbstractMetaDescriptor::setTextValue(const QString &name, const QString &text) {
+bool AbstractMetaDescriptor::setTextValue(const QString &name, const QString &text)
+{
     AbstractMetaDescription *d = propertyByName(name);
     return d && d->setTextValue(text);
 }
 
-bool AbstractMetaDescriptor::setValue(const QString &name, const QVariant &value) {
+bool AbstractMetaDescriptor::setValue(const QString &name, const QVariant &value)
+{
     AbstractMetaDescription *d = propertyByName(name);
     return d && d->setValue(value);
 }

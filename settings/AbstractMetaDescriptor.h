@@ -23,7 +23,8 @@ class QXmlStreamWriter;
 // does not fit and a different root element each cost one log line and nothing else; the
 // affected setting keeps its value and the rest of the file loads. Only a file that is not
 // well-formed (or not a JSON object) makes loading fail.
-class AbstractMetaDescriptor : public QObject {
+class AbstractMetaDescriptor : public QObject
+{
     Q_OBJECT
 public:
     explicit AbstractMetaDescriptor(QObject *parent = nullptr);

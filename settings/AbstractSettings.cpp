@@ -1,4 +1,5 @@
 #include "settings/AbstractSettings.h"
 
 AbstractSettings::AbstractSettings(QObject *parent)
-    : QObject(parent) {}
+    : QObject(parent)
+{}

@@ -4,13 +4,15 @@
 #include <QStringList>
 
 CorvidaSettings::CorvidaSettings(const QString &filePath, QObject *parent)
-    : VTSettings(filePath, true, parent, XML) {
+    : VTSettings(filePath, true, parent, XML)
+{
     loadDefaults();
     reload();
 }
 
 template <typename T, typename Signal>
-void CorvidaSettings::assign(T &member, const T &value, Signal signal, const char *name) {
+void CorvidaSettings::assign(T &member, const T &value, Signal signal, const char *name)
+{
     if (member == value)
         return;
     member = value;
@@ -18,7 +20,8 @@ void CorvidaSettings::assign(T &member, const T &value, Signal signal, const cha
     changedProperty(QLatin1String(name));
 }
 
-QPair<double, double> CorvidaSettings::pressureLimitPair(PressureLimits limits) {
+QPair<double, double> CorvidaSettings::pressureLimitPair(PressureLimits limits)
+{
     // The pair is spelled out in the key itself: "Pressure_200_50".
     const char *key = QMetaEnum::fromType<PressureLimits>().valueToKey(int(limits));
     const QStringList parts = QString::fromLatin1(key).split(QLatin1Char('_'));
@@ -27,7 +30,8 @@ QPair<double, double> CorvidaSettings::pressureLimitPair(PressureLimits limits) 
     return {parts[1].toDouble(), parts[2].toDouble()};
 }
 
-QPair<double, double> CorvidaSettings::pulseAxisRange(PulseAxisLimits limits) {
+QPair<double, double> CorvidaSettings::pulseAxisRange(PulseAxisLimits limits)
+{
     // "PulseAxis_0_600_m300": upper 0.600 (underscore for the decimal point), lower -0.300
     // (thousandths, sign left out).
     const QString key =
@@ -43,186 +47,229 @@ QPair<double, double> CorvidaSettings::pulseAxisRange(PulseAxisLimits limits) {
     return {lower, upper};
 }
 
-QString CorvidaSettings::languageName(CorvidaLanguage language) {
+QString CorvidaSettings::languageName(CorvidaLanguage language)
+{
     return QString::fromLatin1(QMetaEnum::fromType<CorvidaLanguage>().valueToKey(int(language)));
 }
 
-void CorvidaSettings::setLanguage(CorvidaSettings::CorvidaLanguage Language) {
+void CorvidaSettings::setLanguage(CorvidaSettings::CorvidaLanguage Language)
+{
     assign(m_Language, Language, &CorvidaSettings::changedLanguage, "Language");
 }
 
-void CorvidaSettings::setColorTheme(StyleColorTheme::ColorThemeEnum ColorTheme) {
+void CorvidaSettings::setColorTheme(StyleColorTheme::ColorThemeEnum ColorTheme)
+{
     assign(m_ColorTheme, ColorTheme, &CorvidaSettings::changedColorTheme, "ColorTheme");
 }
 
-void CorvidaSettings::setPressureLimit(CorvidaSettings::PressureLimits PressureLimit) {
+void CorvidaSettings::setPressureLimit(CorvidaSettings::PressureLimits PressureLimit)
+{
     assign(m_PressureLimit, PressureLimit, &CorvidaSettings::changedPressureLimit, "PressureLimit");
 }
 
-void CorvidaSettings::setVisualScale(CorvidaSettings::VisualScales VisualScale) {
+void CorvidaSettings::setVisualScale(CorvidaSettings::VisualScales VisualScale)
+{
     assign(m_VisualScale, VisualScale, &CorvidaSettings::changedVisualScale, "VisualScale");
 }
 
-void CorvidaSettings::setPulseAxisLimit(CorvidaSettings::PulseAxisLimits PulseAxisLimit) {
+void CorvidaSettings::setPulseAxisLimit(CorvidaSettings::PulseAxisLimits PulseAxisLimit)
+{
     assign(m_PulseAxisLimit, PulseAxisLimit, &CorvidaSettings::changedPulseAxisLimit,
            "PulseAxisLimit");
 }
 
-void CorvidaSettings::setStartFullscreen(bool StartFullscreen) {
+void CorvidaSettings::setStartFullscreen(bool StartFullscreen)
+{
     assign(m_StartFullscreen, StartFullscreen, &CorvidaSettings::changedStartFullscreen,
            "StartFullscreen");
 }
 
-void CorvidaSettings::setExportBehavior(CorvidaSettings::ExportBehaviorOption ExportBehavior) {
+void CorvidaSettings::setExportBehavior(CorvidaSettings::ExportBehaviorOption ExportBehavior)
+{
     assign(m_ExportBehavior, ExportBehavior, &CorvidaSettings::changedExportBehavior,
            "ExportBehavior");
 }
 
-void CorvidaSettings::setDatabaseSplitterRatio(double DatabaseSplitterRatio) {
+void CorvidaSettings::setDatabaseSplitterRatio(double DatabaseSplitterRatio)
+{
     assign(m_DatabaseSplitterRatio, DatabaseSplitterRatio,
            &CorvidaSettings::changedDatabaseSplitterRatio, "DatabaseSplitterRatio");
 }
 
-void CorvidaSettings::setPressurePPGSplitterRatio(double PressurePPGSplitterRatio) {
+void CorvidaSettings::setPressurePPGSplitterRatio(double PressurePPGSplitterRatio)
+{
     assign(m_PressurePPGSplitterRatio, PressurePPGSplitterRatio,
            &CorvidaSettings::changedPressurePPGSplitterRatio, "PressurePPGSplitterRatio");
 }
 
-void CorvidaSettings::setLastImportFolder(const QString &LastImportFolder) {
+void CorvidaSettings::setLastImportFolder(const QString &LastImportFolder)
+{
     assign(m_LastImportFolder, LastImportFolder, &CorvidaSettings::changedLastImportFolder,
            "LastImportFolder");
 }
 
-void CorvidaSettings::setLastExportFolder(const QString &LastExportFolder) {
+void CorvidaSettings::setLastExportFolder(const QString &LastExportFolder)
+{
     assign(m_LastExportFolder, LastExportFolder, &CorvidaSettings::changedLastExportFolder,
            "LastExportFolder");
 }
 
-void CorvidaSettings::setLastExportFilter(const QString &LastExportFilter) {
+void CorvidaSettings::setLastExportFilter(const QString &LastExportFilter)
+{
     assign(m_LastExportFilter, LastExportFilter, &CorvidaSettings::changedLastExportFilter,
            "LastExportFilter");
 }
 
-void CorvidaSettings::setLastExperimentPath(const QString &LastExperimentPath) {
+void CorvidaSettings::setLastExperimentPath(const QString &LastExperimentPath)
+{
     assign(m_LastExperimentPath, LastExperimentPath, &CorvidaSettings::changedLastExperimentPath,
            "LastExperimentPath");
 }
 
-void CorvidaSettings::setSortingColumn(qint32 SortingColumn) {
+void CorvidaSettings::setSortingColumn(qint32 SortingColumn)
+{
     assign(m_SortingColumn, SortingColumn, &CorvidaSettings::changedSortingColumn, "SortingColumn");
 }
 
-void CorvidaSettings::setSortingOrder(Qt::SortOrder SortingOrder) {
+void CorvidaSettings::setSortingOrder(Qt::SortOrder SortingOrder)
+{
     assign(m_SortingOrder, SortingOrder, &CorvidaSettings::changedSortingOrder, "SortingOrder");
 }
 
-void CorvidaSettings::setShowSuggestions(bool ShowSuggestions) {
+void CorvidaSettings::setShowSuggestions(bool ShowSuggestions)
+{
     assign(m_ShowSuggestions, ShowSuggestions, &CorvidaSettings::changedShowSuggestions,
            "ShowSuggestions");
 }
 
-void CorvidaSettings::setViewMode(CorvidaSettings::CorvidaViewMode ViewMode) {
+void CorvidaSettings::setViewMode(CorvidaSettings::CorvidaViewMode ViewMode)
+{
     assign(m_ViewMode, ViewMode, &CorvidaSettings::changedViewMode, "ViewMode");
 }
 
-void CorvidaSettings::setDebugMode(bool DebugMode) {
+void CorvidaSettings::setDebugMode(bool DebugMode)
+{
     assign(m_DebugMode, DebugMode, &CorvidaSettings::changedDebugMode, "DebugMode");
 }
 
-void CorvidaSettings::setUseVirtualCorvida(qint32 UseVirtualCorvida) {
+void CorvidaSettings::setUseVirtualCorvida(qint32 UseVirtualCorvida)
+{
     assign(m_UseVirtualCorvida, UseVirtualCorvida, &CorvidaSettings::changedUseVirtualCorvida,
            "UseVirtualCorvida");
 }
 
-void CorvidaSettings::setShowDisconnectedDevices(bool ShowDisconnectedDevices) {
+void CorvidaSettings::setShowDisconnectedDevices(bool ShowDisconnectedDevices)
+{
     assign(m_ShowDisconnectedDevices, ShowDisconnectedDevices,
            &CorvidaSettings::changedShowDisconnectedDevices, "ShowDisconnectedDevices");
 }
 
-void CorvidaSettings::setSaveRawData(bool SaveRawData) {
+void CorvidaSettings::setSaveRawData(bool SaveRawData)
+{
     assign(m_SaveRawData, SaveRawData, &CorvidaSettings::changedSaveRawData, "SaveRawData");
 }
 
-void CorvidaSettings::resetLanguage() {
+void CorvidaSettings::resetLanguage()
+{
     resetValue(QStringLiteral("Language"));
 }
 
-void CorvidaSettings::resetColorTheme() {
+void CorvidaSettings::resetColorTheme()
+{
     resetValue(QStringLiteral("ColorTheme"));
 }
 
-void CorvidaSettings::resetPressureLimit() {
+void CorvidaSettings::resetPressureLimit()
+{
     resetValue(QStringLiteral("PressureLimit"));
 }
 
-void CorvidaSettings::resetVisualScale() {
+void CorvidaSettings::resetVisualScale()
+{
     resetValue(QStringLiteral("VisualScale"));
 }
 
-void CorvidaSettings::resetPulseAxisLimit() {
+void CorvidaSettings::resetPulseAxisLimit()
+{
     resetValue(QStringLiteral("PulseAxisLimit"));
 }
 
-void CorvidaSettings::resetStartFullscreen() {
+void CorvidaSettings::resetStartFullscreen()
+{
     resetValue(QStringLiteral("StartFullscreen"));
 }
 
-void CorvidaSettings::resetExportBehavior() {
+void CorvidaSettings::resetExportBehavior()
+{
     resetValue(QStringLiteral("ExportBehavior"));
 }
 
-void CorvidaSettings::resetDatabaseSplitterRatio() {
+void CorvidaSettings::resetDatabaseSplitterRatio()
+{
     resetValue(QStringLiteral("DatabaseSplitterRatio"));
 }
 
-void CorvidaSettings::resetPressurePPGSplitterRatio() {
+void CorvidaSettings::resetPressurePPGSplitterRatio()
+{
     resetValue(QStringLiteral("PressurePPGSplitterRatio"));
 }
 
-void CorvidaSettings::resetLastImportFolder() {
+void CorvidaSettings::resetLastImportFolder()
+{
     resetValue(QStringLiteral("LastImportFolder"));
 }
 
-void CorvidaSettings::resetLastExportFolder() {
+void CorvidaSettings::resetLastExportFolder()
+{
     resetValue(QStringLiteral("LastExportFolder"));
 }
 
-void CorvidaSettings::resetLastExportFilter() {
+void CorvidaSettings::resetLastExportFilter()
+{
     resetValue(QStringLiteral("LastExportFilter"));
 }
 
-void CorvidaSettings::resetLastExperimentPath() {
+void CorvidaSettings::resetLastExperimentPath()
+{
     resetValue(QStringLiteral("LastExperimentPath"));
 }
 
-void CorvidaSettings::resetSortingColumn() {
+void CorvidaSettings::resetSortingColumn()
+{
     resetValue(QStringLiteral("SortingColumn"));
 }
 
-void CorvidaSettings::resetSortingOrder() {
+void CorvidaSettings::resetSortingOrder()
+{
     resetValue(QStringLiteral("SortingOrder"));
 }
 
-void CorvidaSettings::resetShowSuggestions() {
+void CorvidaSettings::resetShowSuggestions()
+{
     resetValue(QStringLiteral("ShowSuggestions"));
 }
 
-void CorvidaSettings::resetViewMode() {
+void CorvidaSettings::resetViewMode()
+{
     resetValue(QStringLiteral("ViewMode"));
 }
 
-void CorvidaSettings::resetDebugMode() {
+void CorvidaSettings::resetDebugMode()
+{
     resetValue(QStringLiteral("DebugMode"));
 }
 
-void CorvidaSettings::resetUseVirtualCorvida() {
+void CorvidaSettings::resetUseVirtualCorvida()
+{
     resetValue(QStringLiteral("UseVirtualCorvida"));
 }
 
-void CorvidaSettings::resetShowDisconnectedDevices() {
+void CorvidaSettings::resetShowDisconnectedDevices()
+{
     resetValue(QStringLiteral("ShowDisconnectedDevices"));
 }
 
-void CorvidaSettings::resetSaveRawData() {
+void CorvidaSettings::resetSaveRawData()
+{
     resetValue(QStringLiteral("SaveRawData"));
 }

@@ -8,7 +8,8 @@
 // The application's settings, kept in "Settings.xml" in the data folder: every user setting
 // and every remembered window value. Each property has get/set/reset operations and a change
 // signal carrying the new value; the settings page builds its editors from the hints below.
-class CorvidaSettings : public VTSettings {
+class CorvidaSettings : public VTSettings
+{
     Q_OBJECT
 public:
     // Cuff pressure of a measurement, "Pressure_<upper>_<lower>" in mmHg.

@@ -2,7 +2,8 @@
 
 CustomMetaDescription::CustomMetaDescription(const QString &name, QMetaType type,
                                              const QVariant &defaultValue, QObject *parent)
-    : AbstractMetaDescription(parent) {
+    : AbstractMetaDescription(parent)
+{
     m_name = name;
     m_metaType = type;
     m_value = QVariant(type);
@@ -13,7 +14,8 @@ CustomMetaDescription::CustomMetaDescription(const QString &name, QMetaType type
     }
 }
 
-void CustomMetaDescription::setHints(const QMap<QString, QString> &hints) {
+void CustomMetaDescription::setHints(const QMap<QString, QString> &hints)
+{
     const QVariant explicitDefault = m_default;
     m_hints = hints;
     interpretHints();
@@ -21,13 +23,15 @@ void CustomMetaDescription::setHints(const QMap<QString, QString> &hints) {
         m_default = explicitDefault;
 }
 
-void CustomMetaDescription::setHint(const QString &word, const QString &text) {
+void CustomMetaDescription::setHint(const QString &word, const QString &text)
+{
     QMap<QString, QString> h = m_hints;
     h.insert(word, text);
     setHints(h);
 }
 
-void CustomMetaDescription::setEnumerator(const QMetaEnum &enumerator) {
+void CustomMetaDescription::setEnumerator(const QMetaEnum &enumerator)
+{
     m_enumerator = enumerator;
     if (m_value.isValid() && m_metaType.flags() & QMetaType::IsEnumeration)
         return;
@@ -39,7 +43,8 @@ void CustomMetaDescription::setEnumerator(const QMetaEnum &enumerator) {
     }
 }
 
-bool CustomMetaDescription::writeValue(const QVariant &value) {
+bool CustomMetaDescription::writeValue(const QVariant &value)
+{
     if (value == m_value && value.metaType() == m_value.metaType())
         return true;
     m_value = value;

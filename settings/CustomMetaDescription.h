@@ -5,7 +5,8 @@
 // A setting that is no property of any object: the description keeps the value itself. Used
 // for values that are assembled at run time (for example one entry per connected device) but
 // are edited and stored like any other setting.
-class CustomMetaDescription : public AbstractMetaDescription {
+class CustomMetaDescription : public AbstractMetaDescription
+{
     Q_OBJECT
 public:
     // The value starts as the default when one is given, otherwise as the type's empty value.

@@ -1,9 +1,11 @@
 #include "settings/MetaDescription.h"
 
 MetaDescription::MetaDescription(QObject *parent)
-    : AbstractMetaDescription(parent) {}
+    : AbstractMetaDescription(parent)
+{}
 
-bool MetaDescription::set(int propertyIndex, QObject *object) {
+bool MetaDescription::set(int propertyIndex, QObject *object)
+{
     if (m_notifyConnection)
         disconnect(m_notifyConnection);
     m_object = object;
@@ -32,20 +34,24 @@ bool MetaDescription::set(int propertyIndex, QObject *object) {
     return true;
 }
 
-bool MetaDescription::isStored() const {
+bool MetaDescription::isStored() const
+{
     return m_property.isValid() && m_property.isStored() && m_property.isWritable() &&
            AbstractMetaDescription::isStored();
 }
 
-QVariant MetaDescription::readValue() const {
+QVariant MetaDescription::readValue() const
+{
     return m_object ? m_property.read(m_object) : QVariant();
 }
 
-bool MetaDescription::writeValue(const QVariant &value) {
+bool MetaDescription::writeValue(const QVariant &value)
+{
     return m_object && m_property.isWritable() && m_property.write(m_object, value);
 }
 
-QString MetaDescription::logName() const {
+QString MetaDescription::logName() const
+{
     return m_object ? QString::fromLatin1(m_object->metaObject()->className()) + QLatin1Char('.') +
                           m_name
                     : m_name;

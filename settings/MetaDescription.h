@@ -7,7 +7,8 @@
 
 // A setting that is a property of an object: the value lives in the object and is read and
 // written through the meta-object, so the object's own setter (with its change signal) runs.
-class MetaDescription : public AbstractMetaDescription {
+class MetaDescription : public AbstractMetaDescription
+{
     Q_OBJECT
 public:
     explicit MetaDescription(QObject *parent = nullptr);

@@ -3,9 +3,11 @@
 #include "settings/MetaDescription.h"
 
 MetaDescriptor::MetaDescriptor(QObject *parent)
-    : AbstractMetaDescriptor(parent) {}
+    : AbstractMetaDescriptor(parent)
+{}
 
-void MetaDescriptor::set(QObject *object) {
+void MetaDescriptor::set(QObject *object)
+{
     clear();
     m_item = object;
     if (!object)
@@ -20,21 +22,24 @@ void MetaDescriptor::set(QObject *object) {
     }
 }
 
-void MetaDescriptor::setItem(QObject *object) {
+void MetaDescriptor::setItem(QObject *object)
+{
     if (object == m_item && (object || m_items.isEmpty()))
         return;
     set(object);
     emit itemChanged(object);
 }
 
-QString MetaDescriptor::rootName() const {
+QString MetaDescriptor::rootName() const
+{
     if (!m_rootOverride.isEmpty())
         return m_rootOverride;
     return m_item ? QString::fromLatin1(m_item->metaObject()->className())
                   : AbstractMetaDescriptor::rootName();
 }
 
-void MetaDescriptor::clear() {
+void MetaDescriptor::clear()
+{
     AbstractMetaDescriptor::clear();
     m_item = nullptr;
 }

@@ -7,7 +7,8 @@
 // The settings of an object, read from its meta-object: one MetaDescription per property that
 // the object's classes declare (QObject's own objectName is not a setting), in declaration
 // order, with the object's class name as the root element of its file.
-class MetaDescriptor : public AbstractMetaDescriptor {
+class MetaDescriptor : public AbstractMetaDescriptor
+{
     Q_OBJECT
 public:
     explicit MetaDescriptor(QObject *parent = nullptr);

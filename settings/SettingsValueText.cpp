@@ -15,7 +15,8 @@
 
 namespace {
 
-QString floatText(float value) {
+QString floatText(float value)
+{
     // The shortest text that reads back to the same float; plain conversion through double would
     // write 0.1f as 0.10000000149011612.
     for (int precision = 6; precision < 9; ++precision) {
@@ -26,11 +27,13 @@ QString floatText(float value) {
     return QString::number(double(value), 'g', 9);
 }
 
-QString pairText(double a, double b) {
+QString pairText(double a, double b)
+{
     return QString::number(a, 'g', 6) + QLatin1Char(';') + QString::number(b, 'g', 6);
 }
 
-bool splitPair(const QString &text, QString *a, QString *b) {
+bool splitPair(const QString &text, QString *a, QString *b)
+{
     const QStringList parts = text.split(QLatin1Char(';'));
     if (parts.size() != 2)
         return false;
@@ -39,13 +42,15 @@ bool splitPair(const QString &text, QString *a, QString *b) {
     return true;
 }
 
-bool readInt(const QString &text, int *value) {
+bool readInt(const QString &text, int *value)
+{
     bool ok = false;
     *value = text.toInt(&ok);
     return ok;
 }
 
-bool readFinite(const QString &text, double *value) {
+bool readFinite(const QString &text, double *value)
+{
     bool ok = false;
     *value = text.toDouble(&ok);
     return ok && std::isfinite(*value);
@@ -53,7 +58,8 @@ bool readFinite(const QString &text, double *value) {
 
 // Whole numbers of every width, checked against the range of the target type so that a
 // hand-edited 300 does not wrap round in an unsigned char.
-QVariant integerFromText(const QString &text, QMetaType type, bool *ok) {
+QVariant integerFromText(const QString &text, QMetaType type, bool *ok)
+{
     const QString t = text.trimmed();
     bool good = false;
     QVariant result;
@@ -100,7 +106,8 @@ QVariant integerFromText(const QString &text, QMetaType type, bool *ok) {
     return good ? result : QVariant();
 }
 
-QVariant jsonFromText(const QString &text, bool wantObject, bool *ok) {
+QVariant jsonFromText(const QString &text, bool wantObject, bool *ok)
+{
     if (text.trimmed().isEmpty()) {
         *ok = true;
         return wantObject ? QVariant(QVariantMap()) : QVariant(QStringList());
@@ -123,7 +130,8 @@ QVariant jsonFromText(const QString &text, bool wantObject, bool *ok) {
 
 } // namespace
 
-bool SettingsValueText::isNumeric(QMetaType type) {
+bool SettingsValueText::isNumeric(QMetaType type)
+{
     switch (type.id()) {
     case QMetaType::Int:
     case QMetaType::UInt:
@@ -144,7 +152,8 @@ bool SettingsValueText::isNumeric(QMetaType type) {
     }
 }
 
-QString SettingsValueText::toText(const QVariant &value, const QMetaEnum &enumerator) {
+QString SettingsValueText::toText(const QVariant &value, const QMetaEnum &enumerator)
+{
     if (!value.isValid())
         return {};
     const QMetaType type = value.metaType();
@@ -211,7 +220,8 @@ QString SettingsValueText::toText(const QVariant &value, const QMetaEnum &enumer
 }
 
 bool SettingsValueText::enumValueFromText(const QString &text, const QMetaEnum &enumerator,
-                                          int *value) {
+                                          int *value)
+{
     if (!enumerator.isValid())
         return false;
     const QString t = text.trimmed();
@@ -252,7 +262,8 @@ bool SettingsValueText::enumValueFromText(const QString &text, const QMetaEnum &
 }
 
 QVariant SettingsValueText::fromText(const QString &text, QMetaType type,
-                                     const QMetaEnum &enumerator, bool *ok) {
+                                     const QMetaEnum &enumerator, bool *ok)
+{
     bool good = false;
     QVariant result;
     const QString t = text == emptyTextMarker() ? QString() : text;
@@ -379,7 +390,8 @@ QVariant SettingsValueText::fromText(const QString &text, QMetaType type,
 }
 
 QVariant SettingsValueText::convert(const QVariant &value, QMetaType type,
-                                    const QMetaEnum &enumerator, bool *ok) {
+                                    const QMetaEnum &enumerator, bool *ok)
+{
     if (value.metaType() == type && !(type.flags() & QMetaType::IsEnumeration)) {
         if (ok)
             *ok = true;

@@ -23,7 +23,8 @@
 // Two double-quote characters read as the empty text, because an empty class-information entry
 // could not be told from a missing one, and "QDateTime::currentDateTime" reads as the moment of
 // reading.
-class SettingsValueText {
+class SettingsValueText
+{
 public:
     static QString emptyTextMarker() { return QStringLiteral("\"\""); }
     static QString currentDateTimeMarker() { return QStringLiteral("QDateTime::currentDateTime"); }

@@ -2,9 +2,11 @@
 
 SettingsWithLanguage::SettingsWithLanguage(const QString &filePath, bool autoSave, QObject *parent,
                                            VTSettingsFormat format)
-    : VTSettings(filePath, autoSave, parent, format) {}
+    : VTSettings(filePath, autoSave, parent, format)
+{}
 
-void SettingsWithLanguage::setLanguage(const QString &language) {
+void SettingsWithLanguage::setLanguage(const QString &language)
+{
     if (m_Language == language)
         return;
     m_Language = language;
@@ -12,6 +14,7 @@ void SettingsWithLanguage::setLanguage(const QString &language) {
     changedProperty(QStringLiteral("Language"));
 }
 
-void SettingsWithLanguage::resetLanguage() {
+void SettingsWithLanguage::resetLanguage()
+{
     resetValue(QStringLiteral("Language"));
 }

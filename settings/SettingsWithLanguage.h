@@ -5,7 +5,8 @@
 // Settings that also remember the interface language, as a language name such as "en_US".
 // The editor offers the languages that have translations; the value stays empty until one is
 // chosen, so start-up can fall back to the system's language.
-class SettingsWithLanguage : public VTSettings {
+class SettingsWithLanguage : public VTSettings
+{
     Q_OBJECT
     Q_PROPERTY(QString Language READ getLanguage WRITE setLanguage RESET resetLanguage NOTIFY
                    changedLanguage)

@@ -13,13 +13,16 @@ VTSettings::VTSettings(const QString &filePath, bool autoSave, QObject *parent,
     : AbstractSettings(parent)
     , m_filePath(filePath)
     , m_autoSave(autoSave)
-    , m_format(format) {}
+    , m_format(format)
+{}
 
-VTSettings::~VTSettings() {
+VTSettings::~VTSettings()
+{
     delete m_descriptor;
 }
 
-MetaDescriptor *VTSettings::descriptor() const {
+MetaDescriptor *VTSettings::descriptor() const
+{
     // Built lazily: while a subclass is being constructed, metaObject() is still this class's.
     if (m_describedMeta != metaObject()) {
         if (!m_descriptor)
@@ -31,27 +34,31 @@ MetaDescriptor *VTSettings::descriptor() const {
     return m_descriptor;
 }
 
-void VTSettings::setFilepath(const QString &filePath) {
+void VTSettings::setFilepath(const QString &filePath)
+{
     if (filePath == m_filePath)
         return;
     m_filePath = filePath;
     emit filePathChanged(m_filePath);
 }
 
-bool VTSettings::saveAs(const QString &filePath) {
+bool VTSettings::saveAs(const QString &filePath)
+{
     if (filePath.isEmpty())
         return false;
     return m_format == JSON ? descriptor()->saveToJsonFile(filePath) : descriptor()->save(filePath);
 }
 
-bool VTSettings::save() {
+bool VTSettings::save()
+{
     if (!saveAs(m_filePath))
         return false;
     emit saved();
     return true;
 }
 
-bool VTSettings::readFile() {
+bool VTSettings::readFile()
+{
     if (!QFile::exists(m_filePath)) {
         qDebug().noquote() << "SETTINGS: no file" << m_filePath << "yet; current values stay";
         return true;
@@ -80,7 +87,8 @@ bool VTSettings::readFile() {
     return false;
 }
 
-bool VTSettings::reload() {
+bool VTSettings::reload()
+{
     if (m_filePath.isEmpty())
         return false;
     ++m_reloading;
@@ -90,14 +98,16 @@ bool VTSettings::reload() {
     return true;
 }
 
-void VTSettings::loadDefaults() {
+void VTSettings::loadDefaults()
+{
     // Counts as reading: the defaults must not be written over a file that is about to be read.
     ++m_reloading;
     descriptor()->defaults();
     --m_reloading;
 }
 
-void VTSettings::changedProperty(const QString &name) {
+void VTSettings::changedProperty(const QString &name)
+{
     if (AbstractMetaDescription *d = descriptor()->propertyByName(name))
         d->markValueSet();
     emit propertyChanged(name);
@@ -108,47 +118,57 @@ void VTSettings::changedProperty(const QString &name) {
     emit saved();
 }
 
-QVariant VTSettings::getValue(const QString &name) const {
+QVariant VTSettings::getValue(const QString &name) const
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     return d ? d->getValue() : QVariant();
 }
 
-bool VTSettings::setValue(const QString &name, const QVariant &value) {
+bool VTSettings::setValue(const QString &name, const QVariant &value)
+{
     return descriptor()->setValue(name, value);
 }
 
-QString VTSettings::getTextValue(const QString &name) const {
+QString VTSettings::getTextValue(const QString &name) const
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     return d ? d->textValue() : QString();
 }
 
-bool VTSettings::setTextValue(const QString &name, const QString &text) {
+bool VTSettings::setTextValue(const QString &name, const QString &text)
+{
     return descriptor()->setTextValue(name, text);
 }
 
-bool VTSettings::resetValue(const QString &name) {
+bool VTSettings::resetValue(const QString &name)
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     return d && d->resetValue();
 }
 
-QStringList VTSettings::getPropertiesNames() const {
+QStringList VTSettings::getPropertiesNames() const
+{
     return descriptor()->names();
 }
 
-AbstractMetaDescription *VTSettings::getPropertyByName(const QString &name) const {
+AbstractMetaDescription *VTSettings::getPropertyByName(const QString &name) const
+{
     return descriptor()->propertyByName(name);
 }
 
-bool VTSettings::containsProperty(const QString &name) const {
+bool VTSettings::containsProperty(const QString &name) const
+{
     return descriptor()->propertyByName(name) != nullptr;
 }
 
-bool VTSettings::isPropertySet(const QString &name) const {
+bool VTSettings::isPropertySet(const QString &name) const
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     return d && (!d->noDefault() || d->isValueSet());
 }
 
-bool VTSettings::isPropertyVisible(const QString &name) const {
+bool VTSettings::isPropertyVisible(const QString &name) const
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     if (!d || d->isNotVisible())
         return false;
@@ -165,7 +185,8 @@ bool VTSettings::isPropertyVisible(const QString &name) const {
     return bound->textValue() == wantedText;
 }
 
-QVariantMap VTSettings::getPropertyCapabilities(const QString &name) const {
+QVariantMap VTSettings::getPropertyCapabilities(const QString &name) const
+{
     AbstractMetaDescription *d = descriptor()->propertyByName(name);
     if (!d)
         return {};
@@ -174,14 +195,16 @@ QVariantMap VTSettings::getPropertyCapabilities(const QString &name) const {
     return caps;
 }
 
-QVariantList VTSettings::getAllCapabilities() const {
+QVariantList VTSettings::getAllCapabilities() const
+{
     QVariantList list;
     for (const QString &name : getPropertiesNames())
         list.append(getPropertyCapabilities(name));
     return list;
 }
 
-QJsonArray VTSettings::getAllCapabilitiesJson() const {
+QJsonArray VTSettings::getAllCapabilitiesJson() const
+{
     QJsonArray array;
     for (const QString &name : getPropertiesNames()) {
         QVariantMap caps = getPropertyCapabilities(name);
@@ -199,6 +222,7 @@ QJsonArray VTSettings::getAllCapabilitiesJson() const {
     return array;
 }
 
-QString VTSettings::getClassName() const {
+QString VTSettings::getClassName() const
+{
     return QString::fromLatin1(metaObject()->className());
 }

@@ -17,7 +17,8 @@ class MetaDescriptor;
 //
 // The descriptions are built on first use from the object's most derived meta-object, so a
 // subclass constructor may call loadDefaults() and reload() once its own members are set up.
-class VTSettings : public AbstractSettings {
+class VTSettings : public AbstractSettings
+{
     Q_OBJECT
 public:
     enum VTSettingsFormat { XML = 0, JSON = 1 };

@@ -1,7 +1,8 @@
 #include "settings/VisibleBoundRule.h"
 
 namespace {
-bool isPropertyName(const QString &name) {
+bool isPropertyName(const QString &name)
+{
     if (name.isEmpty() || name[0].isDigit())
         return false;
     for (const QChar c : name)
@@ -11,7 +12,8 @@ bool isPropertyName(const QString &name) {
 }
 } // namespace
 
-VisibleBoundRule VisibleBoundRule::parse(const QString &text, bool *ok) {
+VisibleBoundRule VisibleBoundRule::parse(const QString &text, bool *ok)
+{
     VisibleBoundRule rule;
     const QString t = text.trimmed();
     if (t.isEmpty()) {
@@ -35,6 +37,7 @@ VisibleBoundRule VisibleBoundRule::parse(const QString &text, bool *ok) {
     return rule;
 }
 
-QString VisibleBoundRule::toText() const {
+QString VisibleBoundRule::toText() const
+{
     return isValid() ? m_property + QLatin1Char(':') + m_value : QString();
 }

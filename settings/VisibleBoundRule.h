@@ -5,7 +5,8 @@
 // "Property:value": show a setting only while another setting holds the given value, as in
 // "DebugMode:true". The value is compared after conversion to the other property's type, so
 // "true", "True" and "1" mean the same for a boolean.
-class VisibleBoundRule {
+class VisibleBoundRule
+{
 public:
     VisibleBoundRule() = default;
 

@@ -13,7 +13,8 @@
 
 namespace {
 
-QMetaMethod signalNamed(const QObject &object, const QByteArray &name) {
+QMetaMethod signalNamed(const QObject &object, const QByteArray &name)
+{
     const QMetaObject *meta = object.metaObject();
     for (int i = 0; i < meta->methodCount(); ++i)
         if (meta->method(i).methodType() == QMetaMethod::Signal && meta->method(i).name() == name)
@@ -21,12 +22,14 @@ QMetaMethod signalNamed(const QObject &object, const QByteArray &name) {
     return {};
 }
 
-QByteArray readFile(const QString &path) {
+QByteArray readFile(const QString &path)
+{
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void writeFile(const QString &path, const QByteArray &bytes) {
+void writeFile(const QString &path, const QByteArray &bytes)
+{
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(bytes);
@@ -34,7 +37,8 @@ void writeFile(const QString &path, const QByteArray &bytes) {
 
 } // namespace
 
-class CorvidaSettingsTest : public QObject {
+class CorvidaSettingsTest : public QObject
+{
     Q_OBJECT
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
@@ -56,7 +60,8 @@ private:
     QTemporaryDir m_dir;
 };
 
-void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt_data() {
+void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt_data()
+{
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("defaultText");
     QTest::addColumn<QString>("otherText");
@@ -87,7 +92,8 @@ void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt_data() {
         QTest::newRow(row[0]) << row[0] << row[1] << row[2];
 }
 
-void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt() {
+void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt()
+{
     QFETCH(QString, name);
     QFETCH(QString, defaultText);
     QFETCH(QString, otherText);
@@ -110,7 +116,8 @@ void CorvidaSettingsTest::resetRestoresTheDefaultAndAnnouncesIt() {
     QVERIFY2(readFile(path).contains(element.toUtf8()), qPrintable(element));
 }
 
-void CorvidaSettingsTest::writtenFileHasOneIndentedElementPerSetting() {
+void CorvidaSettingsTest::writtenFileHasOneIndentedElementPerSetting()
+{
     const QString path = m_dir.filePath(QStringLiteral("Settings.xml"));
     CorvidaSettings settings(path);
     settings.setDebugMode(true);
@@ -141,7 +148,8 @@ void CorvidaSettingsTest::writtenFileHasOneIndentedElementPerSetting() {
     QCOMPARE(QString::fromUtf8(readFile(path)), QString::fromUtf8(expected));
 }
 
-void CorvidaSettingsTest::languageStaysUnsetUntilChosen() {
+void CorvidaSettingsTest::languageStaysUnsetUntilChosen()
+{
     const QString path = m_dir.filePath(QStringLiteral("language.xml"));
     writeFile(path, "<CorvidaSettings><PressureLimit>Pressure_160_40</PressureLimit>"
                     "</CorvidaSettings>");
@@ -165,7 +173,8 @@ void CorvidaSettingsTest::languageStaysUnsetUntilChosen() {
     QCOMPARE(again.getLanguage(), CorvidaSettings::CorvidaLanguage::en_US);
 }
 
-void CorvidaSettingsTest::fileOfAnotherVersionKeepsWhatItCanRead() {
+void CorvidaSettingsTest::fileOfAnotherVersionKeepsWhatItCanRead()
+{
     const QString path = m_dir.filePath(QStringLiteral("older.xml"));
     const QByteArray content = "<?xml version=\"1.0\"?>\n<CorvidaSettings>\n"
                                "<Language>ru_RU</Language>\n"
@@ -189,7 +198,8 @@ void CorvidaSettingsTest::fileOfAnotherVersionKeepsWhatItCanRead() {
     QCOMPARE(readFile(path), content); // loading alone writes nothing
 }
 
-void CorvidaSettingsTest::hintsOfTheSettingsPage_data() {
+void CorvidaSettingsTest::hintsOfTheSettingsPage_data()
+{
     QTest::addColumn<QString>("property");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QVariant>("expected");
@@ -210,7 +220,8 @@ void CorvidaSettingsTest::hintsOfTheSettingsPage_data() {
     row("SaveRawData", "editable", true);
 }
 
-void CorvidaSettingsTest::hintsOfTheSettingsPage() {
+void CorvidaSettingsTest::hintsOfTheSettingsPage()
+{
     QFETCH(QString, property);
     QFETCH(QString, key);
     QFETCH(QVariant, expected);
@@ -218,7 +229,8 @@ void CorvidaSettingsTest::hintsOfTheSettingsPage() {
     QCOMPARE(settings.getPropertyCapabilities(property).value(key), expected);
 }
 
-void CorvidaSettingsTest::debugSettingsAreShownOnlyInDebugMode() {
+void CorvidaSettingsTest::debugSettingsAreShownOnlyInDebugMode()
+{
     CorvidaSettings settings;
     const QStringList debugOnly = {"DebugMode", "UseVirtualCorvida", "ShowDisconnectedDevices",
                                    "SaveRawData"};
@@ -238,7 +250,8 @@ void CorvidaSettingsTest::debugSettingsAreShownOnlyInDebugMode() {
              QStringLiteral(":/resources/images/tabs_view.svg"));
 }
 
-void CorvidaSettingsTest::virtualDeviceCountOutsideItsRangeIsRefused() {
+void CorvidaSettingsTest::virtualDeviceCountOutsideItsRangeIsRefused()
+{
     CorvidaSettings settings;
     QVERIFY(settings.setValue(QStringLiteral("UseVirtualCorvida"), 4));
     QVERIFY(!settings.setValue(QStringLiteral("UseVirtualCorvida"), 5));
@@ -246,7 +259,8 @@ void CorvidaSettingsTest::virtualDeviceCountOutsideItsRangeIsRefused() {
     QCOMPARE(settings.getUseVirtualCorvida(), 4);
 }
 
-void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure_data() {
+void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure_data()
+{
     QTest::addColumn<CorvidaSettings::PressureLimits>("key");
     QTest::addColumn<double>("upper");
     QTest::addColumn<double>("lower");
@@ -259,7 +273,8 @@ void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure_data() {
     QTest::newRow("100/25") << P::Pressure_100_25 << 100.0 << 25.0;
 }
 
-void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure() {
+void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure()
+{
     QFETCH(CorvidaSettings::PressureLimits, key);
     QFETCH(double, upper);
     QFETCH(double, lower);
@@ -268,7 +283,8 @@ void CorvidaSettingsTest::pressureLimitKeyGivesUpperAndLowerPressure() {
     QCOMPARE(pair.second, lower);
 }
 
-void CorvidaSettingsTest::pulseAxisKeyGivesItsRange_data() {
+void CorvidaSettingsTest::pulseAxisKeyGivesItsRange_data()
+{
     QTest::addColumn<CorvidaSettings::PulseAxisLimits>("key");
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
@@ -282,7 +298,8 @@ void CorvidaSettingsTest::pulseAxisKeyGivesItsRange_data() {
     QTest::newRow("0.2/-0.1") << A::PulseAxis_0_200_m100 << -0.1 << 0.2;
 }
 
-void CorvidaSettingsTest::pulseAxisKeyGivesItsRange() {
+void CorvidaSettingsTest::pulseAxisKeyGivesItsRange()
+{
     QFETCH(CorvidaSettings::PulseAxisLimits, key);
     QFETCH(double, lower);
     QFETCH(double, upper);

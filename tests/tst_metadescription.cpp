@@ -10,7 +10,8 @@
 #include <QTest>
 
 // Hints a developer could get wrong: they must be reported, not trusted.
-class BadHints : public VTSettings {
+class BadHints : public VTSettings
+{
     Q_OBJECT
     Q_PROPERTY(int Level MEMBER m_Level NOTIFY changedLevel)
     Q_CLASSINFO("LevelDefault", "high")
@@ -24,7 +25,8 @@ private:
     int m_Level = 2;
 };
 
-class MetaDescriptionTest : public QObject {
+class MetaDescriptionTest : public QObject
+{
     Q_OBJECT
 private slots:
     void hintsReachTheCapabilities_data();
@@ -43,7 +45,8 @@ private slots:
     void setItemAnnouncesTheNewItem();
 };
 
-void MetaDescriptionTest::hintsReachTheCapabilities_data() {
+void MetaDescriptionTest::hintsReachTheCapabilities_data()
+{
     QTest::addColumn<QString>("property");
     QTest::addColumn<QString>("key");
     QTest::addColumn<QVariant>("expected");
@@ -83,7 +86,8 @@ void MetaDescriptionTest::hintsReachTheCapabilities_data() {
     row("Transient", "stored", false);
 }
 
-void MetaDescriptionTest::hintsReachTheCapabilities() {
+void MetaDescriptionTest::hintsReachTheCapabilities()
+{
     QFETCH(QString, property);
     QFETCH(QString, key);
     QFETCH(QVariant, expected);
@@ -93,7 +97,8 @@ void MetaDescriptionTest::hintsReachTheCapabilities() {
     QCOMPARE(caps.value(key), expected);
 }
 
-void MetaDescriptionTest::enumerationKeysCarryTheirIcons() {
+void MetaDescriptionTest::enumerationKeysCarryTheirIcons()
+{
     SampleSettings settings;
     const QVariantList keys =
         settings.getPropertyCapabilities(QStringLiteral("Kind")).value("enumKeys").toList();
@@ -112,7 +117,8 @@ void MetaDescriptionTest::enumerationKeysCarryTheirIcons() {
     QCOMPARE(choices[1].toMap().value("key").toString(), QStringLiteral("clinic"));
 }
 
-void MetaDescriptionTest::declaredPropertiesAreDescribedInOrder() {
+void MetaDescriptionTest::declaredPropertiesAreDescribedInOrder()
+{
     SampleSettings settings;
     const QStringList expected = {"Language", "Flag",   "Count",    "Ratio", "Gain", "Name",
                                   "Owner",    "Tint",   "Order",    "Kind",  "Blob", "Extent",
@@ -124,7 +130,8 @@ void MetaDescriptionTest::declaredPropertiesAreDescribedInOrder() {
     QVERIFY(!settings.containsProperty(QStringLiteral("objectName")));
 }
 
-void MetaDescriptionTest::visibleBoundRuleIsParsed_data() {
+void MetaDescriptionTest::visibleBoundRuleIsParsed_data()
+{
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("ok");
     QTest::addColumn<QString>("property");
@@ -149,7 +156,8 @@ void MetaDescriptionTest::visibleBoundRuleIsParsed_data() {
                                            << "";
 }
 
-void MetaDescriptionTest::visibleBoundRuleIsParsed() {
+void MetaDescriptionTest::visibleBoundRuleIsParsed()
+{
     QFETCH(QString, text);
     QFETCH(bool, ok);
     QFETCH(QString, property);
@@ -162,7 +170,8 @@ void MetaDescriptionTest::visibleBoundRuleIsParsed() {
     QCOMPARE(rule.value(), value);
 }
 
-void MetaDescriptionTest::visibilityFollowsTheBoundSetting_data() {
+void MetaDescriptionTest::visibilityFollowsTheBoundSetting_data()
+{
     QTest::addColumn<QString>("bound");
     QTest::addColumn<QVariant>("boundValue");
     QTest::addColumn<QString>("property");
@@ -177,7 +186,8 @@ void MetaDescriptionTest::visibilityFollowsTheBoundSetting_data() {
     QTest::newRow("no rule") << "Flag" << QVariant(false) << "Count" << true;
 }
 
-void MetaDescriptionTest::visibilityFollowsTheBoundSetting() {
+void MetaDescriptionTest::visibilityFollowsTheBoundSetting()
+{
     QFETCH(QString, bound);
     QFETCH(QVariant, boundValue);
     QFETCH(QString, property);
@@ -188,7 +198,8 @@ void MetaDescriptionTest::visibilityFollowsTheBoundSetting() {
     QCOMPARE(settings.getPropertyCapabilities(property).value("visible").toBool(), visible);
 }
 
-void MetaDescriptionTest::unreadableHintsAreLoggedAndIgnored() {
+void MetaDescriptionTest::unreadableHintsAreLoggedAndIgnored()
+{
     BadHints settings;
     LogCapture log;
     QCOMPARE(settings.getPropertiesNames(), QStringList{"Level"});
@@ -201,7 +212,8 @@ void MetaDescriptionTest::unreadableHintsAreLoggedAndIgnored() {
     QCOMPARE(settings.getValue(QStringLiteral("Level")).toInt(), 2);
 }
 
-void MetaDescriptionTest::descriptionFollowsThePropertyChangeSignal() {
+void MetaDescriptionTest::descriptionFollowsThePropertyChangeSignal()
+{
     SampleSettings settings;
     AbstractMetaDescription *count = settings.getPropertyByName(QStringLiteral("Count"));
     QSignalSpy spy(count, &AbstractMetaDescription::valueChanged);
@@ -214,7 +226,8 @@ void MetaDescriptionTest::descriptionFollowsThePropertyChangeSignal() {
     QCOMPARE(spy.count(), 1);
 }
 
-void MetaDescriptionTest::customDescriptionChecksAndKeepsItsValue() {
+void MetaDescriptionTest::customDescriptionChecksAndKeepsItsValue()
+{
     CustomMetaDescription threshold(QStringLiteral("Threshold"), QMetaType(QMetaType::Double), 1.5);
     threshold.setHints({{"Minimum", "0"}, {"Maximum", "10"}, {"Suffix", " mmHg"}});
     QCOMPARE(threshold.getValue().toDouble(), 1.5);
@@ -232,7 +245,8 @@ void MetaDescriptionTest::customDescriptionChecksAndKeepsItsValue() {
     QCOMPARE(threshold.capabilities().value("suffix").toString(), QStringLiteral(" mmHg"));
 }
 
-void MetaDescriptionTest::customDescriptionsMakeAFileOfTheirOwn() {
+void MetaDescriptionTest::customDescriptionsMakeAFileOfTheirOwn()
+{
     auto makeDescriptor = [](AbstractMetaDescriptor &descriptor) {
         descriptor.setRootName(QStringLiteral("Extra"));
         auto *order = new CustomMetaDescription(QStringLiteral("Order"),
@@ -263,7 +277,8 @@ void MetaDescriptionTest::customDescriptionsMakeAFileOfTheirOwn() {
     QCOMPARE(fromJson.getQVariantMap(), written.getQVariantMap());
 }
 
-void MetaDescriptionTest::capabilitiesAsJsonUseTheFileTextsForEnumerationsAndColours() {
+void MetaDescriptionTest::capabilitiesAsJsonUseTheFileTextsForEnumerationsAndColours()
+{
     SampleSettings settings;
     settings.loadDefaults();
     const QJsonArray all = settings.getAllCapabilitiesJson();
@@ -284,7 +299,8 @@ void MetaDescriptionTest::capabilitiesAsJsonUseTheFileTextsForEnumerationsAndCol
     QCOMPARE(count.value("maximum").toDouble(), 50.0);
 }
 
-void MetaDescriptionTest::setItemAnnouncesTheNewItem() {
+void MetaDescriptionTest::setItemAnnouncesTheNewItem()
+{
     SampleSettings first;
     BadHints second;
     MetaDescriptor descriptor;

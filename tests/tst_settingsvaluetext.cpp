@@ -10,12 +10,14 @@
 Q_DECLARE_METATYPE(QMetaEnum)
 
 namespace {
-QMetaEnum sortOrder() {
+QMetaEnum sortOrder()
+{
     return QMetaEnum::fromType<Qt::SortOrder>();
 }
 } // namespace
 
-class SettingsValueTextTest : public QObject {
+class SettingsValueTextTest : public QObject
+{
     Q_OBJECT
 private slots:
     void valueIsWrittenInItsFileFormAndReadBack_data();
@@ -27,7 +29,8 @@ private slots:
     void currentDateTimeMarkerReadsAsTheMomentOfReading();
 };
 
-void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack_data() {
+void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack_data()
+{
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<QMetaEnum>("enumerator");
     QTest::addColumn<QString>("text");
@@ -70,7 +73,8 @@ void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack_data() {
                                << true;
 }
 
-void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack() {
+void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack()
+{
     QFETCH(QVariant, value);
     QFETCH(QMetaEnum, enumerator);
     QFETCH(QString, text);
@@ -86,7 +90,8 @@ void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack() {
         QCOMPARE(SettingsValueText::toText(back, enumerator), text);
 }
 
-void SettingsValueTextTest::handWrittenTextsMeanTheirValue_data() {
+void SettingsValueTextTest::handWrittenTextsMeanTheirValue_data()
+{
     QTest::addColumn<QString>("text");
     QTest::addColumn<QVariant>("expected");
     QTest::addColumn<QMetaEnum>("enumerator");
@@ -110,7 +115,8 @@ void SettingsValueTextTest::handWrittenTextsMeanTheirValue_data() {
     QTest::newRow("empty byte array") << "" << QVariant(QByteArray()) << none;
 }
 
-void SettingsValueTextTest::handWrittenTextsMeanTheirValue() {
+void SettingsValueTextTest::handWrittenTextsMeanTheirValue()
+{
     QFETCH(QString, text);
     QFETCH(QVariant, expected);
     QFETCH(QMetaEnum, enumerator);
@@ -120,7 +126,8 @@ void SettingsValueTextTest::handWrittenTextsMeanTheirValue() {
     QCOMPARE(value, expected);
 }
 
-void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused_data() {
+void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused_data()
+{
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("type");
     QTest::addColumn<QMetaEnum>("enumerator");
@@ -148,7 +155,8 @@ void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused_data() {
     QTest::newRow("impossible date") << "2026-13-45T10:00:00" << int(QMetaType::QDateTime) << none;
 }
 
-void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused() {
+void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused()
+{
     QFETCH(QString, text);
     QFETCH(int, type);
     QFETCH(QMetaEnum, enumerator);
@@ -158,7 +166,8 @@ void SettingsValueTextTest::textsThatDoNotFitTheTypeAreRefused() {
     QVERIFY(!value.isValid());
 }
 
-void SettingsValueTextTest::currentDateTimeMarkerReadsAsTheMomentOfReading() {
+void SettingsValueTextTest::currentDateTimeMarkerReadsAsTheMomentOfReading()
+{
     const QDateTime before = QDateTime::currentDateTime();
     bool ok = false;
     const QDateTime read = SettingsValueText::fromText(QStringLiteral("QDateTime::currentDateTime"),

@@ -21,20 +21,23 @@ Q_DECLARE_METATYPE(VTSettings::VTSettingsFormat)
 
 namespace {
 
-void writeFile(const QString &path, const QByteArray &bytes) {
+void writeFile(const QString &path, const QByteArray &bytes)
+{
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(bytes);
 }
 
-QByteArray readFile(const QString &path) {
+QByteArray readFile(const QString &path)
+{
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // A value of every type that differs from the class defaults, so a setting that is not written
 // or not read back shows up as its default.
-QVariantMap unusualValues() {
+QVariantMap unusualValues()
+{
     return {
         {"Language", QStringLiteral("ru_RU")},
         {"Flag", false},
@@ -62,7 +65,8 @@ QVariantMap unusualValues() {
 } // namespace
 
 // Adds nothing to the settings, so its files should read as its base's.
-class SampleSettingsWhileRecording : public SampleSettings {
+class SampleSettingsWhileRecording : public SampleSettings
+{
     Q_OBJECT
 public:
     using SampleSettings::SampleSettings;
@@ -71,7 +75,8 @@ protected:
     QString rootElementName() const override { return QStringLiteral("SampleSettings"); }
 };
 
-class VTSettingsTest : public QObject {
+class VTSettingsTest : public QObject
+{
     Q_OBJECT
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
@@ -96,13 +101,15 @@ private:
     QTemporaryDir m_dir;
 };
 
-void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip_data() {
+void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip_data()
+{
     QTest::addColumn<VTSettings::VTSettingsFormat>("format");
     QTest::newRow("XML") << VTSettings::XML;
     QTest::newRow("JSON") << VTSettings::JSON;
 }
 
-void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip() {
+void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip()
+{
     QFETCH(VTSettings::VTSettingsFormat, format);
     const QString path = m_dir.filePath(QStringLiteral("roundtrip-%1").arg(int(format)));
     SampleSettings written(path, false, format);
@@ -124,7 +131,8 @@ void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip() {
     QVERIFY(!readFile(path).contains("Transient"));
 }
 
-void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan_data() {
+void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan_data()
+{
     QTest::addColumn<QString>("xml");
     QTest::addColumn<QString>("property");
     QTest::addColumn<QString>("expected");
@@ -165,7 +173,8 @@ void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan_data() {
                                         << "";
 }
 
-void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan() {
+void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan()
+{
     QFETCH(QString, xml);
     QFETCH(QString, property);
     QFETCH(QString, expected);
@@ -191,7 +200,8 @@ void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan() {
     QCOMPARE(readFile(path), xml.toUtf8());
 }
 
-void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply_data() {
+void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply_data()
+{
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("cut off after a value")
         << QByteArray("<?xml version=\"1.0\"?>\n<SampleSettings>\n<Count>9</Count>\n<Ratio>0.5");
@@ -202,7 +212,8 @@ void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply_data() {
     QTest::newRow("binary") << QByteArray("\x00\x01\x02\xff\xfe", 5);
 }
 
-void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply() {
+void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply()
+{
     QFETCH(QByteArray, content);
     const QString path = m_dir.filePath(QStringLiteral("damaged.xml"));
     QFile::remove(path + QStringLiteral(".bad"));
@@ -219,7 +230,8 @@ void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply() {
     QCOMPARE(log.count(QStringLiteral("cannot parse")), 1);
 }
 
-void VTSettingsTest::missingFileKeepsTheValues() {
+void VTSettingsTest::missingFileKeepsTheValues()
+{
     const QString path = m_dir.filePath(QStringLiteral("never-written.xml"));
     SampleSettings settings(path);
     settings.loadDefaults();
@@ -234,7 +246,8 @@ void VTSettingsTest::missingFileKeepsTheValues() {
     QVERIFY(!pathless.reload());
 }
 
-void VTSettingsTest::reloadDoesNotWriteTheFileBack() {
+void VTSettingsTest::reloadDoesNotWriteTheFileBack()
+{
     const QString path = m_dir.filePath(QStringLiteral("hand-made.xml"));
     const QByteArray content("<SampleSettings><Count>9</Count><Flag>false</Flag></SampleSettings>");
     writeFile(path, content);
@@ -251,7 +264,8 @@ void VTSettingsTest::reloadDoesNotWriteTheFileBack() {
     QCOMPARE(readFile(path), content);
 }
 
-void VTSettingsTest::automaticSavingWritesOncePerChange() {
+void VTSettingsTest::automaticSavingWritesOncePerChange()
+{
     const QString path = m_dir.filePath(QStringLiteral("autosave.xml"));
     SampleSettings settings(path, true);
     settings.loadDefaults();
@@ -285,7 +299,8 @@ void VTSettingsTest::automaticSavingWritesOncePerChange() {
     QCOMPARE(reader.getValue(QStringLiteral("Ratio")).toDouble(), 0.5);
 }
 
-void VTSettingsTest::savedIsEmittedEvenWithoutAPath() {
+void VTSettingsTest::savedIsEmittedEvenWithoutAPath()
+{
     const QString cwd = QDir::currentPath();
     QVERIFY(QDir::setCurrent(m_dir.path()));
     const QStringList before = QDir(m_dir.path()).entryList(QDir::Files);
@@ -298,7 +313,8 @@ void VTSettingsTest::savedIsEmittedEvenWithoutAPath() {
     QDir::setCurrent(cwd);
 }
 
-void VTSettingsTest::settingWithoutDefaultIsNotStoredUntilGivenAValue() {
+void VTSettingsTest::settingWithoutDefaultIsNotStoredUntilGivenAValue()
+{
     SampleSettings settings;
     settings.loadDefaults();
     QCOMPARE(settings.getTextValue(QStringLiteral("Owner")), QString());
@@ -318,7 +334,8 @@ void VTSettingsTest::settingWithoutDefaultIsNotStoredUntilGivenAValue() {
     QVERIFY(settings.descriptor()->saveAsXmlString().contains(QStringLiteral("<Owner>lab<")));
 }
 
-void VTSettingsTest::jsonErrorsMakeTheLoadFail_data() {
+void VTSettingsTest::jsonErrorsMakeTheLoadFail_data()
+{
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("error");
     QTest::newRow("not JSON") << QByteArray("Count: 9") << "Failed to create JSON doc.";
@@ -327,7 +344,8 @@ void VTSettingsTest::jsonErrorsMakeTheLoadFail_data() {
     QTest::newRow("empty object") << QByteArray("{}") << "JSON object is empty";
 }
 
-void VTSettingsTest::jsonErrorsMakeTheLoadFail() {
+void VTSettingsTest::jsonErrorsMakeTheLoadFail()
+{
     QFETCH(QByteArray, json);
     QFETCH(QString, error);
     SampleSettings settings;
@@ -345,7 +363,8 @@ void VTSettingsTest::jsonErrorsMakeTheLoadFail() {
     QCOMPARE(fromFile.getValue(QStringLiteral("Count")).toInt(), 7);
 }
 
-void VTSettingsTest::filePathChangedOnlyOnARealChange() {
+void VTSettingsTest::filePathChangedOnlyOnARealChange()
+{
     SampleSettings settings(QStringLiteral("a.xml"), false);
     QSignalSpy spy(&settings, &VTSettings::filePathChanged);
     settings.setFilepath(QStringLiteral("a.xml"));
@@ -357,7 +376,8 @@ void VTSettingsTest::filePathChangedOnlyOnARealChange() {
     QCOMPARE(settings.getFilepath(), m_dir.filePath(QStringLiteral("b.xml")));
 }
 
-void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase() {
+void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase()
+{
     const QString path = m_dir.filePath(QStringLiteral("recording.xml"));
     SampleSettingsWhileRecording recording(path, false);
     recording.setValue(QStringLiteral("Count"), 12);
@@ -371,7 +391,8 @@ void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase() {
     QCOMPARE(log.count(QStringLiteral("root element")), 0);
 }
 
-void VTSettingsTest::interruptedSaveLeavesThePreviousFileIntact() {
+void VTSettingsTest::interruptedSaveLeavesThePreviousFileIntact()
+{
 #ifndef Q_OS_UNIX
     QSKIP("needs fork and kill");
 #else

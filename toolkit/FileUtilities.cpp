@@ -3,7 +3,8 @@
 #include <QFile>
 #include <QSaveFile>
 
-bool FileUtilities::writeAtomically(const QString &path, const QByteArray &data, QString *error) {
+bool FileUtilities::writeAtomically(const QString &path, const QByteArray &data, QString *error)
+{
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         if (error)
@@ -24,7 +25,8 @@ bool FileUtilities::writeAtomically(const QString &path, const QByteArray &data,
     return true;
 }
 
-QString FileUtilities::keepAside(const QString &path, const QString &suffix) {
+QString FileUtilities::keepAside(const QString &path, const QString &suffix)
+{
     if (!QFile::exists(path))
         return {};
     const QString target = path + suffix;

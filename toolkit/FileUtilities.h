@@ -4,7 +4,8 @@
 #include <QString>
 
 // File helpers for data the user cares about.
-class FileUtilities {
+class FileUtilities
+{
 public:
     // Replaces the file with the given bytes through a temporary file in the same folder, so a
     // crash or a full disk leaves either the old file or the new one, never a mix. On failure

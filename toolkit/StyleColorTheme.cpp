@@ -1,6 +1,7 @@
 #include "toolkit/StyleColorTheme.h"
 
-QString StyleColorTheme::themeName(ColorThemeEnum theme) {
+QString StyleColorTheme::themeName(ColorThemeEnum theme)
+{
     switch (theme) {
     case Light:
         return QStringLiteral("light");

@@ -5,7 +5,8 @@
 
 // The colour themes of the interface. The widget style manager applies them; the enumeration
 // lives here, below the widgets, because the settings store it by key name.
-class StyleColorTheme {
+class StyleColorTheme
+{
     Q_GADGET
 public:
     // System follows the operating system's light or dark preference.

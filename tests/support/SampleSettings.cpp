@@ -3,7 +3,8 @@
 #include <QMetaProperty>
 
 SampleSettings::SampleSettings(const QString &filePath, bool autoSave, VTSettingsFormat format)
-    : SettingsWithLanguage(filePath, autoSave, nullptr, format) {
+    : SettingsWithLanguage(filePath, autoSave, nullptr, format)
+{
     const QMetaObject *meta = metaObject();
     const int slot = meta->indexOfSlot("anyPropertyChanged()");
     for (int i = SettingsWithLanguage::staticMetaObject.propertyCount(); i < meta->propertyCount();
@@ -11,7 +12,8 @@ SampleSettings::SampleSettings(const QString &filePath, bool autoSave, VTSetting
         QMetaObject::connect(this, meta->property(i).notifySignalIndex(), this, slot);
 }
 
-void SampleSettings::anyPropertyChanged() {
+void SampleSettings::anyPropertyChanged()
+{
     const QMetaObject *meta = metaObject();
     for (int i = 0; i < meta->propertyCount(); ++i)
         if (meta->property(i).notifySignalIndex() == senderSignalIndex())

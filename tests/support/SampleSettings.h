@@ -13,7 +13,8 @@
 // A settings class with one property of every type the store converts, and hints on several,
 // for tests of the store itself. Properties are plain members; every change signal is routed
 // to changedProperty, as a hand-written setter would do.
-class SampleSettings : public SettingsWithLanguage {
+class SampleSettings : public SettingsWithLanguage
+{
     Q_OBJECT
 public:
     enum class Mode { Alpha = 0, Beta = 1, Gamma = 5 };
