@@ -375,11 +375,10 @@ void ComCorvidaDevice::searchPort()
     const QList<SerialPortList::Entry> ports =
         m_portList ? m_portList() : QList<SerialPortList::Entry>();
     for (const SerialPortList::Entry &entry : ports) {
-        if (entry.description.contains(QLatin1String("Bluetooth")))
+        if (SerialPortList::isBluetooth(entry))
             continue;
         qDebug() << "FOUND PORT" << entry.portName << entry.description;
-        if (entry.description.contains(QLatin1String("STMicroelectronics")) ||
-            entry.description.contains(QLatin1String("BRENVATORIX CORVIDA"))) {
+        if (SerialPortList::describesUnit(entry)) {
             m_portName = entry.portName;
             qDebug() << "FOUND PORT" << m_portName;
             if (m_autoConnect)

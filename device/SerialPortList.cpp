@@ -18,3 +18,14 @@ SerialPortList::Source SerialPortList::fixed(const QList<Entry> &entries)
 {
     return [entries] { return entries; };
 }
+
+bool SerialPortList::isBluetooth(const Entry &entry)
+{
+    return entry.description.contains(QLatin1String("Bluetooth"));
+}
+
+bool SerialPortList::describesUnit(const Entry &entry)
+{
+    return entry.description.contains(QLatin1String("STMicroelectronics")) ||
+           entry.description.contains(QLatin1String("BRENVATORIX CORVIDA"));
+}

@@ -20,4 +20,9 @@ public:
     static Source system();
     // A fixed list, for tests and tools.
     static Source fixed(const QList<Entry> &entries);
+
+    // Bluetooth serial links are never units, whatever else their description says.
+    static bool isBluetooth(const Entry &entry);
+    // A unit shows up with its USB chip maker's name, or with our own product name.
+    static bool describesUnit(const Entry &entry);
 };
