@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
+#include <cmath>
 #include <edflib.h>
 
 namespace {
@@ -310,6 +311,9 @@ QByteArray EDFWriter::labelHeader(const QString &label) {
 }
 
 void EDFWriter::initCurrentFile() {
+    m_scale = QList<double>(m_signals, 0.0);
+    m_offset = QList<double>(m_signals, 0.0);
+    m_digital = QList<int>(m_samplesPerRecord, 0);
     for (int s = 0; s < m_signals; ++s) {
         const ChannelDim &channel = m_channels.at(s);
         double minimum = channel.physicalMinimum;
@@ -330,6 +334,10 @@ void EDFWriter::initCurrentFile() {
                                        channel.physicalDimension.toUtf8().constData()) == 0;
         if (!ok)
             qDebug() << "EDFWriter: the library refused the header of signal" << s;
+        // physical = (digital + offset) / scale, the linear map between the two ranges
+        const double scale = double(kDigitalMaximum - kDigitalMinimum) / (maximum - minimum);
+        m_scale[s] = std::isfinite(scale) ? scale : 0.0;
+        m_offset[s] = std::isfinite(scale) ? maximum * scale - kDigitalMaximum : 0.0;
     }
 }
 
@@ -354,9 +362,22 @@ void EDFWriter::writePatientInfo() {
 }
 
 void EDFWriter::writeRecord() {
-    double *rows = m_buffer.data();
+    const double *rows = m_buffer.constData();
+    int *digital = m_digital.data();
     for (int s = 0; s < m_signals; ++s) {
-        if (edfwrite_physical_samples(m_handle, rows + qsizetype(s) * m_samplesPerRecord) != 0) {
+        // The usual EDF scaling, made whole by rounding to the nearest step; converting here
+        // instead of in the library keeps every value within half a step of what was given.
+        const double *row = rows + qsizetype(s) * m_samplesPerRecord;
+        const double scale = m_scale.at(s);
+        const double offset = m_offset.at(s);
+        for (int i = 0; i < m_samplesPerRecord; ++i) {
+            const double d = std::round(row[i] * scale - offset);
+            digital[i] = d >= kDigitalMaximum   ? kDigitalMaximum
+                         : d <= kDigitalMinimum ? kDigitalMinimum
+                         : d == d               ? int(d)
+                                                : 0; // NaN
+        }
+        if (edfwrite_digital_samples(m_handle, digital) != 0) {
             // Once is enough: a full disk would otherwise log every second.
             if (!m_writeFailed)
                 qDebug() << "EDFWriter: the library could not write a data record to" << m_path;

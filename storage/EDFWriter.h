@@ -106,6 +106,10 @@ private:
     int m_samplesPerRecord = 0;
     bool m_bdf = false;
     QList<double> m_buffer;
+    // Per signal: digital = physical * scale - offset.
+    QList<double> m_scale;
+    QList<double> m_offset;
+    QList<int> m_digital;
     int m_filled = 0;
     qint64 m_records = 0;
     qint64 m_recordsOnDisk = 0;
