@@ -228,9 +228,7 @@ QList<double> EDFReader::getChannelData(int channel, qint64 start, int count) {
     const int wanted = int(std::clamp<qint64>(available, 0, count));
     if (wanted == 0)
         return values;
-    m_readBuffer.resize(wanted);
-    readSignal(channel, start, wanted, m_readBuffer.data());
-    std::copy(m_readBuffer.cbegin(), m_readBuffer.cend(), values.begin());
+    readSignal(channel, start, wanted, values.data());
     return values;
 }
 

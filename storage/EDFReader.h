@@ -95,5 +95,4 @@ private:
     PrefilterMap m_prefilter;
     MontagePtr m_montage;
     QList<edf_annotation_struct> m_annotations;
-    QList<double> m_readBuffer;
 };

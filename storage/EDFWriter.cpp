@@ -18,6 +18,19 @@ constexpr double kBdfPhysicalMinimum = -65536.0;
 constexpr double kBdfPhysicalMaximum = 65535.0;
 constexpr int kLabelBytes = 15;
 constexpr int kAnnotationSignals = 2;
+
+// The usual EDF scaling, made whole by rounding to the nearest step: converting here instead of
+// in the library keeps every value within half a step of what was given.
+void toDigital(const double *__restrict physical, int *__restrict digital, int count, double scale,
+               double offset) {
+    for (int i = 0; i < count; ++i) {
+        // Written so that NaN fails the first comparison and lands on the minimum.
+        const double x = physical[i] * scale - offset;
+        const double low = double(kDigitalMinimum) < x ? x : double(kDigitalMinimum);
+        const double clamped = low < double(kDigitalMaximum) ? low : double(kDigitalMaximum);
+        digital[i] = int(clamped + std::copysign(0.5, clamped));
+    }
+}
 } // namespace
 
 EDFWriter::EDFWriter(QObject *parent)
@@ -365,18 +378,8 @@ void EDFWriter::writeRecord() {
     const double *rows = m_buffer.constData();
     int *digital = m_digital.data();
     for (int s = 0; s < m_signals; ++s) {
-        // The usual EDF scaling, made whole by rounding to the nearest step; converting here
-        // instead of in the library keeps every value within half a step of what was given.
-        const double *row = rows + qsizetype(s) * m_samplesPerRecord;
-        const double scale = m_scale.at(s);
-        const double offset = m_offset.at(s);
-        for (int i = 0; i < m_samplesPerRecord; ++i) {
-            const double d = std::round(row[i] * scale - offset);
-            digital[i] = d >= kDigitalMaximum   ? kDigitalMaximum
-                         : d <= kDigitalMinimum ? kDigitalMinimum
-                         : d == d               ? int(d)
-                                                : 0; // NaN
-        }
+        toDigital(rows + qsizetype(s) * m_samplesPerRecord, digital, m_samplesPerRecord,
+                  m_scale.at(s), m_offset.at(s));
         if (edfwrite_digital_samples(m_handle, digital) != 0) {
             // Once is enough: a full disk would otherwise log every second.
             if (!m_writeFailed)
