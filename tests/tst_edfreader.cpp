@@ -89,6 +89,7 @@ private slots:
     void refusedFiles_data();
     void refusedFiles();
     void secondOpenIsRefused();
+    void tooManyOpenFilesIsOneLine();
     void readsOnClosedReaderOrMissingChannel();
     void fileDeletedWhileOpen();
     void collidingAnnotationOnsetsAllSurvive();
@@ -367,6 +368,23 @@ void TestEDFReader::secondOpenIsRefused() {
     QCOMPARE(log.count(QStringLiteral("EDFReader: file has already been opened")), 2);
     first.close();
     QVERIFY(second.open());
+}
+
+void TestEDFReader::tooManyOpenFilesIsOneLine() {
+    writeStandard(file("0.edf"));
+    std::vector<std::unique_ptr<EDFReader>> readers;
+    LogCapture log;
+    // The library keeps a fixed table of open files; well before 1000 one open must fail.
+    for (int i = 1; i < 1000 && log.lines().isEmpty(); ++i) {
+        const QString copy = file(QStringLiteral("%1.edf").arg(i));
+        QVERIFY(QFile::copy(file("0.edf"), copy));
+        readers.push_back(std::make_unique<EDFReader>(copy));
+        readers.back()->open();
+    }
+    QCOMPARE(log.lines(), QStringList{"EDFReader: to many files opened"});
+    QVERIFY(!readers.back()->isFileOpened());
+    readers.front()->close();
+    QVERIFY(readers.back()->open()); // a freed place can be taken again
 }
 
 void TestEDFReader::readsOnClosedReaderOrMissingChannel() {
