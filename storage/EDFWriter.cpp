@@ -18,6 +18,8 @@ constexpr double kBdfPhysicalMinimum = -65536.0;
 constexpr double kBdfPhysicalMaximum = 65535.0;
 constexpr int kLabelBytes = 15;
 constexpr int kAnnotationSignals = 2;
+// Far above any real recording, low enough that a wrong rate cannot eat the memory.
+constexpr qsizetype kMaxRecordSamples = 4'000'000;
 
 // The usual EDF scaling, made whole by rounding to the nearest step: converting here instead of
 // in the library keeps every value within half a step of what was given.
@@ -82,12 +84,14 @@ bool EDFWriter::open() {
         return false;
     }
     m_bdf = isFilenameBDF(m_path);
-    setInternalBuffSize(m_samplesPerRecord, unsigned(m_channels.size()));
-    if (m_signals < 1 || m_signals > EDFLIB_MAXSIGNALS || m_samplesPerRecord < 1) {
-        qDebug() << "EDFWriter: cannot record" << m_signals << "signals with" << m_samplesPerRecord
-                 << "samples per record";
+    const qsizetype signalCount = m_channels.size();
+    if (signalCount < 1 || signalCount > EDFLIB_MAXSIGNALS || m_samplesPerRecord < 1 ||
+        signalCount * m_samplesPerRecord > kMaxRecordSamples) {
+        qDebug() << "EDFWriter: cannot record" << signalCount << "signals with"
+                 << m_samplesPerRecord << "samples per record";
         return false;
     }
+    setInternalBuffSize(m_samplesPerRecord, unsigned(signalCount));
     m_records = 0;
     m_recordsOnDisk = 0;
     m_writeFailed = false;

@@ -50,6 +50,8 @@ private slots:
     void recordsAndRemainder();
     void startedTwiceThenStopped();
     void unwritablePathFailsSilently();
+    void impossibleLayoutIsRefused_data();
+    void impossibleLayoutIsRefused();
     void malformedBlocksAreDroppedWithOneLine_data();
     void malformedBlocksAreDroppedWithOneLine();
     void markClockStopsDuringPause();
@@ -285,6 +287,29 @@ void TestEDFWriter::unwritablePathFailsSilently() {
     writer.setPatientInfo(info);
     QCOMPARE(writer.getPatientName(), QStringLiteral("kept"));
     QCOMPARE(writer.addAnnotation(QStringLiteral("x"), 10, 0), -1);
+}
+
+void TestEDFWriter::impossibleLayoutIsRefused_data() {
+    QTest::addColumn<int>("signalCount");
+    QTest::addColumn<int>("samplesPerRecord");
+    QTest::newRow("no signals") << 0 << 100;
+    QTest::newRow("no samples") << 2 << 0;
+    QTest::newRow("negative samples") << 2 << -5;
+    QTest::newRow("absurd rate") << 6 << 100'000'000;
+    QTest::newRow("more signals than EDF allows") << 1000 << 10;
+}
+
+void TestEDFWriter::impossibleLayoutIsRefused() {
+    QFETCH(int, signalCount);
+    QFETCH(int, samplesPerRecord);
+    LogCapture log;
+    EDFWriter writer(file("i.edf"), QList<ChannelDim>(signalCount, ChannelDim("S")),
+                     samplesPerRecord);
+    QVERIFY(!writer.isOpen());
+    QCOMPARE(log.lines().size(), 1);
+    QVERIFY(!QFile::exists(file("i.edf")));
+    writer.writeData(QList<float>(100, 1.0f)); // ignored
+    QVERIFY(!writer.close(true));
 }
 
 void TestEDFWriter::malformedBlocksAreDroppedWithOneLine_data() {
