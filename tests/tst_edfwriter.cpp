@@ -1,5 +1,6 @@
 // The writer is checked against the bytes on disk, read by the published layout (EDFRawFile),
 // not through the library that wrote them.
+#include "storage/EDFReader.h"
 #include "storage/EDFWriter.h"
 #include "storage/Montage.h"
 #include "support/EDFRawFile.h"
@@ -360,6 +361,15 @@ void TestEDFWriter::markClockStopsDuringPause() {
     now += 500;
     QCOMPARE(writer.addAnnotation(QStringLiteral("now")), 6500);
     QCOMPARE(writer.addAnnotation(QStringLiteral("fixed"), 2500, -1), 2500);
+    // The library lays marks into the records' annotation slots, one per annotation signal and
+    // record; a one-record file would keep only two of these three.
+    writer.writeData(QList<float>(70, 1.0f));
+    QVERIFY(writer.close(true));
+
+    EDFReader reader(file("k.edf"));
+    QVERIFY(reader.open());
+    const QMap<qint64, QString> expected{{2500, "fixed"}, {6000, "mark"}, {6500, "now"}};
+    QCOMPARE(reader.getAnnotations(), expected);
 }
 
 void TestEDFWriter::markWithoutStartTimeIsRefused() {
