@@ -71,6 +71,13 @@ void CorvidaOnlineExperiment::updateData(const QList<QList<double>> &data)
     emit pulseCalculated(m_peakFinder->heartRate());
 }
 
+void CorvidaOnlineExperiment::releaseSeries()
+{
+    m_pressure = QList<double>();
+    m_pulse = QList<double>();
+    m_third = QList<double>();
+}
+
 void CorvidaOnlineExperiment::appendRaw(const QList<QList<double>> &blocks)
 {
     if (blocks.size() == m_raw.size()) {

@@ -22,6 +22,9 @@ public:
     void resetForNewRecording();
     // The unit's accumulated data: pressure, pulse and optionally a third series.
     void updateData(const QList<QList<double>> &data);
+    // Lets go of the shared series without announcing anything, so their owner can append to
+    // them without a copy; the next updateData hands them back.
+    void releaseSeries();
     // One block per raw channel; a different channel count starts the raw lists anew.
     void appendRaw(const QList<QList<double>> &blocks);
 
