@@ -104,12 +104,16 @@ void CorvidaExperiment::storeDBPTime(double DBPTime)
 
 void CorvidaExperiment::setSBPTime(double SBPTime)
 {
+    // Read the series first: reading ends in a recalculation that fills missing markers, and
+    // that must not overwrite the marker placed here.
+    ensureSeries();
     storeSBPTime(SBPTime);
     setSBP(pressureAt(SBPTime));
 }
 
 void CorvidaExperiment::setDBPTime(double DBPTime)
 {
+    ensureSeries();
     storeDBPTime(DBPTime);
     setDBP(pressureAt(DBPTime));
 }
@@ -168,10 +172,15 @@ double CorvidaExperiment::getSamplingRate()
     return m_samplingRate;
 }
 
-double CorvidaExperiment::pressureAt(double t)
+void CorvidaExperiment::ensureSeries()
 {
     if (m_pressure.isEmpty() || m_samplingRate == 0.0)
         loadSeries();
+}
+
+double CorvidaExperiment::pressureAt(double t)
+{
+    ensureSeries();
     return PeakFinder::valueAtTime(m_pressure, t, m_samplingRate);
 }
 

@@ -93,6 +93,9 @@ public:
     // the record is as it was, and `error` (when given) says why.
     bool save(const QString &folder, QString *error = nullptr);
 
+    // Writes the ".exp" file now (its path must be set); the ".edf" file is not touched.
+    bool saveProperties() { return VTSettings::save(); }
+
     // Finds the beats, the heart rate and the markers again. Markers that are set (both time and
     // pressure non-zero) are kept unless `reset` clears them first.
     void recalculate(bool reset);
@@ -153,6 +156,7 @@ private:
     void assign(T &member, const T &value, Signal signal, const char *name);
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
     void ensurePeakFinder();
+    void ensureSeries();
     void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
     bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
 

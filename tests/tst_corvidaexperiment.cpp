@@ -78,6 +78,7 @@ private slots:
     void bpText();
     void simulatedMeasurementGivesItsSystolicPressure();
     void manualMarkersSurviveRecalculation();
+    void markerPlacedBeforeSeriesAreReadIsKept();
     void resetClearsInOrderThenSetsThenAnnounces();
     void fewBeatsLeaveMarkersAlone();
     void exportTableRows();
@@ -285,6 +286,21 @@ void TestCorvidaExperiment::manualMarkersSurviveRecalculation()
     QCOMPARE(e.getSBPTime(), 4.5);
     QCOMPARE(e.getSBP(), manualSbp);
     QVERIFY(e.getDBPTime() > 0); // only the missing marker was filled in
+}
+
+void TestCorvidaExperiment::markerPlacedBeforeSeriesAreReadIsKept()
+{
+    // Placing a marker on a stored record reads its series, which recalculates and fills the
+    // missing markers: the placed one must win all the same.
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment live;
+    recordSimulatedMeasurement(live, 14);
+    QVERIFY(live.save(dir.path()));
+    CorvidaExperiment stored(live.getFilepath());
+    stored.setSBPTime(9.0);
+    QCOMPARE(stored.getSBPTime(), 9.0);
+    QCOMPARE(stored.getSBP(), stored.pressureAt(9.0));
+    QCOMPARE(CorvidaExperiment(live.getFilepath()).getSBPTime(), 9.0);
 }
 
 void TestCorvidaExperiment::resetClearsInOrderThenSetsThenAnnounces()
