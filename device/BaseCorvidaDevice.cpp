@@ -52,20 +52,26 @@ void BaseCorvidaDevice::processRawFrame(const RawFrame &frame)
     ProcessedFrame processed(3);
     for (int c = 0; c < 3; ++c) {
         const QList<double> &in = frame[sources[c]];
-        QList<float> &out = processed[c];
-        out.resize(in.size());
-        for (qsizetype i = 0; i < in.size(); ++i)
-            out[i] = float(in[i]);
+        const qsizetype n = in.size();
+        QList<float> &list = processed[c];
+        list.resize(n);
+        // Plain pointers: indexing a non-const list checks for sharing on every access.
+        float *out = list.data();
+        const double *src = in.constData();
+        for (qsizetype i = 0; i < n; ++i)
+            out[i] = float(src[i]);
         for (AbstractFilter *filter : std::as_const(m_filterChains[c]))
-            filter->Process(out.data(), int(out.size()));
+            filter->Process(out, int(n));
         if (c == Pressure) {
-            for (float &v : out)
-                v = float(v * m_slope - m_offset);
+            for (qsizetype i = 0; i < n; ++i)
+                out[i] = float(out[i] * m_slope - m_offset);
         } else if (c == Pulse) {
-            for (qsizetype i = 0; i < out.size(); ++i) {
-                const double d = dc.value(i);
-                out[i] = d > 0 ? float(out[i] * (kPulseScale / d)) : 0.0f;
-            }
+            const double *d = dc.constData();
+            const qsizetype withDc = std::min(n, dc.size());
+            for (qsizetype i = 0; i < withDc; ++i)
+                out[i] = d[i] > 0 ? float(out[i] * (kPulseScale / d[i])) : 0.0f;
+            for (qsizetype i = withDc; i < n; ++i)
+                out[i] = 0.0f;
         }
     }
     m_history.append(processed);
