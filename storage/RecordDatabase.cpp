@@ -157,20 +157,29 @@ bool RecordDatabase::reload(const Progress &progress)
         e.edfModified = edf.lastModified();
         e.expSize = exp.exists() ? exp.size() : -1;
         e.expModified = exp.exists() ? exp.lastModified() : QDateTime();
-        // The record reads its recording as "<base>.edf"; another spelling of the suffix it
-        // cannot find on a file system that minds case.
-        const bool recordingOk =
-            edf.fileName() == base + kEdf && recordingLooksReadable(e.edfPath, e.edfSize);
-        const bool propertiesOk = !exp.exists() || propertiesLookReadable(exp.absoluteFilePath());
-        e.damage =
-            !recordingOk ? Damage::Recording : (!propertiesOk ? Damage::Properties : Damage::None);
-
         const auto old = previous.constFind(e.edfPath);
-        if (old != previous.cend() && old->edfSize == e.edfSize &&
-            old->edfModified == e.edfModified) {
+        const bool sameRecording = old != previous.cend() && old->edfSize == e.edfSize &&
+                                   old->edfModified == e.edfModified;
+        const bool sameProperties =
+            sameRecording && old->expSize == e.expSize && old->expModified == e.expModified;
+        if (sameProperties) {
+            // Nothing changed since the last look: what was found then still holds.
+            e.damage = old->damage;
+        } else {
+            // The record reads its recording as "<base>.edf"; another spelling of the suffix
+            // it cannot find on a file system that minds case.
+            const bool recordingOk =
+                edf.fileName() == base + kEdf && recordingLooksReadable(e.edfPath, e.edfSize);
+            const bool propertiesOk =
+                !exp.exists() || propertiesLookReadable(exp.absoluteFilePath());
+            e.damage = !recordingOk ? Damage::Recording
+                                    : (!propertiesOk ? Damage::Properties : Damage::None);
+        }
+
+        if (sameRecording) {
             e.record = old->record;
             // Our own saves change the ".exp" file too; reading it again is harmless.
-            if (old->expSize != e.expSize || old->expModified != e.expModified)
+            if (!sameProperties)
                 e.record->reload();
         } else {
             e.record = new CorvidaExperiment(m_folder + QLatin1Char('/') + base + kExp, this);
@@ -302,31 +311,50 @@ QString RecordDatabase::recordName(const CorvidaExperiment *record)
     return path.isEmpty() ? QStringLiteral("?") : QFileInfo(basePath(path)).fileName();
 }
 
-bool RecordDatabase::lessThan(const Entry &a, const Entry &b, int column)
-{
-    if (column == PressureColumn) {
-        const double sa = a.record->getSBP();
-        const double sb = b.record->getSBP();
-        if (sa != sb)
-            return sa < sb;
-        return a.record->getDBP() < b.record->getDBP();
-    }
-    return naturalCompare(cellText(a.record, column), cellText(b.record, column)) < 0;
-}
-
 void RecordDatabase::sortEntries()
 {
+    // The texts are taken once per row rather than once per comparison.
+    struct Key {
+        QString text;
+        double sbp = 0.0;
+        double dbp = 0.0;
+        qsizetype index = 0;
+    };
     const int column = m_sortColumn;
+    QList<Key> keys(m_entries.size());
+    for (qsizetype i = 0; i < m_entries.size(); ++i) {
+        const CorvidaExperiment *r = m_entries[i].record;
+        keys[i].index = i;
+        if (column == PressureColumn) {
+            keys[i].sbp = r->getSBP();
+            keys[i].dbp = r->getDBP();
+        } else {
+            keys[i].text = cellText(r, column);
+        }
+    }
+    const auto compare = [column](const Key &a, const Key &b) {
+        if (column != PressureColumn)
+            return naturalCompare(a.text, b.text);
+        if (a.sbp != b.sbp)
+            return a.sbp < b.sbp ? -1 : 1;
+        if (a.dbp != b.dbp)
+            return a.dbp < b.dbp ? -1 : 1;
+        return 0;
+    };
     const bool descending = m_sortOrder == Qt::DescendingOrder;
+    const QList<Entry> &entries = m_entries;
     // Equal rows keep the order of their file names, so the list does not shuffle on reload.
-    std::sort(m_entries.begin(), m_entries.end(),
-              [column, descending](const Entry &a, const Entry &b) {
-                  if (lessThan(a, b, column))
-                      return !descending;
-                  if (lessThan(b, a, column))
-                      return descending;
-                  return a.edfPath < b.edfPath;
-              });
+    std::sort(keys.begin(), keys.end(), [&](const Key &a, const Key &b) {
+        const int c = compare(a, b);
+        if (c != 0)
+            return descending ? c > 0 : c < 0;
+        return entries[a.index].edfPath < entries[b.index].edfPath;
+    });
+    QList<Entry> sorted;
+    sorted.reserve(keys.size());
+    for (const Key &k : std::as_const(keys))
+        sorted << m_entries[k.index];
+    m_entries = sorted;
 }
 
 void RecordDatabase::sort(int column, Qt::SortOrder order)

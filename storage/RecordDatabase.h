@@ -118,7 +118,6 @@ private:
     };
 
     void sortEntries();
-    static bool lessThan(const Entry &a, const Entry &b, int column);
 
     QString m_folder;
     CorvidaSettings *m_settings = nullptr;
