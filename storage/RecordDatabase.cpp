@@ -425,6 +425,12 @@ RecordDatabase::ImportResult RecordDatabase::importRecords(const QStringList &fi
             result.failed << files[i];
             continue;
         }
+        // On Windows a copy keeps the source's read-only mark; one from a read-only medium would
+        // silently refuse every later edit of the rodent or comment.
+        for (const QString &copied : {target, targetExp}) {
+            if (QFile::exists(copied))
+                QFile::setPermissions(copied, QFile::permissions(copied) | QFile::WriteOwner);
+        }
         taken.insert(targetName.toLower());
         taken.insert((base + kExp).toLower());
         result.imported << target;
