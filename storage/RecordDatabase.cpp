@@ -463,6 +463,13 @@ bool RecordDatabase::removeRecords(const QStringList &paths, QString *error)
     QStringList failed;
     for (const QString &path : paths) {
         const QString base = basePath(QFileInfo(path).absoluteFilePath());
+        // Only records of this folder: a wrong path from a caller must not throw away a file
+        // that was never listed here.
+        if (QFileInfo(base).absolutePath() != QFileInfo(m_folder).absoluteFilePath()) {
+            qDebug().noquote() << "RECORDS: not in the records folder, not removed:" << path;
+            failed << path;
+            continue;
+        }
         // Without its recording the properties are no record; if the recording stays, they stay
         // with it.
         bool recordingGone = true;

@@ -272,9 +272,13 @@ void TestRecordDatabase::removeMovesBothFilesToTrash()
     QVERIFY(db.reload());
     QString error;
     const bool removed = db.removeRecords({full, folder + "/bare.exp"}, &error);
+    // A record of another folder is none of this list's business.
+    const bool foreignRemoved = db.removeRecords({m_recording});
     qputenv("HOME", oldHome);
     qputenv("XDG_DATA_HOME", oldData);
     QVERIFY2(removed, qPrintable(error));
+    QVERIFY(!foreignRemoved);
+    QVERIFY(QFile::exists(m_recording));
     QCOMPARE(db.count(), 1);
     QCOMPARE(db.edfPath(0), kept);
 
