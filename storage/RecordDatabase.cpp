@@ -49,6 +49,22 @@ bool recordingLooksReadable(const QString &path, qint64 size)
     return ok && signalCount > 0 && size >= qint64(EDFFixedHeader::kSize) * (signalCount + 1);
 }
 
+// The ".exp" file beside a recording, spelt in any case (files carried over from Windows often
+// are "NAME.EXP"); empty when there is none.
+QString companionOf(const QFileInfo &recording)
+{
+    const QString wanted = recording.completeBaseName() + kExp;
+    const QString exact = recording.absolutePath() + QLatin1Char('/') + wanted;
+    if (QFile::exists(exact))
+        return exact;
+    const QDir folder = recording.absoluteDir();
+    for (const QString &name : folder.entryList(QDir::Files | QDir::Hidden)) {
+        if (name.compare(wanted, Qt::CaseInsensitive) == 0)
+            return folder.filePath(name);
+    }
+    return QString();
+}
+
 // Texts as a person reads them: runs of digits by their value ("rat 9" before "rat 10"), the
 // rest without regard to case. The same for every language, so a list sorts alike everywhere.
 int naturalCompare(const QString &a, const QString &b)
@@ -406,12 +422,12 @@ RecordDatabase::ImportResult RecordDatabase::importRecords(const QStringList &fi
         // The record reads "<base>.edf", so the copy takes that spelling of the suffix.
         const QString targetName = base + kEdf;
         const QString target = m_folder + QLatin1Char('/') + targetName;
-        const QString sourceExp = source.absolutePath() + QLatin1Char('/') + sourceBase + kExp;
+        const QString sourceExp = companionOf(source);
         const QString targetExp = m_folder + QLatin1Char('/') + base + kExp;
 
         // The properties go first: the ".edf" file is what makes a record, and it should not
         // appear without them.
-        const bool withExp = QFile::exists(sourceExp);
+        const bool withExp = !sourceExp.isEmpty();
         if (withExp && !QFile::copy(sourceExp, targetExp)) {
             qDebug().noquote() << "RECORDS: cannot copy" << sourceExp << "to" << targetExp;
             result.failed << files[i];

@@ -73,7 +73,7 @@ void TestRecordDatabase::importNamesAndNotes_data()
     QTest::newRow("second time") << QStringList{"a.edf", "a.exp"} << "a.edf" << true << "a (2).edf";
     QTest::newRow("third time") << QStringList{"a.edf", "a.exp", "a (2).edf", "a (2).exp"}
                                 << "a.edf" << true << "a (3).edf";
-    QTest::newRow("upper-case name, lower-case file")
+    QTest::newRow("upper-case name and suffix")
         << QStringList{"a.edf"} << "A.EDF" << true << "A (2).edf";
     QTest::newRow("numbered name taken in another case")
         << QStringList{"a.edf", "A (2).EDF"} << "a.edf" << true << "a (3).edf";
@@ -98,8 +98,10 @@ void TestRecordDatabase::importNamesAndNotes()
     const QString chosenBase = chosenName.left(chosenName.size() - 4);
     QString chosenExp = m_recording;
     chosenExp.replace(QStringLiteral(".edf"), QStringLiteral(".exp"));
+    // The properties beside the chosen file are spelt in the chosen file's case.
+    const QString expSuffix = chosenName.endsWith(".EDF") ? ".EXP" : ".exp";
     if (withExp)
-        QVERIFY(QFile::copy(chosenExp, source.filePath(chosenBase + ".exp")));
+        QVERIFY(QFile::copy(chosenExp, source.filePath(chosenBase + expSuffix)));
 
     CorvidaSettings settings;
     RecordDatabase db(records.path(), &settings);
