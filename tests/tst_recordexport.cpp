@@ -19,14 +19,14 @@ QStringList filesIn(const QString &folder)
     return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-const RecordFiles::Spec kFirst = {QDateTime(QDate(2026, 11, 21), QTime(10, 0, 0)),
+const RecordFiles::Plan kFirst = {QDateTime(QDate(2026, 11, 21), QTime(10, 0, 0)),
                                   QStringLiteral("=1+1"),
                                   QStringLiteral("cage 4; left"),
                                   121.4,
                                   80.6,
                                   2.0,
                                   100.0};
-const RecordFiles::Spec kSecond = {QDateTime(QDate(2026, 11, 21), QTime(10, 5, 0)),
+const RecordFiles::Plan kSecond = {QDateTime(QDate(2026, 11, 21), QTime(10, 5, 0)),
                                    QStringLiteral("Крыса 2"),
                                    QString(),
                                    0,

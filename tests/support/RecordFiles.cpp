@@ -6,32 +6,32 @@
 #include <cmath>
 
 namespace RecordFiles {
-double pressureAt(const Spec &spec, int i)
+double pressureAt(const Plan &plan, int i)
 {
-    return 150.0 - i / spec.rate;
+    return 150.0 - i / plan.rate;
 }
 
-double pulseAt(const Spec &spec, int i)
+double pulseAt(const Plan &plan, int i)
 {
-    return 0.3 * std::sin(2.0 * M_PI * 5.0 * i / spec.rate);
+    return 0.3 * std::sin(2.0 * M_PI * 5.0 * i / plan.rate);
 }
 
-QString write(const QString &folder, const Spec &spec)
+QString write(const QString &folder, const Plan &plan)
 {
     CorvidaOnlineExperiment e;
-    const int n = int(spec.seconds * spec.rate);
+    const int n = int(plan.seconds * plan.rate);
     QList<double> pressure(n), pulse(n);
     for (int i = 0; i < n; ++i) {
-        pressure[i] = pressureAt(spec, i);
-        pulse[i] = pulseAt(spec, i);
+        pressure[i] = pressureAt(plan, i);
+        pulse[i] = pulseAt(plan, i);
     }
-    e.setSamplingRate(spec.rate);
+    e.setSamplingRate(plan.rate);
     e.updateData({pressure, pulse});
-    e.setStartDateTime(spec.start);
-    e.setRodent(spec.rodent);
-    e.setComment(spec.comment);
-    e.setSBP(spec.sbp);
-    e.setDBP(spec.dbp);
+    e.setStartDateTime(plan.start);
+    e.setRodent(plan.rodent);
+    e.setComment(plan.comment);
+    e.setSBP(plan.sbp);
+    e.setDBP(plan.dbp);
     QString error;
     if (!e.save(folder, &error))
         return QString();

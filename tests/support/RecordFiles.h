@@ -6,8 +6,8 @@
 // Records on disk for tests of the records folder: a real ".edf"/".exp" pair written the way the
 // program writes a measurement.
 namespace RecordFiles {
-struct Spec {
-    Spec(const QDateTime &start, const QString &rodent = {}, const QString &comment = {},
+struct Plan {
+    Plan(const QDateTime &start, const QString &rodent = {}, const QString &comment = {},
          double sbp = 0.0, double dbp = 0.0, double seconds = 2.0, double rate = 100.0)
         : start(start)
         , rodent(rodent)
@@ -28,9 +28,9 @@ struct Spec {
 
 // Pressure falls from 150 mmHg by 1 mmHg per second and the pulse is a 0.3 V sine at 5 Hz, so a
 // sample's values can be worked out by hand. Returns the ".edf" path, empty on failure.
-QString write(const QString &folder, const Spec &spec);
+QString write(const QString &folder, const Plan &plan);
 // The same recording as the pressure and pulse value of sample i.
-double pressureAt(const Spec &spec, int i);
-double pulseAt(const Spec &spec, int i);
+double pressureAt(const Plan &plan, int i);
+double pulseAt(const Plan &plan, int i);
 QByteArray readAll(const QString &path);
 } // namespace RecordFiles
