@@ -37,13 +37,8 @@ void setError(QString *error, const QString &text)
         *error = text;
 }
 
-struct Sheet {
-    QString name;
-    const XLSXTable *table;
-    QStringList comments; // per column of the first row
-};
-
-bool writeWorkbook(const QList<Sheet> &sheets, const QString &path, bool constantMemory,
+bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &source,
+                   const QList<QStringList> &comments, const QString &path, bool constantMemory,
                    QString *error)
 {
     const QString temporary = temporaryPathBeside(path);
@@ -64,19 +59,28 @@ bool writeWorkbook(const QList<Sheet> &sheets, const QString &path, bool constan
     }
     bool ok = true;
     QStringList taken;
-    for (const Sheet &s : sheets) {
-        const QString name = XLSXHelper::sheetName(s.name, taken);
+    for (int i = 0; i < names.size(); ++i) {
+        const QString name = XLSXHelper::sheetName(names[i], taken);
         taken << name;
+        XLSXTable table;
+        if (!source(i, &table)) {
+            setError(error,
+                     QStringLiteral("writing %1 stopped at the sheet \"%2\"").arg(path, name));
+            ok = false;
+            break;
+        }
         lxw_worksheet *sheet = workbook_add_worksheet(workbook, name.toUtf8().constData());
-        if (!sheet || !XLSXHelper::fillSheet(sheet, *s.table)) {
+        if (!sheet || !XLSXHelper::fillSheet(sheet, table)) {
             setError(error,
                      QStringLiteral("the sheet \"%1\" does not fit into a workbook").arg(name));
             ok = false;
             break;
         }
-        for (int c = 0; c < s.comments.size(); ++c) {
-            if (!s.comments[c].isEmpty())
-                worksheet_write_comment(sheet, 0, lxw_col_t(c), s.comments[c].toUtf8().constData());
+        const QStringList sheetComments = comments.value(i);
+        for (int c = 0; c < sheetComments.size(); ++c) {
+            if (!sheetComments[c].isEmpty())
+                worksheet_write_comment(sheet, 0, lxw_col_t(c),
+                                        sheetComments[c].toUtf8().constData());
         }
     }
     const lxw_error closed = workbook_close(workbook);
@@ -151,14 +155,35 @@ bool XLSXHelper::fillSheet(lxw_worksheet *sheet, const XLSXTable &table, int fir
 
 bool XLSXHelper::dataToXLSX(const QList<XLSXSheet> &sheets, const QString &path, QString *error)
 {
-    QList<Sheet> list;
+    QStringList names;
     for (const XLSXSheet &s : sheets)
-        list.append({s.first, &s.second, {}});
-    if (list.isEmpty()) {
-        static const XLSXTable empty;
-        list.append({QStringLiteral("Sheet1"), &empty, {}});
-    }
-    return writeWorkbook(list, path, true, error);
+        names << s.first;
+    return dataToXLSX(names, fromList(sheets), path, error);
+}
+
+bool XLSXHelper::dataToXLSX(const QStringList &names, const SheetSource &source,
+                            const QString &path, QString *error)
+{
+    // A workbook needs at least one worksheet to open in a spreadsheet program.
+    if (names.isEmpty())
+        return writeWorkbook({QStringLiteral("Sheet1")}, emptySheet(), {}, path, true, error);
+    return writeWorkbook(names, source, {}, path, true, error);
+}
+
+XLSXHelper::SheetSource XLSXHelper::fromList(const QList<XLSXSheet> &sheets)
+{
+    return [&sheets](int index, XLSXTable *table) {
+        *table = sheets.value(index).second;
+        return true;
+    };
+}
+
+XLSXHelper::SheetSource XLSXHelper::emptySheet()
+{
+    return [](int, XLSXTable *table) {
+        table->clear();
+        return true;
+    };
 }
 
 QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
@@ -182,6 +207,15 @@ QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
 bool XLSXHelper::dataToCSV(const QList<XLSXSheet> &sheets, const QString &path,
                            const QString &separator, const QString &lineEnd, QString *error)
 {
+    QStringList names;
+    for (const XLSXSheet &s : sheets)
+        names << s.first;
+    return dataToCSV(names, fromList(sheets), path, separator, lineEnd, error);
+}
+
+bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, const QString &path,
+                           const QString &separator, const QString &lineEnd, QString *error)
+{
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         setError(error, QStringLiteral("cannot open %1: %2").arg(path, file.errorString()));
@@ -194,9 +228,16 @@ bool XLSXHelper::dataToCSV(const QList<XLSXSheet> &sheets, const QString &path,
             chunk.clear();
         }
     };
-    for (const XLSXSheet &sheet : sheets) {
-        chunk += sheet.first.toUtf8() + lineEnd.toUtf8();
-        for (const QList<QVariant> &row : sheet.second) {
+    XLSXTable table;
+    for (int i = 0; i < names.size(); ++i) {
+        if (!source(i, &table)) {
+            file.cancelWriting();
+            setError(error,
+                     QStringLiteral("writing %1 stopped at the sheet \"%2\"").arg(path, names[i]));
+            return false;
+        }
+        chunk += names[i].toUtf8() + lineEnd.toUtf8();
+        for (const QList<QVariant> &row : std::as_const(table)) {
             QString line;
             for (const QVariant &cell : row)
                 line += csvCell(cell, separator) + separator;
@@ -272,8 +313,9 @@ QStringList XLSXHelper::tableHeaderTooltips(const QAbstractItemModel *model)
 bool XLSXHelper::tableHeaderTooltipsToXLSX(const QAbstractItemModel *model, const QString &path,
                                            const QString &sheetName)
 {
-    const XLSXTable table = tableFromModel(model);
-    return writeWorkbook({{sheetName, &table, tableHeaderTooltips(model)}}, path, false, nullptr);
+    const QList<XLSXSheet> sheets = {{sheetName, tableFromModel(model)}};
+    return writeWorkbook({sheetName}, fromList(sheets), {tableHeaderTooltips(model)}, path, false,
+                         nullptr);
 }
 
 XLSXTable XLSXHelper::transpose(const XLSXTable &table)

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 
 class QAbstractItemModel;
 typedef struct lxw_worksheet lxw_worksheet;
@@ -22,6 +23,11 @@ using XLSXSheet = QPair<QString, XLSXTable>;
 class XLSXHelper
 {
 public:
+    // Fills in the table of the sheet with the given index, one sheet at a time, so a workbook of
+    // long recordings never has to be held in memory whole. Returning false stops the write: it
+    // then fails and leaves no file behind (how an export is cancelled).
+    using SheetSource = std::function<bool(int index, XLSXTable *table)>;
+
     // One worksheet per sheet, in order. Numbers are written as numbers, everything else as text.
     static bool dataToXLSX(const QList<XLSXSheet> &sheets, const QString &path,
                            QString *error = nullptr);
@@ -30,6 +36,12 @@ public:
     static bool dataToCSV(const QList<XLSXSheet> &sheets, const QString &path,
                           const QString &separator = QStringLiteral(";"),
                           const QString &lineEnd = QStringLiteral("\r\n"),
+                          QString *error = nullptr);
+    // The same, with the tables asked from `source` as each sheet is written.
+    static bool dataToXLSX(const QStringList &names, const SheetSource &source, const QString &path,
+                           QString *error = nullptr);
+    static bool dataToCSV(const QStringList &names, const SheetSource &source, const QString &path,
+                          const QString &separator, const QString &lineEnd,
                           QString *error = nullptr);
 
     // A model's visible content as a table; the horizontal header becomes the first row.
@@ -63,4 +75,9 @@ public:
     // among the names already taken (compared without regard to case).
     static QString sheetName(const QString &wanted, const QStringList &taken);
     static bool isNumber(const QVariant &value);
+
+private:
+    // Hands out the tables of a list that outlives the write.
+    static SheetSource fromList(const QList<XLSXSheet> &sheets);
+    static SheetSource emptySheet();
 };

@@ -1,0 +1,208 @@
+#include "storage/RecordExport.h"
+
+#include "analysis/CorvidaExperiment.h"
+#include "settings/CorvidaSettings.h"
+#include "storage/RecordDatabase.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+QString essential()
+{
+    return QCoreApplication::translate("RecordExport", "Essential data");
+}
+
+QString full()
+{
+    return QCoreApplication::translate("RecordExport", "Full data");
+}
+} // namespace
+
+QStringList RecordExport::filters()
+{
+    const QString xlsx = QStringLiteral(" (*.xlsx)");
+    const QString csv = QStringLiteral(" (*.csv)");
+    return {essential() + xlsx, essential() + csv, full() + xlsx, full() + csv};
+}
+
+QString RecordExport::filterString()
+{
+    return filters().join(QStringLiteral(";;"));
+}
+
+bool RecordExport::isCsvFilter(const QString &filter)
+{
+    return filter.trimmed().endsWith(QLatin1String("(*.csv)"), Qt::CaseInsensitive);
+}
+
+RecordExport::Content RecordExport::contentOf(const QString &filter)
+{
+    return filter.startsWith(essential()) ? Content::Essential : Content::Full;
+}
+
+QString RecordExport::suffixOf(const QString &filter)
+{
+    return isCsvFilter(filter) ? QStringLiteral("csv") : QStringLiteral("xlsx");
+}
+
+QString RecordExport::withSuffix(const QString &path, const QString &filter)
+{
+    const QString suffix = suffixOf(filter);
+    if (QFileInfo(path).suffix().compare(suffix, Qt::CaseInsensitive) == 0)
+        return path;
+    return path + QLatin1Char('.') + suffix;
+}
+
+QString RecordExport::suggestedFileName(const QList<CorvidaExperiment *> &records)
+{
+    if (records.isEmpty())
+        return QString();
+    QString name = RecordDatabase::recordName(records.first());
+    if (records.size() > 1)
+        name += QLatin1Char('-') + RecordDatabase::recordName(records.last());
+    return name;
+}
+
+QString RecordExport::startFolder(const CorvidaSettings *settings, const QString &defaultFolder)
+{
+    const QString last = settings ? settings->getLastExportFolder() : QString();
+    if (!last.isEmpty() && QDir(last).exists())
+        return last;
+    return defaultFolder;
+}
+
+QString RecordExport::preselectedFilter(const CorvidaSettings *settings)
+{
+    const QStringList all = filters();
+    const QString last = settings ? settings->getLastExportFilter() : QString();
+    return all.contains(last) ? last : all.first();
+}
+
+void RecordExport::storeChoice(CorvidaSettings *settings, const QString &path,
+                               const QString &filter)
+{
+    if (!settings)
+        return;
+    settings->setLastExportFolder(QFileInfo(path).absolutePath());
+    settings->setLastExportFilter(filter);
+}
+
+XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
+{
+    XLSXTable table;
+    QList<QVariant> header;
+    for (const QString &title : RecordDatabase::columnHeaders())
+        header << title;
+    table << header;
+    for (const CorvidaExperiment *record : records) {
+        QList<QVariant> row;
+        for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
+            row << RecordDatabase::cellText(record, c);
+        table << row;
+    }
+    return table;
+}
+
+QStringList RecordExport::sheetNames(const QList<CorvidaExperiment *> &records)
+{
+    QStringList names;
+    if (records.size() > 1)
+        names << QCoreApplication::translate("RecordExport", "Summary");
+    for (const CorvidaExperiment *record : records)
+        names << RecordDatabase::recordName(record);
+    return names;
+}
+
+XLSXTable RecordExport::recordTable(CorvidaExperiment *record, Content content)
+{
+    if (!record)
+        return {};
+    // The results come from the listed record, so the sheet says what the list says.
+    const XLSXTable results = record->exportTable(true);
+    if (content == Content::Essential)
+        return results;
+    const QString path = record->getFilepath();
+    if (path.isEmpty())
+        return record->exportTable(false);
+    CorvidaExperiment copy(path);
+    // Reading the recording may fill in missing markers; the copy must not write them.
+    copy.setAutoSave(false);
+    XLSXTable table = copy.exportTable(false);
+    for (qsizetype i = 0; i < results.size() && i < table.size(); ++i)
+        table[i] = results[i];
+    return table;
+}
+
+RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &records,
+                                         const QString &path, const QString &filter, QString *error,
+                                         const Progress &progress)
+{
+    if (records.isEmpty()) {
+        if (error)
+            *error = QCoreApplication::translate("RecordExport", "Nothing to export");
+        return Result::Failed;
+    }
+    const Content content = contentOf(filter);
+    const bool several = records.size() > 1;
+    const int total = int(records.size());
+    bool cancelled = false;
+    const XLSXHelper::SheetSource source = [&](int index, XLSXTable *table) {
+        if (several && index == 0) {
+            *table = summaryTable(records);
+            return true;
+        }
+        const int r = several ? index - 1 : index;
+        if (progress && !progress(r, total)) {
+            cancelled = true;
+            return false;
+        }
+        *table = recordTable(records[r], content);
+        return true;
+    };
+
+    QString detail;
+    const QStringList names = sheetNames(records);
+    const bool ok = isCsvFilter(filter)
+                        ? XLSXHelper::dataToCSV(names, source, path, QStringLiteral(";"),
+                                                QStringLiteral("\r\n"), &detail)
+                        : XLSXHelper::dataToXLSX(names, source, path, &detail);
+    if (ok) {
+        if (progress)
+            progress(total, total);
+        return Result::Written;
+    }
+    if (cancelled) {
+        qDebug().noquote() << "EXPORT: cancelled, nothing written to" << path;
+        return Result::Cancelled;
+    }
+    qDebug().noquote() << "EXPORT:" << detail;
+    if (error)
+        *error = errorText(path);
+    return Result::Failed;
+}
+
+QString RecordExport::errorText(const QString &path)
+{
+    return QCoreApplication::translate("Generic", "Error saving") + QStringLiteral(" \"") +
+           QDir::toNativeSeparators(path) + QLatin1Char('"');
+}
+
+RecordExport::AfterExport RecordExport::afterExport(int exportBehavior)
+{
+    switch (exportBehavior) {
+    case 0:
+        return AfterExport::OpenFile;
+    case 1:
+        return AfterExport::ShowInFolder;
+    default:
+        return AfterExport::Nothing;
+    }
+}
+
+RecordExport::AfterExport RecordExport::afterExport(const CorvidaSettings *settings)
+{
+    return settings ? afterExport(int(settings->getExportBehavior())) : AfterExport::Nothing;
+}
