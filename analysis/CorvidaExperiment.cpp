@@ -382,8 +382,8 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
     writer.takeStartTime(startMs);
     if (!writer.isOpen()) {
         if (error)
-            *error = generic("Cannot open") + QStringLiteral(" \"") + edfPath + QStringLiteral("\" ") +
-                     generic("for record");
+            *error = generic("Cannot open") + QStringLiteral(" \"") + edfPath +
+                     QStringLiteral("\" ") + generic("for record");
         return false;
     }
 
