@@ -108,14 +108,14 @@ void CorvidaExperiment::setSBPTime(double SBPTime)
     // that must not overwrite the marker placed here.
     ensureSeries();
     storeSBPTime(SBPTime);
-    setSBP(pressureAt(SBPTime));
+    setSBP(markerPressure(SBPTime));
 }
 
 void CorvidaExperiment::setDBPTime(double DBPTime)
 {
     ensureSeries();
     storeDBPTime(DBPTime);
-    setDBP(pressureAt(DBPTime));
+    setDBP(markerPressure(DBPTime));
 }
 
 void CorvidaExperiment::resetRodent()
@@ -176,6 +176,13 @@ void CorvidaExperiment::ensureSeries()
 {
     if (m_pressure.isEmpty() || m_samplingRate == 0.0)
         loadSeries();
+}
+
+double CorvidaExperiment::markerPressure(double t)
+{
+    // A marker time of 0 or less means "not found": its pressure is "not set" as well, not the
+    // cuff pressure of the first sample, which would read as a (wrong) blood pressure.
+    return t > 0 ? pressureAt(t) : 0.0;
 }
 
 double CorvidaExperiment::pressureAt(double t)

@@ -157,6 +157,7 @@ private:
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
     void ensurePeakFinder();
     void ensureSeries();
+    double markerPressure(double t);
     void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
     bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
 

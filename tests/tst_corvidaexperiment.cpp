@@ -81,6 +81,7 @@ private slots:
     void markerPlacedBeforeSeriesAreReadIsKept();
     void resetClearsInOrderThenSetsThenAnnounces();
     void fewBeatsLeaveMarkersAlone();
+    void markerNotFoundHasNoPressure();
     void exportTableRows();
     void liveHeartRateAtMostOncePerSecond();
     void liveHeartRateNeedsMoreThanThreeSeconds();
@@ -339,6 +340,23 @@ void TestCorvidaExperiment::fewBeatsLeaveMarkersAlone()
     QCOMPARE(e.getSBPTime(), 5.0);
     QCOMPARE(bpm.count(), 1); // the heart rate is updated all the same
     QCOMPARE(e.getBPM(), 0.0);
+}
+
+void TestCorvidaExperiment::markerNotFoundHasNoPressure()
+{
+    // Beats, but none regular after 4 s: both markers stay "not set", with no pressure taken
+    // from the first sample (the cuff reads 100 mmHg there).
+    CorvidaOnlineExperiment e;
+    QList<double> pulse(10000);
+    for (int i = 0; i < pulse.size(); ++i)
+        pulse[i] = i < 3500 ? 0.3 * std::sin(2 * M_PI * 7.5 * i / 1000.0) : 0.0;
+    e.setSamplingRate(1000);
+    e.updateData({QList<double>(10000, 100.0), pulse});
+    e.recalculate(true);
+    QVERIFY(e.beats().size() > 2);
+    QCOMPARE(e.getSBPTime(), 0.0);
+    QCOMPARE(e.getSBP(), 0.0);
+    QCOMPARE(e.bpText(), QStringLiteral("?"));
 }
 
 void TestCorvidaExperiment::exportTableRows()
