@@ -1,6 +1,8 @@
 #include "cli/AnalyzeCommand.h"
 #include "cli/CliContext.h"
+#include "cli/ExportCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/ListCommand.h"
 #include "cli/MeasureCommand.h"
 #include "cli/PortsCommand.h"
 #include "cli/StreamCommand.h"
@@ -24,6 +26,10 @@ void printHelp(QTextStream &out)
         << "      recalculate records and print their results\n"
         << "  " << InfoCommand::usage() << "\n"
         << "      describe recording files\n"
+        << "  " << ListCommand::usage() << "\n"
+        << "      the records folder as the records page lists it\n"
+        << "  " << ExportCommand::usage() << "\n"
+        << "      write records to a spreadsheet or CSV file\n"
         << "  " << StreamCommand::usage() << "\n"
         << "      print the processed stream of a simulated unit as CSV\n\n"
         << "options:\n"
@@ -96,6 +102,10 @@ int main(int argc, char *argv[])
         return AnalyzeCommand::run(args, context);
     if (command == QLatin1String("info"))
         return InfoCommand::run(args, context);
+    if (command == QLatin1String("list"))
+        return ListCommand::run(args, context);
+    if (command == QLatin1String("export"))
+        return ExportCommand::run(args, context);
     if (command == QLatin1String("stream"))
         return StreamCommand::run(args, out, err);
 

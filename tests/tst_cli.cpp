@@ -79,6 +79,8 @@ private slots:
     void analyzeSaveAndResetWriteTheExpFile();
     void analyzeJson();
     void infoDescribesTheFile();
+    void listShowsEveryRecordAndWhatIsWrong();
+    void exportWritesTheChosenContent();
     void measureWithSimulatedUnit();
     void measureWithUnitOnSerialPort();
 };
@@ -197,6 +199,46 @@ void TestCli::infoDescribesTheFile()
     QCOMPARE(r.status, 0);
     QVERIFY(r.out.contains(QStringLiteral("Channels:2")));
     QVERIFY(r.out.contains(QStringLiteral("1000")));
+}
+
+void TestCli::listShowsEveryRecordAndWhatIsWrong()
+{
+    QTemporaryDir dir;
+    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
+    const QString edf = makeRecord(dir.filePath(QStringLiteral("Records")));
+    QFile broken(dir.filePath(QStringLiteral("Records/broken.edf")));
+    QVERIFY(broken.open(QIODevice::WriteOnly));
+    broken.write("not a recording");
+    broken.close();
+    const Result r = cli(dir.path(), {QStringLiteral("list")});
+    QCOMPARE(r.status, 0);
+    const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines[0], QStringLiteral("Title;Rodent;Comment;Pressure;file;problem"));
+    QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
+    QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
+}
+
+void TestCli::exportWritesTheChosenContent()
+{
+    QTemporaryDir dir;
+    const QString edf = makeRecord(dir.path());
+    const QString csv = dir.filePath(QStringLiteral("out.csv"));
+    Result r = cli(dir.path(), {QStringLiteral("export"), QStringLiteral("--full"),
+                                QStringLiteral("--out"), csv, edf});
+    QCOMPARE(r.status, 0);
+    const QByteArray text = readAll(csv);
+    QVERIFY(text.startsWith("\xEF\xBB\xBF"));
+    QVERIFY(text.contains("Sampling rate;1000;\r\n"));
+    QCOMPARE(text.count("\r\n"), 1 + 5 + 3 + 20000 + 1); // name, results, header rows, samples
+    r = cli(dir.path(),
+            {QStringLiteral("export"), QStringLiteral("--essential"), QStringLiteral("--out"),
+             dir.filePath(QStringLiteral("no/such/folder/out.xlsx")), edf});
+    QCOMPARE(r.status, 1);
+    QVERIFY(r.err.contains(QStringLiteral("Error saving")));
+    r = cli(dir.path(), {QStringLiteral("export"), QStringLiteral("--essential"),
+                         QStringLiteral("--out"), dir.filePath(QStringLiteral("out.txt")), edf});
+    QCOMPARE(r.status, 1);
 }
 
 void TestCli::measureWithSimulatedUnit()

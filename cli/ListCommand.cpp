@@ -1,0 +1,27 @@
+#include "cli/ListCommand.h"
+
+#include "cli/CliContext.h"
+#include "storage/RecordDatabase.h"
+
+#include <QDir>
+
+int ListCommand::run(const QStringList &arguments, CliContext &context)
+{
+    if (arguments.size() > 1)
+        return context.fail(QStringLiteral("list takes no arguments"));
+    if (!QDir(context.recordsFolder()).exists())
+        return context.fail(QStringLiteral("%1: no records folder").arg(context.recordsFolder()));
+    RecordDatabase database(context.recordsFolder(), context.settings());
+    database.reload();
+    // The page's columns, then the file and what is wrong with it, if anything.
+    context.out() << RecordDatabase::columnHeaders().join(QLatin1Char(';')) << ";file;problem\n";
+    for (int row = 0; row < database.count(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < RecordDatabase::ColumnCount; ++column)
+            cells << database.text(row, column).replace(QLatin1Char('\n'), QLatin1Char(' '));
+        cells << database.edfPath(row) << database.damageText(row);
+        context.out() << cells.join(QLatin1Char(';')) << '\n';
+    }
+    context.out().flush();
+    return 0;
+}
