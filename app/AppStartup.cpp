@@ -40,7 +40,10 @@ QString AppStartup::setupFonts()
 
 void AppStartup::setupStyles()
 {
+    // Created first: it notes whether the desktop is dark before anything changes the palette.
     StyleHelper *style = StyleHelper::instance();
+    // The themes colour the palette; Fusion draws every control from it on every desktop.
+    QApplication::setStyle(QStringLiteral("Fusion"));
     style->addStyleFile(QStringLiteral(":/themes/vt.theme.css"));
     style->addThemeFile(QStringLiteral(":/themes/light.css"), QStringLiteral("light"));
     style->addThemeFile(QStringLiteral(":/themes/dark.css"), QStringLiteral("dark"));

@@ -17,8 +17,8 @@ PageExperimentMulti::PageExperimentMulti(QWidget *parent)
     auto *title = new QLabel(tr("Measuring units"), this);
     title->setObjectName(QStringLiteral("pageTitle"));
     box->addWidget(title);
-    auto *notice = new QLabel(tr("Live measurement is not available in this version yet: the "
-                                 "units below are found and connected, but they cannot be "
+    auto *notice = new QLabel(tr("Live measurement is not available in this version yet. The "
+                                 "units the program finds are listed below; they cannot be "
                                  "turned on or measured from this window."),
                               this);
     notice->setObjectName(QStringLiteral("notice"));

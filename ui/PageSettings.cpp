@@ -65,6 +65,7 @@ PageSettings::PageSettings(QWidget *parent)
     scroll->setFrameShape(QFrame::NoFrame);
     auto *card = new QFrame;
     card->setObjectName(QStringLiteral("card"));
+    card->setMinimumWidth(560);
     card->setMaximumWidth(720);
     auto *cardBox = new QVBoxLayout(card);
     cardBox->setContentsMargins(20, 16, 20, 16);

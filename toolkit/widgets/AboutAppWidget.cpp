@@ -113,6 +113,7 @@ void AboutAppWidget::build()
     buildLabel->setObjectName(QStringLiteral("aboutMuted"));
     buildLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     identity->addWidget(buildLabel);
+    identity->addStretch(1);
     head->addLayout(identity, 1);
     box->addLayout(head);
 

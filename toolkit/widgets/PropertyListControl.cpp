@@ -80,6 +80,11 @@ QWidget *PropertyListControl::editor(const QString &name) const
     return m_rows.value(name).editor;
 }
 
+QToolButton *PropertyListControl::resetButton(const QString &name) const
+{
+    return m_rows.value(name).reset;
+}
+
 bool PropertyListControl::isRowShown(const QString &name) const
 {
     return m_rows.value(name).shown;
@@ -173,8 +178,9 @@ void PropertyListControl::rebuild()
                                   !caps.value(QStringLiteral("editable")).toBool();
             row.editor->setEnabled(!readOnly);
             m_grid->addWidget(row.editor, gridRow, EditorColumn);
+            // A setting without a default of its own (NoDefault) has nothing to go back to.
             if (m_showDefaultButtons && caps.value(QStringLiteral("hasDefault")).toBool() &&
-                !readOnly) {
+                !caps.value(QStringLiteral("noDefault")).toBool() && !readOnly) {
                 row.reset = new QToolButton(m_body);
                 row.reset->setObjectName(QStringLiteral("resetButton"));
                 row.reset->setToolTip(QCoreApplication::translate("Generic", "Restore default"));

@@ -36,6 +36,8 @@ public:
     QStringList propertyNames() const { return m_rowOrder; }
     // The editor widget of a setting's row, null when it has no row.
     QWidget *editor(const QString &name) const;
+    // The button that restores the setting's default; null without one.
+    QToolButton *resetButton(const QString &name) const;
     // Whether the row is meant to be shown (independent of this widget being on screen).
     bool isRowShown(const QString &name) const;
 
