@@ -109,8 +109,7 @@ MainWindow::MainWindow(QWidget *parent)
     else
         show();
     if (model)
-        m_connections << connect(model, &CorvidaModel::onOpenRecord, this,
-                                 &MainWindow::openRecord);
+        m_connections << connect(model, &CorvidaModel::onOpenRecord, this, &MainWindow::openRecord);
 }
 
 MainWindow::~MainWindow() = default;
@@ -202,7 +201,8 @@ void MainWindow::toggleVirtualDevice()
     const int current = m_settings->getUseVirtualCorvida();
     qDebug().noquote() << (current != 0 ? "Stop using virtual corvida" : "Use virtual corvida");
     int next = current == 0 ? 1 : 0;
-    if (AbstractMetaDescription *d = m_settings->getPropertyByName(QStringLiteral("UseVirtualCorvida"))) {
+    if (AbstractMetaDescription *d =
+            m_settings->getPropertyByName(QStringLiteral("UseVirtualCorvida"))) {
         if (d->minimum().isValid())
             next = qMax(next, d->minimum().toInt());
         if (d->maximum().isValid())

@@ -21,8 +21,7 @@ class FirstPaint : public QObject
 public:
     explicit FirstPaint(std::function<void()> done)
         : m_done(std::move(done))
-    {
-    }
+    {}
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override

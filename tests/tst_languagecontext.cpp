@@ -43,7 +43,8 @@ void TestLanguageContext::startupLanguageFromSettingsFile_data()
     QTest::newRow("unclosed") << head + "<Language>ru_RU" << fallback;
     QTest::newRow("at the very start") << QByteArray("<Language>ru_RU</Language>") << fallback;
     QTest::newRow("lower-case tag") << head + "<language>ru_RU</language>" + tail << fallback;
-    QTest::newRow("first of two") << head + "<Language>ru_RU</Language><Language>en_US</Language>" + tail
+    QTest::newRow("first of two") << head + "<Language>ru_RU</Language><Language>en_US</Language>" +
+                                         tail
                                   << "ru_RU";
     QTest::newRow("binary junk") << QByteArray("\xff\xfe\x00<Language>\x01", 14) << fallback;
 }

@@ -57,9 +57,9 @@ void TestPropertyListControl::listsTheVisibleSettingsInOrder()
 {
     PropertyListControl list(m_settings.get());
     const QStringList expected = {
-        "Language",        "ColorTheme",     "PressureLimit", "VisualScale",
-        "PulseAxisLimit",  "StartFullscreen", "ExportBehavior", "ViewMode",
-        "DebugMode",       "UseVirtualCorvida", "ShowDisconnectedDevices", "SaveRawData"};
+        "Language",       "ColorTheme",        "PressureLimit",           "VisualScale",
+        "PulseAxisLimit", "StartFullscreen",   "ExportBehavior",          "ViewMode",
+        "DebugMode",      "UseVirtualCorvida", "ShowDisconnectedDevices", "SaveRawData"};
     // Remembered window state (splitter ratios, last folders, sorting) never gets a row.
     QCOMPARE(list.propertyNames(), expected);
     QVERIFY(!list.editor(QStringLiteral("LastExportFolder")));
@@ -87,10 +87,14 @@ void TestPropertyListControl::editsReachTheSettingsAndTheFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("fileText");
-    QTest::newRow("drop-down") << "PressureLimit" << "Pressure_120_30";
-    QTest::newRow("drop-down of another class's enumeration") << "ColorTheme" << "Dark";
-    QTest::newRow("check box") << "StartFullscreen" << "false";
-    QTest::newRow("spin box") << "UseVirtualCorvida" << "3";
+    QTest::newRow("drop-down") << "PressureLimit"
+                               << "Pressure_120_30";
+    QTest::newRow("drop-down of another class's enumeration") << "ColorTheme"
+                                                              << "Dark";
+    QTest::newRow("check box") << "StartFullscreen"
+                               << "false";
+    QTest::newRow("spin box") << "UseVirtualCorvida"
+                              << "3";
 }
 
 void TestPropertyListControl::editsReachTheSettingsAndTheFile()

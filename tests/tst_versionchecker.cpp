@@ -36,7 +36,8 @@ private slots:
                 if (!m_pending[socket].contains("\r\n\r\n"))
                     return;
                 requestLines.append(m_pending[socket].left(m_pending[socket].indexOf("\r\n")));
-                socket->write("HTTP/1.1 " + m_status + "\r\nContent-Type: application/json\r\n"
+                socket->write("HTTP/1.1 " + m_status +
+                              "\r\nContent-Type: application/json\r\n"
                               "Connection: close\r\nContent-Length: " +
                               QByteArray::number(m_body.size()) + "\r\n\r\n" + m_body);
                 socket->disconnectFromHost();
@@ -112,11 +113,16 @@ void TestVersionChecker::newerComparesByNumber_data()
     QTest::addColumn<QString>("candidate");
     QTest::addColumn<QString>("current");
     QTest::addColumn<bool>("newer");
-    QTest::newRow("1.10 after 1.9") << "1.10" << "1.9" << true;
-    QTest::newRow("1.9 before 1.10") << "1.9" << "1.10" << false;
-    QTest::newRow("same") << "1.2.3" << "1.2.3" << false;
-    QTest::newRow("patch") << "1.2.4" << "1.2.3" << true;
-    QTest::newRow("major wins over minor") << "2.0.0" << "1.99.99" << true;
+    QTest::newRow("1.10 after 1.9") << "1.10"
+                                    << "1.9" << true;
+    QTest::newRow("1.9 before 1.10") << "1.9"
+                                     << "1.10" << false;
+    QTest::newRow("same") << "1.2.3"
+                          << "1.2.3" << false;
+    QTest::newRow("patch") << "1.2.4"
+                           << "1.2.3" << true;
+    QTest::newRow("major wins over minor") << "2.0.0"
+                                           << "1.99.99" << true;
 }
 
 void TestVersionChecker::newerComparesByNumber()
@@ -131,9 +137,12 @@ void TestVersionChecker::zero4StringRoundTrip_data()
 {
     QTest::addColumn<QString>("version");
     QTest::addColumn<QString>("zero4");
-    QTest::newRow("1.2.3") << "1.2.3" << "0001.0002.0003";
-    QTest::newRow("1.10") << "1.10" << "0001.0010";
-    QTest::newRow("2026.11") << "2026.11" << "2026.0011";
+    QTest::newRow("1.2.3") << "1.2.3"
+                           << "0001.0002.0003";
+    QTest::newRow("1.10") << "1.10"
+                          << "0001.0010";
+    QTest::newRow("2026.11") << "2026.11"
+                             << "2026.0011";
 }
 
 void TestVersionChecker::zero4StringRoundTrip()
@@ -155,8 +164,8 @@ void TestVersionChecker::replyParsing_data()
                           << true << true << "1.3.0";
     QTest::newRow("without critical")
         << QByteArray(R"({"version":"1.3.0","valid":true})") << true << false << "1.3.0";
-    QTest::newRow("without valid") << QByteArray(R"({"version":"1.3.0"})") << false << false
-                                   << "1.3.0";
+    QTest::newRow("without valid")
+        << QByteArray(R"({"version":"1.3.0"})") << false << false << "1.3.0";
     QTest::newRow("critical as text")
         << QByteArray(R"({"version":"1.3.0","valid":true,"critical":"true"})") << true << false
         << "1.3.0";

@@ -15,8 +15,7 @@ QString resourcePath(const QString &language)
 
 LanguageContext::LanguageContext(QObject *parent)
     : QObject(parent)
-{
-}
+{}
 
 LanguageContext *LanguageContext::instance()
 {

@@ -86,11 +86,10 @@ void PageDatabase::reload()
     CorvidaModel *model = CorvidaModel::instance();
     if (!model)
         return;
-    const QString wanted =
-        QFileInfo(model->settings()->getLastExperimentPath()).absoluteFilePath();
-    const QFileInfoList files = QDir(model->recordsFolder())
-                                    .entryInfoList({QStringLiteral("*.edf")}, QDir::Files,
-                                                   QDir::Time);
+    const QString wanted = QFileInfo(model->settings()->getLastExperimentPath()).absoluteFilePath();
+    const QFileInfoList files =
+        QDir(model->recordsFolder())
+            .entryInfoList({QStringLiteral("*.edf")}, QDir::Files, QDir::Time);
     const QLocale locale;
     for (const QFileInfo &file : files) {
         const QString text = QStringLiteral("%1    %2    %3")

@@ -58,13 +58,14 @@ void PageExperimentMulti::refreshDevices()
 {
     m_devices->clear();
     CorvidaModel *model = CorvidaModel::instance();
-    const QList<BaseCorvidaDevice *> devices = model ? model->devices() : QList<BaseCorvidaDevice *>();
+    const QList<BaseCorvidaDevice *> devices =
+        model ? model->devices() : QList<BaseCorvidaDevice *>();
     for (BaseCorvidaDevice *device : devices) {
         if (!device->isConnected())
             continue;
-        QString text = (qobject_cast<VirtualCorvidaDevice *>(device) ? tr("Simulated unit")
-                                                                    : tr("Unit")) +
-                       QLatin1Char(' ') + device->deviceId();
+        QString text =
+            (qobject_cast<VirtualCorvidaDevice *>(device) ? tr("Simulated unit") : tr("Unit")) +
+            QLatin1Char(' ') + device->deviceId();
         if (!device->serialNumber().isEmpty() && device->serialNumber() != text)
             text += QStringLiteral("  ·  ") + tr("serial number") + QLatin1Char(' ') +
                     device->serialNumber();

@@ -134,9 +134,8 @@ void AboutAppWidget::build()
     box->addLayout(links);
 
     const QString ip = ipAddress();
-    auto *ipLabel = new QLabel(tr("IP address") + QStringLiteral(": ") +
-                                   (ip.isEmpty() ? tr("none") : ip),
-                               m_body);
+    auto *ipLabel = new QLabel(
+        tr("IP address") + QStringLiteral(": ") + (ip.isEmpty() ? tr("none") : ip), m_body);
     ipLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     box->addWidget(ipLabel);
 

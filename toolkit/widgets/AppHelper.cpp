@@ -44,12 +44,10 @@ bool AppHelper::restart(const QStringList &extraArguments)
     return true;
 }
 
-AppHelper::ConfirmResult AppHelper::confirmDialogWithCancel(QWidget *parent, const QString &title,
-                                                            const QString &text,
-                                                            const QString &okText,
-                                                            const QString &noText,
-                                                            const QString &cancelText,
-                                                            QMessageBox::Icon icon)
+AppHelper::ConfirmResult
+AppHelper::confirmDialogWithCancel(QWidget *parent, const QString &title, const QString &text,
+                                   const QString &okText, const QString &noText,
+                                   const QString &cancelText, QMessageBox::Icon icon)
 {
     QMessageBox box(icon, title, text, QMessageBox::NoButton, parent);
     QPushButton *ok = box.addButton(okText, QMessageBox::AcceptRole);

@@ -28,10 +28,9 @@ const char *kResetIcon = ":/icons/restore.svg";
 void setButtonColor(QPushButton *button, const QColor &color)
 {
     button->setText(color.name(QColor::HexArgb).toUpper());
-    button->setStyleSheet(
-        QStringLiteral("QPushButton { background: %1; color: %2; }")
-            .arg(color.name(), color.lightness() > 128 ? QStringLiteral("#000")
-                                                       : QStringLiteral("#FFF")));
+    button->setStyleSheet(QStringLiteral("QPushButton { background: %1; color: %2; }")
+                              .arg(color.name(), color.lightness() > 128 ? QStringLiteral("#000")
+                                                                         : QStringLiteral("#FFF")));
 }
 } // namespace
 
@@ -161,8 +160,8 @@ void PropertyListControl::rebuild()
             row.icon->setFixedSize(24, 24);
             m_grid->addWidget(row.icon, gridRow, IconColumn);
             if (m_showLabels) {
-                row.label = new QLabel(caps.value(QStringLiteral("displayName")).toString(),
-                                       m_body);
+                row.label =
+                    new QLabel(caps.value(QStringLiteral("displayName")).toString(), m_body);
                 row.label->setToolTip(caps.value(QStringLiteral("description")).toString());
                 m_grid->addWidget(row.label, gridRow, LabelColumn);
             }
@@ -217,10 +216,9 @@ QWidget *PropertyListControl::createEditor(const QVariantMap &caps)
     }
     if (kind == QLatin1String("int")) {
         auto *spin = new QSpinBox(m_body);
-        spin->setRange(caps.value(QStringLiteral("minimum"), std::numeric_limits<int>::min())
-                           .toInt(),
-                       caps.value(QStringLiteral("maximum"), std::numeric_limits<int>::max())
-                           .toInt());
+        spin->setRange(
+            caps.value(QStringLiteral("minimum"), std::numeric_limits<int>::min()).toInt(),
+            caps.value(QStringLiteral("maximum"), std::numeric_limits<int>::max()).toInt());
         spin->setSingleStep(qMax(1, caps.value(QStringLiteral("step"), 1).toInt()));
         spin->setPrefix(caps.value(QStringLiteral("prefix")).toString());
         spin->setSuffix(caps.value(QStringLiteral("suffix")).toString());
@@ -256,10 +254,9 @@ QWidget *PropertyListControl::createEditor(const QVariantMap &caps)
                                enumText(keyName), keyName);
         }
         combo->setProperty("iconPaths", caps.value(QStringLiteral("enumKeys")));
-        m_rowConnections << connect(combo, qOverload<int>(&QComboBox::activated), this,
-                                    [this, name, combo](int index) {
-                                        commit(name, combo->itemData(index), true);
-                                    });
+        m_rowConnections << connect(
+            combo, qOverload<int>(&QComboBox::activated), this,
+            [this, name, combo](int index) { commit(name, combo->itemData(index), true); });
         return combo;
     }
     if (kind == QLatin1String("color")) {
@@ -283,9 +280,8 @@ QWidget *PropertyListControl::createEditor(const QVariantMap &caps)
     // Text, and every type without an editor of its own, is edited in its file form.
     auto *line = new QLineEdit(m_body);
     line->setPlaceholderText(caps.value(QStringLiteral("placeholder")).toString());
-    m_rowConnections << connect(line, &QLineEdit::editingFinished, this, [this, name, line] {
-        commit(name, line->text(), true);
-    });
+    m_rowConnections << connect(line, &QLineEdit::editingFinished, this,
+                                [this, name, line] { commit(name, line->text(), true); });
     return line;
 }
 
@@ -339,8 +335,9 @@ void PropertyListControl::updateVisibility()
                            it->editor.data(), static_cast<QWidget *>(it->reset)})
             if (w)
                 w->setVisible(shown);
-        const QString category =
-            m_settings->getPropertyCapabilities(it.key()).value(QStringLiteral("category")).toString();
+        const QString category = m_settings->getPropertyCapabilities(it.key())
+                                     .value(QStringLiteral("category"))
+                                     .toString();
         categoryShown[category] = categoryShown.value(category) || shown;
     }
     for (const auto &header : std::as_const(m_headers))

@@ -14,8 +14,7 @@
 StyleHelper::StyleHelper(QObject *parent)
     : QObject(parent)
     , m_desktopDark(desktopIsDark())
-{
-}
+{}
 
 StyleHelper *StyleHelper::instance()
 {
@@ -124,7 +123,8 @@ QString StyleHelper::Link(const QString &styleSheet)
 {
     // Declarations in a theme ("--v-bg: #FFF;") and uses in a sheet look alike; only uses are
     // replaced, so a variable directly followed by a colon is left alone.
-    static const QRegularExpression use(QStringLiteral("--(v-[A-Za-z0-9-]*[A-Za-z0-9])(?![A-Za-z0-9-]|\\s*:)"));
+    static const QRegularExpression use(
+        QStringLiteral("--(v-[A-Za-z0-9-]*[A-Za-z0-9])(?![A-Za-z0-9-]|\\s*:)"));
     const QHash<QString, QString> vars = instance()->m_themes.value(instance()->activeThemeName());
     QString out;
     qsizetype last = 0;
