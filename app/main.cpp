@@ -4,6 +4,7 @@
 #include "toolkit/VLogger.h"
 #include "toolkit/VersionChecker.h"
 #include "toolkit/widgets/AppHelper.h"
+#include "toolkit/widgets/StyleHelper.h"
 #include "ui/CorvidaBasePage.h"
 
 #include <QApplication>
@@ -53,36 +54,71 @@ void takeScreenshot(MainWindow *window, const QString &file, const QString &page
         QCoreApplication::exit(ok ? 0 : 1);
     });
 }
+
+struct Options {
+    QCommandLineOption screenshot{QStringLiteral("screenshot"),
+                                  QStringLiteral("Save a picture of the window to <file> and quit "
+                                                 "(for developers)."),
+                                  QStringLiteral("file")};
+    QCommandLineOption page{QStringLiteral("page"),
+                            QStringLiteral("With --screenshot: the page to show, by its button's "
+                                           "name."),
+                            QStringLiteral("name")};
+    QCommandLineOption startupTime{QStringLiteral("startup-time"),
+                                   QStringLiteral("Print the time from start to the first drawn "
+                                                  "window and quit (for developers).")};
+};
+
+void describeApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Quorvex"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
+}
+
+void setUpParser(QCommandLineParser &parser, const Options &options)
+{
+    parser.setApplicationDescription(
+        QStringLiteral("Corvida: tail-cuff blood pressure and heart rate of laboratory rodents."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOption(options.screenshot);
+    parser.addOption(options.page);
+    parser.addOption(options.startupTime);
+}
+
+// --help and --version print and quit; they must work without a display, so they are
+// answered before the window system is touched.
+bool onlyPrints(int argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray arg(argv[i]);
+        if (arg == "-h" || arg == "--help" || arg == "-?" || arg == "--help-all" || arg == "-v" ||
+            arg == "--version")
+            return true;
+    }
+    return false;
+}
 } // namespace
 
 int main(int argc, char *argv[])
 {
     QElapsedTimer clock;
     clock.start();
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Corvida"));
-    QApplication::setOrganizationName(QStringLiteral("Quorvex"));
-    QApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
+    const Options options;
+    if (onlyPrints(argc, argv)) {
+        QCoreApplication core(argc, argv);
+        describeApplication();
+        QCommandLineParser parser;
+        setUpParser(parser, options);
+        parser.process(core);
+        return 0;
+    }
 
+    QApplication app(argc, argv);
+    describeApplication();
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Corvida: tail-cuff blood pressure and heart rate of laboratory rodents."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    const QCommandLineOption shot(QStringLiteral("screenshot"),
-                                  QStringLiteral("Save a picture of the window to <file> and quit "
-                                                 "(for developers)."),
-                                  QStringLiteral("file"));
-    const QCommandLineOption page(QStringLiteral("page"),
-                                  QStringLiteral("With --screenshot: the page to show, by its "
-                                                 "button's name."),
-                                  QStringLiteral("name"));
-    const QCommandLineOption startupTime(
-        QStringLiteral("startup-time"),
-        QStringLiteral("Print the time from start to the shown window and quit (for developers)."));
-    parser.addOption(shot);
-    parser.addOption(page);
-    parser.addOption(startupTime);
+    setUpParser(parser, options);
     parser.process(app);
 
     VLogger::install();
@@ -90,6 +126,10 @@ int main(int argc, char *argv[])
     AppStartup::setupStyles();
     const QString folder = AppStartup::setupWorkingFolder();
     AppStartup::setupLanguage();
+    QApplication::setWindowIcon(StyleHelper::tintedIcon(
+        QStringLiteral(":/resources/images/pressure.svg"),
+        StyleHelper::instance()->color(QStringLiteral("--v-accent"), QColor(0x1C, 0x7E, 0xD6)),
+        QSize(64, 64)));
 
     auto *model = new CorvidaModel(folder);
     AppStartup::bindSettings(model->settings());
@@ -97,15 +137,15 @@ int main(int argc, char *argv[])
     auto *window = new MainWindow;
     VersionChecker::instance()->StartChecking();
 
-    if (parser.isSet(startupTime)) {
+    if (parser.isSet(options.startupTime)) {
         auto *firstPaint = new FirstPaint([&clock] {
             std::printf("shown after %lld ms\n", static_cast<long long>(clock.elapsed()));
             QCoreApplication::exit(0);
         });
         firstPaint->setParent(window);
         window->installEventFilter(firstPaint);
-    } else if (parser.isSet(shot)) {
-        takeScreenshot(window, parser.value(shot), parser.value(page), clock);
+    } else if (parser.isSet(options.screenshot)) {
+        takeScreenshot(window, parser.value(options.screenshot), parser.value(options.page), clock);
     }
 
     const int code = app.exec();

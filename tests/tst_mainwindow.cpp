@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -26,6 +27,7 @@ public:
         QString title, text, ok, notNow, cancel;
     };
     AppHelper::ConfirmResult answer = AppHelper::Cancelled;
+    bool realDialog = false;
     QList<Question> questions;
     int restarts = 0;
     Qt::KeyboardModifiers modifiers = Qt::NoModifier;
@@ -36,6 +38,8 @@ protected:
                                                const QString &cancel) override
     {
         questions.append({title, text, ok, notNow, cancel});
+        if (realDialog)
+            return MainWindow::askLanguageChange(title, text, ok, notNow, cancel);
         return answer;
     }
     void restartApplication() override { ++restarts; }
@@ -62,6 +66,8 @@ private slots:
     void languageQuestionOutcomes_data();
     void languageQuestionOutcomes();
     void languageQuestionIsAskedInBothLanguages();
+    void dialogButtonsGiveTheirOutcomes_data();
+    void dialogButtonsGiveTheirOutcomes();
     void openRecordSwitchesToRecordsAndRemembersPath();
     void openRecordIgnoresMissingFile();
     void windowKeepsMinimumSizeAndStartsMaximised();
@@ -302,6 +308,49 @@ void TestMainWindow::languageQuestionIsAskedInBothLanguages()
     QCOMPARE(halves.size(), 2);
     QVERIFY(halves[0].startsWith(QStringLiteral("To translate the app")));
     QVERIFY(halves[1].contains(QStringLiteral("Перезапустить")));
+}
+
+void TestMainWindow::dialogButtonsGiveTheirOutcomes_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("storedAfter");
+    QTest::addColumn<int>("restarts");
+    QTest::newRow("OK") << "OK" << 1 << 1;
+    QTest::newRow("Not now") << "Not now/Не сейчас" << 1 << 0;
+    QTest::newRow("Cancel") << "Cancel/Отмена" << 0 << 0;
+    QTest::newRow("closed") << "" << 0 << 0;
+}
+
+void TestMainWindow::dialogButtonsGiveTheirOutcomes()
+{
+    QFETCH(QString, button);
+    QFETCH(int, storedAfter);
+    QFETCH(int, restarts);
+    makeWindow();
+    m_window->realDialog = true;
+    QStringList buttonTexts;
+    QTimer::singleShot(100, this, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        for (QAbstractButton *b : box->buttons())
+            buttonTexts.append(b->text());
+        if (!qEnvironmentVariableIsEmpty("CORVIDA_DIALOG_PICTURE"))
+            box->grab().save(qEnvironmentVariable("CORVIDA_DIALOG_PICTURE"));
+        if (button.isEmpty()) {
+            QTest::keyClick(box, Qt::Key_Escape);
+            return;
+        }
+        for (QAbstractButton *b : box->buttons())
+            if (b->text() == button)
+                b->click();
+    });
+    settings()->setLanguage(CorvidaSettings::CorvidaLanguage::ru_RU);
+    // The order on screen is the platform's; the three buttons are what matters.
+    buttonTexts.sort();
+    QCOMPARE(buttonTexts, (QStringList{"Cancel/Отмена", "Not now/Не сейчас", "OK"}));
+    QCOMPARE(int(settings()->getLanguage()), storedAfter);
+    QCOMPARE(m_window->restarts, restarts);
 }
 
 void TestMainWindow::openRecordSwitchesToRecordsAndRemembersPath()
