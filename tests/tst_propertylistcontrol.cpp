@@ -1,10 +1,15 @@
 #include "settings/CorvidaSettings.h"
+#include "support/SampleSettings.h"
 #include "toolkit/LanguageContext.h"
 #include "toolkit/widgets/PropertyListControl.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateTimeEdit>
+#include <QDoubleSpinBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -29,6 +34,8 @@ private slots:
     void debugRowsFollowDebugModeLive();
     void resetButtonRestoresDefault();
     void filterShowsOnlyNamedSettings();
+    void editorsFollowTheHintsOfAnySettingsClass();
+    void categoriesGetHeadersThatHideWithTheirRows();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -203,6 +210,69 @@ void TestPropertyListControl::filterShowsOnlyNamedSettings()
     QCOMPARE(list.propertyNames(), QStringList{QStringLiteral("PressureLimit")});
     QVERIFY(!list.resetButton(QStringLiteral("PressureLimit")));
     QVERIFY(!list.editor(QStringLiteral("ColorTheme")));
+}
+
+void TestPropertyListControl::editorsFollowTheHintsOfAnySettingsClass()
+{
+    SampleSettings sample(m_dir->filePath(QStringLiteral("sample.xml")));
+    sample.loadDefaults();
+    PropertyListControl list(&sample);
+    auto *count = qobject_cast<QSpinBox *>(list.editor(QStringLiteral("Count")));
+    QVERIFY(count);
+    QCOMPARE(count->minimum(), -5);
+    QCOMPARE(count->maximum(), 50);
+    QCOMPARE(count->singleStep(), 5);
+    QCOMPARE(count->prefix(), QStringLiteral("n="));
+    QCOMPARE(count->suffix(), QStringLiteral(" pcs"));
+    QCOMPARE(count->value(), 7);
+    QCOMPARE(count->minimumWidth(), 40);
+    QCOMPARE(count->maximumWidth(), 200);
+    bool labelFound = false;
+    for (QLabel *label : list.findChildren<QLabel *>())
+        labelFound = labelFound || label->text() == QStringLiteral("Count of things");
+    QVERIFY(labelFound);
+
+    auto *ratio = qobject_cast<QDoubleSpinBox *>(list.editor(QStringLiteral("Ratio")));
+    QVERIFY(ratio);
+    QCOMPARE(ratio->decimals(), 3);
+    auto *name = qobject_cast<QLineEdit *>(list.editor(QStringLiteral("Name")));
+    QCOMPARE(name->placeholderText(), QStringLiteral("nobody"));
+
+    // A list of texts in an Enum hint is a drop-down too.
+    auto *owner = qobject_cast<QComboBox *>(list.editor(QStringLiteral("Owner")));
+    QVERIFY(owner);
+    QCOMPARE(owner->count(), 2);
+    QVERIFY(qobject_cast<QPushButton *>(list.editor(QStringLiteral("Tint"))));
+    QVERIFY(qobject_cast<QDateTimeEdit *>(list.editor(QStringLiteral("Stamp"))));
+    QVERIFY(!list.editor(QStringLiteral("Blob"))); // NotVisible
+
+    // Only settings declared Editable can be changed here; ReadOnly wins over Editable.
+    QVERIFY(list.editor(QStringLiteral("Language"))->isEnabled());
+    QVERIFY(!list.editor(QStringLiteral("Count"))->isEnabled());
+    QVERIFY(!list.editor(QStringLiteral("Stamp"))->isEnabled());
+
+    // Anchor is shown only while Flag is on (the older "VisibleBinded" spelling of the rule).
+    QVERIFY(list.isRowShown(QStringLiteral("Anchor")));
+    QVERIFY(sample.setValue(QStringLiteral("Flag"), false));
+    QVERIFY(!list.isRowShown(QStringLiteral("Anchor")));
+    QVERIFY(!qobject_cast<QCheckBox *>(list.editor(QStringLiteral("Flag")))->isChecked());
+}
+
+void TestPropertyListControl::categoriesGetHeadersThatHideWithTheirRows()
+{
+    SampleSettings sample(m_dir->filePath(QStringLiteral("sample.xml")));
+    PropertyListControl all(&sample);
+    QStringList headers;
+    for (QLabel *label : all.findChildren<QLabel *>(QStringLiteral("propertyHeader")))
+        headers.append(label->text());
+    headers.sort();
+    QCOMPARE(headers, (QStringList{QStringLiteral("General"), QStringLiteral("Numbers")}));
+
+    PropertyListControl numbers(&sample, QStringLiteral("Numbers"));
+    QCOMPARE(numbers.propertyNames(), QStringList{QStringLiteral("Count")});
+    numbers.setShowHeaders(false);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(numbers.findChildren<QLabel *>(QStringLiteral("propertyHeader")).isEmpty());
 }
 
 QTEST_MAIN(TestPropertyListControl)

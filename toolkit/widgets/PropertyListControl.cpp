@@ -156,6 +156,7 @@ void PropertyListControl::rebuild()
             Row row;
             row.kind = caps.value(QStringLiteral("editor")).toString();
             row.iconPath = caps.value(QStringLiteral("icon")).toString();
+            row.category = category;
             row.icon = new QLabel(m_body);
             row.icon->setFixedSize(24, 24);
             m_grid->addWidget(row.icon, gridRow, IconColumn);

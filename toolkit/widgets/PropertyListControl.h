@@ -59,6 +59,7 @@ private:
         QPointer<QToolButton> reset;
         QString iconPath;
         QString kind;
+        QString category;
         bool shown = false;
     };
 
