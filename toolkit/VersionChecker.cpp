@@ -36,7 +36,8 @@ QUrl VersionChecker::fetchUrl() const
     query.addQueryItem(QStringLiteral("locale"), m_locale);
     query.addQueryItem(QStringLiteral("platform"), QSysInfo::currentCpuArchitecture());
     query.addQueryItem(QStringLiteral("os"), QSysInfo::productType());
-    query.addQueryItem(QStringLiteral("osversion"), QSysInfo::productVersion());
+    // The same text the about panel shows (AppHelper::OSVersion).
+    query.addQueryItem(QStringLiteral("osversion"), QSysInfo::prettyProductName());
     url.setQuery(query);
     return url;
 }
