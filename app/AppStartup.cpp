@@ -19,10 +19,11 @@ QString AppStartup::setupFonts()
         ":/resources/fonts/OpenSans/OpenSans_SemiCondensed-Bold.ttf",
         ":/resources/fonts/OpenSans/OpenSans_SemiCondensed-BoldItalic.ttf",
     };
+    int registered = 0;
     for (const char *file : files) {
         const QString path = QString::fromLatin1(file);
-        if (!QFile::exists(path) || QFontDatabase::addApplicationFont(path) < 0)
-            qDebug().noquote() << "FONT not bundled:" << path;
+        if (QFile::exists(path) && QFontDatabase::addApplicationFont(path) >= 0)
+            ++registered;
     }
     const QStringList families = QFontDatabase::families();
     QFont font = QApplication::font();
@@ -35,6 +36,9 @@ QString AppStartup::setupFonts()
     }
     font.setPixelSize(15);
     QApplication::setFont(font);
+    if (registered < 4)
+        qDebug().noquote() << "FONT:" << registered << "of 4 bundled fonts present; using"
+                           << font.family();
     return font.family();
 }
 

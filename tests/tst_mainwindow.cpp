@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -61,6 +62,7 @@ private slots:
     void ctrlHomeTogglesSimulatedUnit_data();
     void ctrlHomeTogglesSimulatedUnit();
     void otherKeysLeaveSimulatedUnitAlone();
+    void simulatedUnitIsListedOnTheExperimentPage();
     void debugMenuOnlyWithCtrl_data();
     void debugMenuOnlyWithCtrl();
     void languageQuestionOutcomes_data();
@@ -216,6 +218,19 @@ void TestMainWindow::otherKeysLeaveSimulatedUnitAlone()
     QTest::keyClick(m_window.get(), Qt::Key_Home, Qt::ControlModifier | Qt::ShiftModifier);
     QTest::keyClick(m_window.get(), Qt::Key_End, Qt::ControlModifier);
     QCOMPARE(settings()->getUseVirtualCorvida(), 0);
+}
+
+void TestMainWindow::simulatedUnitIsListedOnTheExperimentPage()
+{
+    makeWindow();
+    auto *list = m_window->experimentPage()->findChild<QListWidget *>(QStringLiteral("deviceList"));
+    QVERIFY(list);
+    QCOMPARE(list->count(), 0);
+    QTest::keyClick(m_window.get(), Qt::Key_Home, Qt::ControlModifier);
+    QTRY_COMPARE(list->count(), 1);
+    QVERIFY(list->item(0)->text().startsWith(QStringLiteral("Simulated unit")));
+    QTest::keyClick(m_window.get(), Qt::Key_Home, Qt::ControlModifier);
+    QTRY_COMPARE(list->count(), 0);
 }
 
 void TestMainWindow::debugMenuOnlyWithCtrl_data()
