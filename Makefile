@@ -35,13 +35,13 @@ test-sanitize: deps
 # Each fuzz target runs for FUZZ_SECONDS on its seeds; a crash or sanitizer report fails the run.
 fuzz: deps
 	cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
-		-DCMAKE_CXX_COMPILER=clang++ -DCORVIDA_BUILD_FUZZ=ON -DCORVIDA_BUILD_TESTS=OFF -DCORVIDA_BUILD_BENCH=OFF
+		-DCMAKE_CXX_COMPILER=clang++ -DCORVIDA_BUILD_FUZZ=ON -DCORVIDA_SANITIZE=ON -DCORVIDA_BUILD_TESTS=OFF -DCORVIDA_BUILD_BENCH=OFF
 	cmake --build $(FUZZ_DIR) -j $(JOBS) --target corvida_fuzz_targets
 	for f in $(FUZZ_DIR)/tests/fuzz/fuzz_*; do \
 		[ -f "$$f" ] && [ -x "$$f" ] || continue; name=$$(basename $$f); \
 		mkdir -p $(FUZZ_DIR)/corpus/$$name; \
 		seeds=tests/fuzz/$${name#fuzz_}_seeds; [ -d "$$seeds" ] || seeds=; \
-		"$$f" -max_total_time=$(FUZZ_SECONDS) -max_len=8192 -print_final_stats=1 \
+		"$$f" -max_total_time=$(FUZZ_SECONDS) -max_len=8192 -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
 			$(FUZZ_DIR)/corpus/$$name $$seeds || exit 1; \
 	done
 

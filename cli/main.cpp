@@ -1,21 +1,59 @@
+#include "cli/AnalyzeCommand.h"
+#include "cli/CliContext.h"
+#include "cli/InfoCommand.h"
+#include "cli/MeasureCommand.h"
+#include "cli/PortsCommand.h"
 #include "cli/StreamCommand.h"
-#include "toolkit/VLogger.h"
+#include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTextStream>
-#include <cstdio>
 
 namespace {
 void printHelp(QTextStream &out)
 {
     out << "Corvida command-line tool " << CORVIDA_VERSION << "\n\n"
-        << "usage: corvida-cli <command> [options]\n\n"
+        << "usage: corvida-cli [--data DIR] <command> [options]\n\n"
         << "commands:\n"
+        << "  " << PortsCommand::usage() << "\n"
+        << "      list the serial ports and which of them are measuring units\n"
+        << "  " << MeasureCommand::usage() << "\n"
+        << "      measure once and save the record into the records folder\n"
+        << "  " << AnalyzeCommand::usage() << "\n"
+        << "      recalculate records and print their results\n"
+        << "  " << InfoCommand::usage() << "\n"
+        << "      describe recording files\n"
         << "  " << StreamCommand::usage() << "\n"
         << "      print the processed stream of a simulated unit as CSV\n\n"
+        << "options:\n"
+        << "  --data DIR   the working folder holding Settings.xml and Records/\n"
+        << "               (default: " << QuorvexCommon::userDataFolder() << ")\n"
         << "  --help       this text\n"
         << "  --version    the program's version\n";
     out.flush();
+}
+
+// Takes "--data DIR" or "--data=DIR" out of the arguments, wherever it stands.
+bool takeDataFolder(QStringList &args, QString *folder, QString *error)
+{
+    for (int i = 1; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--data")) {
+            if (i + 1 >= args.size()) {
+                *error = QStringLiteral("--data needs a folder");
+                return false;
+            }
+            *folder = args[i + 1];
+            args.remove(i, 2);
+            return true;
+        }
+        if (args[i].startsWith(QLatin1String("--data="))) {
+            *folder = args[i].mid(7);
+            args.removeAt(i);
+            return true;
+        }
+    }
+    return true;
 }
 } // namespace
 
@@ -25,26 +63,42 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
     QCoreApplication::setOrganizationName(QStringLiteral("Brenvatorix"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
-    VLogger::install();
+    // The program's debug log is for the window's console; a script wants only its results.
+    if (qEnvironmentVariableIsEmpty("CORVIDA_DEBUG"))
+        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
 
     QTextStream out(stdout);
     QTextStream err(stderr);
     QStringList args = QCoreApplication::arguments();
+    QString dataFolder = QuorvexCommon::userDataFolder();
+    QString error;
+    if (!takeDataFolder(args, &dataFolder, &error)) {
+        err << "corvida-cli: " << error << Qt::endl;
+        return 1;
+    }
     const QString command = args.value(1);
-
-    if (command.isEmpty() || command == QLatin1String("--help") || command == QLatin1String("-h")) {
+    if (command.isEmpty() || command == QLatin1String("--help") || command == QLatin1String("-h") ||
+        command == QLatin1String("help")) {
         printHelp(out);
-        return command.isEmpty() ? 2 : 0;
+        return command.isEmpty() ? 1 : 0;
     }
     if (command == QLatin1String("--version")) {
         out << "corvida-cli " << CORVIDA_VERSION << Qt::endl;
         return 0;
     }
-    args.removeAt(1); // the parser of each command sees the program name and its own options
+    args.removeAt(1); // each command's parser sees the program name and its own options
+    CliContext context(dataFolder, out, err);
+    if (command == QLatin1String("ports"))
+        return PortsCommand::run(args, context);
+    if (command == QLatin1String("measure"))
+        return MeasureCommand::run(args, context);
+    if (command == QLatin1String("analyze"))
+        return AnalyzeCommand::run(args, context);
+    if (command == QLatin1String("info"))
+        return InfoCommand::run(args, context);
     if (command == QLatin1String("stream"))
         return StreamCommand::run(args, out, err);
 
-    err << "unknown command: " << command << "\n";
-    printHelp(err);
-    return 2;
+    err << "corvida-cli: unknown command \"" << command << "\"; see corvida-cli --help" << Qt::endl;
+    return 1;
 }

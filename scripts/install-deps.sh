@@ -10,7 +10,7 @@ packages=(
     qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
     libedf-dev libxlsxwriter-dev
     libbenchmark-dev clang
-    python3-openpyxl
+    python3-openpyxl biosig-tools
     xvfb xauth
     fonts-open-sans
 )

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <cmath>
 
 QString QuorvexCommon::dateTimeFileString(const QDateTime &dateTime, bool withSeconds)
@@ -38,4 +39,12 @@ bool QuorvexCommon::CreateDirIfNotExists(const QString &path)
     if (info.exists())
         return false; // a file stands where the folder should be
     return QDir().mkpath(path);
+}
+
+QString QuorvexCommon::userDataFolder()
+{
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    if (!folder.endsWith(QLatin1Char('/')))
+        folder += QLatin1Char('/');
+    return folder;
 }

@@ -17,6 +17,10 @@ public:
     // leading minus.
     static QString timeToText(double seconds);
 
+    // The program's own per-user data folder (holding "Settings.xml" and "Records/"), ending in
+    // "/". The application and organisation names must be set before.
+    static QString userDataFolder();
+
     // Creates the folder and its parents when missing. True when the folder exists afterwards.
     static bool CreateDirIfNotExists(const QString &path);
 };

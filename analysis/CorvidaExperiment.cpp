@@ -1,0 +1,495 @@
+#include "analysis/CorvidaExperiment.h"
+
+#include "analysis/PeakFinder.h"
+#include "storage/EDFReader.h"
+#include "storage/EDFWriter.h"
+#include "toolkit/QuorvexCommon.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cmath>
+
+namespace {
+// The pressure and pulse channels share the 16-bit range of the raw channels: 32767 / 4 mmHg and
+// 32767 x 3.6 / 65536 V.
+constexpr double kPressureRange = 8191.75;
+constexpr double kPulseRange = 1.799945068359375;
+constexpr double kRawRange = 32767.0;
+// Volts per count of the pulse sensor (3.6 / 65536) and of the IR channel (2.64 / 65536).
+constexpr double kPulseVoltsPerCount = 0.000054931640625;
+constexpr double kIrVoltsPerCount = 0.000040283203125;
+// Markers earlier than this are not believed: the cuff has not even finished inflating.
+constexpr double kEarliestMarker = 4.0;
+
+QString generic(const char *text)
+{
+    return QCoreApplication::translate("Generic", text);
+}
+} // namespace
+
+CorvidaExperiment::CorvidaExperiment(QObject *parent)
+    : CorvidaExperiment(QString(), parent)
+{}
+
+CorvidaExperiment::CorvidaExperiment(const QString &settingsPath, QObject *parent)
+    : VTSettings(settingsPath, true, parent, XML)
+{
+    loadDefaults();
+    if (!settingsPath.isEmpty())
+        reload();
+    // A stored record starts when its file says; until the series are read, the file name is
+    // the best clue, and for a new record it is now.
+    m_startDateTime = QDateTime::currentDateTime();
+}
+
+CorvidaExperiment::~CorvidaExperiment() = default;
+
+template <typename T, typename Signal>
+void CorvidaExperiment::assign(T &member, const T &value, Signal signal, const char *name)
+{
+    if (member == value)
+        return;
+    member = value;
+    emit(this->*signal)(member);
+    changedProperty(QLatin1String(name));
+}
+
+void CorvidaExperiment::setRodent(const QString &Rodent)
+{
+    assign(m_Rodent, Rodent, &CorvidaExperiment::changedRodent, "Rodent");
+}
+
+void CorvidaExperiment::setComment(const QString &Comment)
+{
+    assign(m_Comment, Comment, &CorvidaExperiment::changedComment, "Comment");
+}
+
+void CorvidaExperiment::setSBP(double SBP)
+{
+    assign(m_SBP, SBP, &CorvidaExperiment::changedSBP, "SBP");
+}
+
+void CorvidaExperiment::setDBP(double DBP)
+{
+    assign(m_DBP, DBP, &CorvidaExperiment::changedDBP, "DBP");
+}
+
+void CorvidaExperiment::setBPM(double BPM)
+{
+    // NaN (no regular interval left) must still count as a change exactly once.
+    if (m_BPM == BPM || (std::isnan(m_BPM) && std::isnan(BPM)))
+        return;
+    m_BPM = BPM;
+    emit changedBPM(m_BPM);
+    changedProperty(QStringLiteral("BPM"));
+}
+
+void CorvidaExperiment::setSN(const QString &SN)
+{
+    assign(m_SN, SN, &CorvidaExperiment::changedSN, "SN");
+}
+
+void CorvidaExperiment::storeSBPTime(double SBPTime)
+{
+    assign(m_SBPTime, SBPTime, &CorvidaExperiment::changedSBPTime, "SBPTime");
+}
+
+void CorvidaExperiment::storeDBPTime(double DBPTime)
+{
+    assign(m_DBPTime, DBPTime, &CorvidaExperiment::changedDBPTime, "DBPTime");
+}
+
+void CorvidaExperiment::setSBPTime(double SBPTime)
+{
+    // Read the series first: reading ends in a recalculation that fills missing markers, and
+    // that must not overwrite the marker placed here.
+    ensureSeries();
+    storeSBPTime(SBPTime);
+    setSBP(pressureAt(SBPTime));
+}
+
+void CorvidaExperiment::setDBPTime(double DBPTime)
+{
+    ensureSeries();
+    storeDBPTime(DBPTime);
+    setDBP(pressureAt(DBPTime));
+}
+
+void CorvidaExperiment::resetRodent()
+{
+    setRodent(QString());
+}
+void CorvidaExperiment::resetComment()
+{
+    setComment(QString());
+}
+void CorvidaExperiment::resetSBP()
+{
+    setSBP(0.0);
+}
+void CorvidaExperiment::resetSBPTime()
+{
+    storeSBPTime(0.0);
+}
+void CorvidaExperiment::resetDBP()
+{
+    setDBP(0.0);
+}
+void CorvidaExperiment::resetDBPTime()
+{
+    storeDBPTime(0.0);
+}
+void CorvidaExperiment::resetBPM()
+{
+    setBPM(0.0);
+}
+void CorvidaExperiment::resetSN()
+{
+    setSN(QString());
+}
+
+QList<double> CorvidaExperiment::getPressure()
+{
+    if (m_pressure.isEmpty())
+        loadSeries();
+    return m_pressure;
+}
+
+QList<double> CorvidaExperiment::getPulse()
+{
+    if (m_pulse.isEmpty())
+        loadSeries();
+    return m_pulse;
+}
+
+double CorvidaExperiment::getSamplingRate()
+{
+    if (m_samplingRate == 0.0)
+        loadSeries();
+    return m_samplingRate;
+}
+
+void CorvidaExperiment::ensureSeries()
+{
+    if (m_pressure.isEmpty() || m_samplingRate == 0.0)
+        loadSeries();
+}
+
+double CorvidaExperiment::pressureAt(double t)
+{
+    ensureSeries();
+    return PeakFinder::valueAtTime(m_pressure, t, m_samplingRate);
+}
+
+QString CorvidaExperiment::bpText() const
+{
+    if (m_SBP == 0.0 && m_DBP == 0.0)
+        return QStringLiteral("?");
+    const auto value = [](double v) {
+        return v > 0 ? QString::number(v, 'f', 0) : QStringLiteral("?");
+    };
+    return value(m_SBP) + QLatin1Char('/') + value(m_DBP);
+}
+
+QString CorvidaExperiment::listLabel() const
+{
+    const QString path = getFilepath();
+    return path.isEmpty() ? QStringLiteral("?") : QFileInfo(path).fileName();
+}
+
+QString CorvidaExperiment::baseFileName() const
+{
+    QString name = QuorvexCommon::dateTimeFileString(m_startDateTime, true);
+    const QString sn = m_SN.trimmed();
+    if (m_nameWithSerial && !sn.isEmpty())
+        name += QStringLiteral(" (") + sn + QLatin1Char(')');
+    return name;
+}
+
+void CorvidaExperiment::clearSeries()
+{
+    m_pressure.clear();
+    m_pulse.clear();
+    m_raw.clear();
+    m_beats.clear();
+    m_valleys.clear();
+    m_heartRate.clear();
+    m_amplitude.clear();
+}
+
+void CorvidaExperiment::loadSeries()
+{
+    // Reading ends in a recalculation, which may ask for the series again.
+    if (m_loading)
+        return;
+    QString edfPath = getFilepath();
+    if (edfPath.isEmpty())
+        return;
+    if (edfPath.endsWith(QLatin1String(".exp"), Qt::CaseInsensitive))
+        edfPath.chop(4);
+    edfPath += QStringLiteral(".edf");
+    if (!QFile::exists(edfPath))
+        return;
+
+    m_loading = true;
+    EDFReader reader(edfPath);
+    if (!reader.open() || reader.samplesInFile() < 1) {
+        m_loading = false;
+        return;
+    }
+    const QStringList names = reader.getChannelNames();
+    const int pressureChannel = int(names.indexOf(QStringLiteral("Pressure")));
+    const int pulseChannel = int(names.indexOf(QStringLiteral("Pulse")));
+    if (pressureChannel < 0 || pulseChannel < 0) {
+        m_loading = false;
+        return;
+    }
+    m_samplingRate = reader.getSamplingRate();
+    if (reader.startDateTime().isValid())
+        m_startDateTime = reader.startDateTime();
+    const qint64 n = reader.samplesInFile();
+    // The file holds the series negated once more than the reader undoes; see save().
+    m_pressure = reader.getChannelData(pressureChannel, 0, int(n));
+    for (double &v : m_pressure)
+        v = -v;
+    m_pulse = reader.getChannelData(pulseChannel, 0, int(n));
+    for (double &v : m_pulse)
+        v = -v;
+
+    // Markers written as marks fill in what the ".exp" file does not already hold.
+    const QMap<qint64, QString> marks = reader.getAnnotations();
+    reader.close();
+    const auto firstMark = [&marks](const QString &text) -> qint64 {
+        for (auto it = marks.cbegin(); it != marks.cend(); ++it)
+            if (it.value() == text)
+                return it.key();
+        return -1;
+    };
+    if (m_SBP == 0.0 || m_SBPTime == 0.0) {
+        const qint64 ms = firstMark(QStringLiteral("SBP"));
+        if (ms >= 0)
+            setSBPTime(ms / 1000.0);
+    }
+    if (m_DBP == 0.0 || m_DBPTime == 0.0) {
+        const qint64 ms = firstMark(QStringLiteral("DBP"));
+        if (ms >= 0)
+            setDBPTime(ms / 1000.0);
+    }
+    recalculate(false);
+    m_loading = false;
+}
+
+void CorvidaExperiment::ensurePeakFinder()
+{
+    // The detector works at the rate it is made with; a record may learn its rate only when its
+    // series are read.
+    if (m_peakFinder && m_peakFinder->samplingRate() != m_samplingRate) {
+        delete m_peakFinder;
+        m_peakFinder = nullptr;
+    }
+    if (!m_peakFinder)
+        m_peakFinder = new PeakFinder(m_samplingRate, 0.01, 0.05, this);
+}
+
+void CorvidaExperiment::clearMarker(double &value, void (CorvidaExperiment::*signal)(double),
+                                    const char *name)
+{
+    if (value == 0.0)
+        return;
+    value = 0.0;
+    emit(this->*signal)(0.0);
+    changedProperty(QLatin1String(name));
+}
+
+void CorvidaExperiment::recalculate(bool reset)
+{
+    if (reset) {
+        clearMarker(m_DBP, &CorvidaExperiment::changedDBP, "DBP");
+        clearMarker(m_DBPTime, &CorvidaExperiment::changedDBPTime, "DBPTime");
+        clearMarker(m_SBP, &CorvidaExperiment::changedSBP, "SBP");
+        clearMarker(m_SBPTime, &CorvidaExperiment::changedSBPTime, "SBPTime");
+    }
+    if (m_pulse.isEmpty())
+        loadSeries();
+    ensurePeakFinder();
+
+    QList<int> signedIndices;
+    m_peakFinder->findPeaks(m_pulse, 0, -1, signedIndices, m_beats, m_valleys);
+
+    m_heartRate.clear();
+    const QList<QPointF> intervals = m_peakFinder->intervalSeries();
+    for (const QPointF &p : intervals)
+        m_heartRate << QPointF(p.x(), p.y() > 0 ? 60.0 / p.y() : 0.0);
+    m_amplitude = m_peakFinder->amplitudeSeries();
+    setBPM(m_peakFinder->heartRate());
+
+    if (m_beats.size() > 2) {
+        const QList<int> regular = m_peakFinder->selectRegularBeats(m_beats);
+        const int c = PeakFinder::chooseSystolicBeat(regular);
+        double systolic = 0.0;
+        double diastolic = 0.0;
+        if (c >= 0 && c < regular.size() && m_samplingRate > 0) {
+            systolic = regular[c] / m_samplingRate;
+            if (systolic >= kEarliestMarker) {
+                diastolic = m_peakFinder->findDiastolicTime(systolic, m_pressure);
+                if (diastolic < kEarliestMarker)
+                    diastolic = 0.0;
+            } else {
+                systolic = 0.0;
+            }
+        }
+        // A complete marker pair is the operator's or an earlier run's: it stays.
+        if (m_SBP == 0.0 || m_SBPTime == 0.0)
+            setSBPTime(systolic);
+        if (m_DBP == 0.0 || m_DBPTime == 0.0)
+            setDBPTime(diastolic);
+    }
+    if (reset)
+        emit bpResetted();
+}
+
+bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePath, QString *error)
+{
+    const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
+    const bool withRaw = m_raw.size() == 4 && m_raw.first().size() >= n && m_raw[1].size() >= n &&
+                         m_raw[2].size() >= n && m_raw[3].size() >= n;
+    QList<ChannelDim> channels = {ChannelDim(QStringLiteral("Pressure"), kPressureRange),
+                                  ChannelDim(QStringLiteral("Pulse"), kPulseRange)};
+    if (withRaw) {
+        for (const char *name : {"MPX", "AC", "DC", "IR"})
+            channels << ChannelDim(QString::fromLatin1(name), kRawRange);
+    }
+
+    const qint64 startMs = m_startDateTime.toMSecsSinceEpoch();
+    EDFWriter writer(writePath, channels, int(m_samplingRate), [startMs] { return startMs; });
+    PatientInfo info;
+    info.patientName = m_Rodent;
+    info.equipment = m_SN;
+    info.recordingAdditional = m_Comment;
+    const QDate date = m_startDateTime.date();
+    const QTime time = m_startDateTime.time();
+    info.startYear = date.year();
+    info.startMonth = date.month();
+    info.startDay = date.day();
+    info.startHour = time.hour();
+    info.startMinute = time.minute();
+    info.startSecond = time.second();
+    info.startMillisecond = time.msec();
+    writer.setPatientInfo(info);
+    writer.takeStartTime(startMs);
+    if (!writer.isOpen()) {
+        if (error)
+            *error = generic("Cannot open") + QStringLiteral(" \"") + edfPath + QStringLiteral("\" ") +
+                     generic("for record");
+        return false;
+    }
+
+    // Samples go in negated; the writer negates once more and the reader undoes both on loading.
+    constexpr qsizetype kChunk = 10000;
+    QList<QList<float>> block(channels.size());
+    for (qsizetype at = 0; at < n; at += kChunk) {
+        const qsizetype m = std::min(kChunk, n - at);
+        for (auto &c : block)
+            c.resize(m);
+        for (qsizetype i = 0; i < m; ++i) {
+            const qsizetype k = at + i;
+            block[0][i] = float(-m_pressure[k]);
+            block[1][i] = float(-m_pulse[k]);
+            if (withRaw) {
+                block[2][i] = float(-m_raw[0][k] * 4.0);
+                block[3][i] = float(-m_raw[1][k] / kPulseVoltsPerCount);
+                block[4][i] = float(-m_raw[2][k] / kPulseVoltsPerCount);
+                block[5][i] = float(-m_raw[3][k] / kIrVoltsPerCount);
+            }
+        }
+        writer.writeData(block);
+    }
+    bool marked = true;
+    if (m_SBPTime > 0)
+        marked &= writer.addAnnotation(QStringLiteral("SBP"), int(m_SBPTime * 1000.0), -1) >= 0;
+    if (m_DBPTime > 0)
+        marked &= writer.addAnnotation(QStringLiteral("DBP"), int(m_DBPTime * 1000.0), -1) >= 0;
+    if (!writer.close(true) || !marked) {
+        if (error)
+            *error = generic("Error saving") + QStringLiteral(" \"") + edfPath + QLatin1Char('"');
+        return false;
+    }
+    return true;
+}
+
+bool CorvidaExperiment::save(const QString &folder, QString *error)
+{
+    const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
+    if (m_samplingRate < 1.0) {
+        if (error)
+            *error = generic("Invalid sampling rate");
+        return false;
+    }
+    if (m_samplingRate > double(n)) {
+        if (error)
+            *error = generic("Experiment is too short");
+        return false;
+    }
+
+    QString base = QDir::fromNativeSeparators(folder);
+    if (!base.endsWith(QLatin1Char('/')))
+        base += QLatin1Char('/');
+    base += baseFileName();
+    const QString edfPath = base + QStringLiteral(".edf");
+    const QString expPath = base + QStringLiteral(".exp");
+    // The ".edf" file is what makes a record in the folder: it is written under another name and
+    // only takes its own once the ".exp" file is there too.
+    const QString partPath = edfPath + QStringLiteral(".part");
+
+    if (!writeEdf(edfPath, partPath, error)) {
+        QFile::remove(partPath);
+        return false;
+    }
+
+    const QString previousPath = getFilepath();
+    const bool previousAutoSave = getAutoSave();
+    const bool hadExp = QFile::exists(expPath);
+    setFilepath(expPath);
+    setAutoSave(true);
+    bool ok = VTSettings::save();
+    if (ok) {
+        QFile::remove(edfPath);
+        ok = QFile::rename(partPath, edfPath);
+    }
+    if (!ok) {
+        QFile::remove(partPath);
+        if (!hadExp)
+            QFile::remove(expPath);
+        setFilepath(previousPath);
+        setAutoSave(previousAutoSave);
+        if (error)
+            *error = generic("Error saving") + QStringLiteral(" \"") + expPath + QLatin1Char('"');
+        return false;
+    }
+    return true;
+}
+
+QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
+{
+    QList<QList<QVariant>> rows = {
+        {generic("SBP"), m_SBP, generic("mmHg")},  {generic("DBP"), m_DBP, generic("mmHg")},
+        {generic("Pulse"), m_BPM, generic("bpm")}, {generic("Rodent"), m_Rodent},
+        {generic("Comment"), m_Comment},
+    };
+    if (essentialOnly)
+        return rows;
+    const QList<double> pressure = getPressure();
+    const QList<double> pulse = getPulse();
+    rows << QList<QVariant>();
+    rows << QList<QVariant>{generic("Sampling rate"), m_samplingRate};
+    rows << QList<QVariant>{generic("Pressure") + QStringLiteral(", ") + generic("mmHg"),
+                            generic("PPG") + QStringLiteral(", ") + generic("V")};
+    const qsizetype n = std::min(pressure.size(), pulse.size());
+    rows.reserve(rows.size() + n);
+    for (qsizetype i = 0; i < n; ++i)
+        rows << QList<QVariant>{pressure[i], pulse[i]};
+    return rows;
+}

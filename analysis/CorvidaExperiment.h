@@ -1,0 +1,178 @@
+#pragma once
+
+#include "settings/VTSettings.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QPointF>
+#include <QVariant>
+
+class PeakFinder;
+
+// One blood-pressure measurement: who was measured and when, the cuff pressure and pulse series,
+// the systolic and diastolic markers with their pressures, and the mean heart rate.
+//
+// On disk a record is two files with one base name: "<name>.exp" holds the properties below
+// (written by the settings store), "<name>.edf" holds the series and the markers as marks. The
+// series are read from the ".edf" file on first use. Zero means "not set" for every marker value.
+class CorvidaExperiment : public VTSettings
+{
+    Q_OBJECT
+
+    Q_PROPERTY(QString Rodent READ getRodent WRITE setRodent RESET resetRodent NOTIFY changedRodent)
+    Q_CLASSINFO("RodentNoDefault", "true")
+    Q_CLASSINFO("RodentEditable", "true")
+    Q_PROPERTY(
+        QString Comment READ getComment WRITE setComment RESET resetComment NOTIFY changedComment)
+    Q_CLASSINFO("CommentNoDefault", "true")
+    Q_CLASSINFO("CommentEditable", "true")
+    Q_PROPERTY(double SBP READ getSBP WRITE setSBP RESET resetSBP NOTIFY changedSBP)
+    Q_CLASSINFO("SBPDefault", "0")
+    Q_CLASSINFO("SBPEditable", "true")
+    // The marker times are read from the file as plain values; setSBPTime() and setDBPTime()
+    // also look up the pressure.
+    Q_PROPERTY(
+        double SBPTime READ getSBPTime WRITE storeSBPTime RESET resetSBPTime NOTIFY changedSBPTime)
+    Q_CLASSINFO("SBPTimeDefault", "0")
+    Q_CLASSINFO("SBPTimeEditable", "true")
+    Q_PROPERTY(double DBP READ getDBP WRITE setDBP RESET resetDBP NOTIFY changedDBP)
+    Q_CLASSINFO("DBPDefault", "0")
+    Q_CLASSINFO("DBPEditable", "true")
+    Q_PROPERTY(
+        double DBPTime READ getDBPTime WRITE storeDBPTime RESET resetDBPTime NOTIFY changedDBPTime)
+    Q_CLASSINFO("DBPTimeDefault", "0")
+    Q_CLASSINFO("DBPTimeEditable", "true")
+    Q_PROPERTY(double BPM READ getBPM WRITE setBPM RESET resetBPM NOTIFY changedBPM)
+    Q_CLASSINFO("BPMDefault", "0")
+    Q_CLASSINFO("BPMEditable", "true")
+    Q_PROPERTY(QString SN READ getSN WRITE setSN RESET resetSN NOTIFY changedSN)
+    Q_CLASSINFO("SNDefault", "\"\"")
+    Q_CLASSINFO("SNEditable", "true")
+
+public:
+    explicit CorvidaExperiment(QObject *parent = nullptr);
+    // A stored record: its ".exp" path; the series are read from the ".edf" beside it on first use.
+    explicit CorvidaExperiment(const QString &settingsPath, QObject *parent = nullptr);
+    ~CorvidaExperiment() override;
+
+    QString getRodent() const { return m_Rodent; }
+    QString getComment() const { return m_Comment; }
+    double getSBP() const { return m_SBP; }
+    double getSBPTime() const { return m_SBPTime; }
+    double getDBP() const { return m_DBP; }
+    double getDBPTime() const { return m_DBPTime; }
+    double getBPM() const { return m_BPM; }
+    QString getSN() const { return m_SN; }
+
+    QDateTime startDateTime() const { return m_startDateTime; }
+    void setStartDateTime(const QDateTime &start) { m_startDateTime = start; }
+    bool nameWithSerial() const { return m_nameWithSerial; }
+
+    // The series; the first three read the ".edf" file when they are still empty.
+    QList<double> getPressure();
+    QList<double> getPulse();
+    double getSamplingRate();
+    QList<QList<double>> rawChannels() const { return m_raw; }
+    QList<int> beats() const { return m_beats; }
+    QList<int> valleys() const { return m_valleys; }
+    QList<QPointF> heartRateSeries() const { return m_heartRate; }
+    QList<QPointF> amplitudeSeries() const { return m_amplitude; }
+    PeakFinder *peakFinder() const { return m_peakFinder; }
+
+    // Cuff pressure at t seconds (sample index t x rate, truncated); 0 outside the series.
+    double pressureAt(double t);
+
+    // "120/80"; a value of 0 or less is "?", and "?" alone when both are 0.
+    QString bpText() const;
+    // The file name of the ".exp" file, or "?" for a record that has none yet.
+    QString listLabel() const;
+    // The start as a file-name text, with " (<SN>)" when the name carries the serial number.
+    QString baseFileName() const;
+
+    // Writes "<folder>/<base name>.edf" and ".exp". On failure nothing of the new pair remains,
+    // the record is as it was, and `error` (when given) says why.
+    bool save(const QString &folder, QString *error = nullptr);
+
+    // Writes the ".exp" file now (its path must be set); the ".edf" file is not touched.
+    bool saveProperties() { return VTSettings::save(); }
+
+    // Finds the beats, the heart rate and the markers again. Markers that are set (both time and
+    // pressure non-zero) are kept unless `reset` clears them first.
+    void recalculate(bool reset);
+
+    // The result rows, and unless `essentialOnly` the sampling rate and every sample.
+    QList<QList<QVariant>> exportTable(bool essentialOnly);
+
+public slots:
+    void setRodent(const QString &Rodent);
+    void setComment(const QString &Comment);
+    void setSBP(double SBP);
+    // Sets the marker time and the pressure found at that time.
+    void setSBPTime(double SBPTime);
+    void setDBP(double DBP);
+    void setDBPTime(double DBPTime);
+    void setBPM(double BPM);
+    void setSN(const QString &SN);
+    void resetRodent();
+    void resetComment();
+    void resetSBP();
+    void resetSBPTime();
+    void resetDBP();
+    void resetDBPTime();
+    void resetBPM();
+    void resetSN();
+
+signals:
+    void changedRodent(QString Rodent);
+    void changedComment(QString Comment);
+    void changedSBP(double SBP);
+    void changedSBPTime(double SBPTime);
+    void changedDBP(double DBP);
+    void changedDBPTime(double DBPTime);
+    void changedBPM(double BPM);
+    void changedSN(QString SN);
+    void bpResetted();
+    void dataUpdated();
+
+protected:
+    // Reads the series and the markers missing from the ".exp" file out of the ".edf" file.
+    virtual void loadSeries();
+    void setNameWithSerialFlag(bool on) { m_nameWithSerial = on; }
+    void clearSeries();
+
+    QDateTime m_startDateTime;
+    double m_samplingRate = 0.0;
+    QList<double> m_pressure;
+    QList<double> m_pulse;
+    QList<QList<double>> m_raw; // MPX, AC, DC, IR when recorded live
+    PeakFinder *m_peakFinder = nullptr;
+
+private:
+    // Stores a marker time as it is, without reading the series for its pressure: reading a
+    // record's ".exp" file must not load its recording.
+    void storeSBPTime(double SBPTime);
+    void storeDBPTime(double DBPTime);
+    template <typename T, typename Signal>
+    void assign(T &member, const T &value, Signal signal, const char *name);
+    void setMarkerTime(double &time, double &pressure, double t, bool systolic);
+    void ensurePeakFinder();
+    void ensureSeries();
+    void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
+    bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
+
+    QString m_Rodent;
+    QString m_Comment;
+    double m_SBP = 0.0;
+    double m_SBPTime = 0.0;
+    double m_DBP = 0.0;
+    double m_DBPTime = 0.0;
+    double m_BPM = 0.0;
+    QString m_SN;
+
+    QList<int> m_beats;
+    QList<int> m_valleys;
+    QList<QPointF> m_heartRate;
+    QList<QPointF> m_amplitude;
+    bool m_nameWithSerial = false;
+    bool m_loading = false;
+};

@@ -1,0 +1,116 @@
+#include "analysis/LiveRecorder.h"
+
+#include "analysis/CorvidaOnlineExperiment.h"
+#include "device/BaseCorvidaDevice.h"
+
+LiveRecorder::LiveRecorder(BaseCorvidaDevice *device, QObject *parent)
+    : QObject(parent)
+    , m_device(device)
+    , m_experiment(new CorvidaOnlineExperiment(this))
+{
+    if (m_device) {
+        m_experiment->setSamplingRate(m_device->sampleRate());
+        m_connections << connect(m_device, &BaseCorvidaDevice::pressurePulseData, this,
+                                 &LiveRecorder::onFrame);
+        m_connections << connect(m_device, &BaseCorvidaDevice::adcData, this,
+                                 &LiveRecorder::onRawFrame);
+    }
+    m_connections << connect(m_experiment, &CorvidaOnlineExperiment::pulseCalculated, this,
+                             [this](double bpm) { m_lastHeartRate = bpm; });
+}
+
+LiveRecorder::~LiveRecorder() = default;
+
+bool LiveRecorder::isSaveable() const
+{
+    return double(m_pressure.size()) > m_experiment->getSamplingRate();
+}
+
+void LiveRecorder::startNewRecording()
+{
+    m_experiment->resetForNewRecording();
+    m_pressure.clear();
+    m_pulse.clear();
+    m_infrared.clear();
+    m_lastHeartRate = 0.0;
+    m_savedPath.clear();
+    if (m_device) {
+        // Every record carries the identity of the unit it was measured with.
+        m_experiment->setSN(m_device->serialNumber().isEmpty() ? m_device->deviceId()
+                                                               : m_device->serialNumber());
+        m_experiment->setSamplingRate(m_device->sampleRate());
+    }
+}
+
+bool LiveRecorder::turnOn()
+{
+    if (!m_device || !m_device->isConnected() || m_device->isAcquiring())
+        return false;
+    startNewRecording();
+    m_device->startAcquisition();
+    return true;
+}
+
+bool LiveRecorder::turnOff()
+{
+    if (!m_device || !m_device->isAcquiring())
+        return false;
+    if (m_device->isMeasuring())
+        m_device->stopMeasuring();
+    else
+        m_device->stopAcquisition();
+    return true;
+}
+
+bool LiveRecorder::measure()
+{
+    if (!m_device || !m_device->isConnected() || !m_device->isAcquiring() ||
+        m_device->isMeasuring())
+        return false;
+    startNewRecording();
+    m_device->startMeasuring();
+    return m_device->isMeasuring();
+}
+
+bool LiveRecorder::abort()
+{
+    if (!m_device || !m_device->isMeasuring())
+        return false;
+    m_device->stopMeasuring();
+    return true;
+}
+
+bool LiveRecorder::save(const QString &folder, QString *error)
+{
+    if (!m_experiment->save(folder, error))
+        return false;
+    m_experiment->recalculate(false);
+    m_savedPath = m_experiment->getFilepath();
+    emit saved(m_savedPath);
+    return true;
+}
+
+void LiveRecorder::onFrame(const QList<QList<float>> &frame)
+{
+    if (frame.size() < 2)
+        return;
+    // Take the series back from the record first: then nobody else holds them and appending
+    // grows them in place.
+    m_experiment->releaseSeries();
+    for (float v : frame[0])
+        m_pressure.append(v);
+    for (float v : frame[1])
+        m_pulse.append(v);
+    if (frame.size() > 2) {
+        for (float v : frame[2])
+            m_infrared.append(v);
+    }
+    m_experiment->updateData({m_pressure, m_pulse, m_infrared});
+    emit dataUpdated();
+}
+
+void LiveRecorder::onRawFrame(const QList<QList<double>> &frame)
+{
+    if (m_recordRaw)
+        m_experiment->appendRaw(frame);
+}

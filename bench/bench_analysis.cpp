@@ -1,0 +1,56 @@
+// Cost of analysing a record: the full recalculation of a 10-minute record, and the live heart
+// rate over the last three seconds.
+#include "analysis/CorvidaOnlineExperiment.h"
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+
+namespace {
+// Ten minutes at 1000 Hz of repeated cuff cycles: pressure falls from 160 to 40 mmHg every
+// 30 s; a 450 beats per minute pulse returns below 120 mmHg.
+QList<QList<double>> tenMinutes()
+{
+    const int n = 600000;
+    QList<double> pressure(n), pulse(n);
+    for (int i = 0; i < n; ++i) {
+        const double t = (i % 30000) / 1000.0;
+        pressure[i] = t < 2 ? 80 * t : std::max(0.0, 160 - 6 * (t - 2));
+        const double amplitude = pressure[i] > 120 ? 0.01 : 0.3;
+        const double phase = std::fmod(i / 1000.0 * 7.5, 1.0);
+        pulse[i] = amplitude * (phase < 0.2 ? phase / 0.2 : (1 - phase) / 0.8);
+    }
+    return {pressure, pulse};
+}
+
+void BM_Recalculate10Minutes(benchmark::State &state)
+{
+    CorvidaOnlineExperiment e;
+    e.setClock([] { return qint64(0); }); // keeps the live heart rate out of updateData
+    e.setSamplingRate(1000);
+    e.updateData(tenMinutes());
+    for (auto _ : state)
+        e.recalculate(true);
+    state.counters["beats"] = double(e.beats().size());
+}
+BENCHMARK(BM_Recalculate10Minutes)->Unit(benchmark::kMillisecond);
+
+void BM_LiveHeartRate3Seconds(benchmark::State &state)
+{
+    const QList<QList<double>> data = tenMinutes();
+    CorvidaOnlineExperiment e;
+    qint64 now = 0;
+    e.setClock([&now] { return now; });
+    e.setSamplingRate(1000);
+    double bpm = 0;
+    QObject::connect(&e, &CorvidaOnlineExperiment::pulseCalculated, &e,
+                     [&bpm](double v) { bpm = v; });
+    for (auto _ : state) {
+        now += 1001; // every update is due for a heart-rate run
+        e.updateData(data);
+    }
+    state.counters["bpm"] = bpm;
+}
+BENCHMARK(BM_LiveHeartRate3Seconds)->Unit(benchmark::kMicrosecond);
+} // namespace
+
+BENCHMARK_MAIN();

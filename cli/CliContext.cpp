@@ -1,0 +1,80 @@
+#include "cli/CliContext.h"
+
+#include "settings/CorvidaSettings.h"
+#include "storage/EDFReader.h"
+#include "toolkit/QuorvexCommon.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <cstdio>
+#ifdef Q_OS_WIN
+#include <io.h>
+#define isatty _isatty
+#define fileno _fileno
+#else
+#include <unistd.h>
+#endif
+
+CliContext::CliContext(const QString &dataFolder, QTextStream &out, QTextStream &err)
+    : m_dataFolder(QDir::fromNativeSeparators(dataFolder))
+    , m_out(out)
+    , m_err(err)
+{
+    if (!m_dataFolder.endsWith(QLatin1Char('/')))
+        m_dataFolder += QLatin1Char('/');
+}
+
+CliContext::~CliContext() = default;
+
+CorvidaSettings *CliContext::settings()
+{
+    if (!m_settings) {
+        QuorvexCommon::CreateDirIfNotExists(m_dataFolder);
+        m_settings =
+            std::make_unique<CorvidaSettings>(m_dataFolder + QStringLiteral("Settings.xml"));
+    }
+    return m_settings.get();
+}
+
+int CliContext::fail(const QString &message)
+{
+    m_out.flush();
+    m_err << "corvida-cli: " << message << Qt::endl;
+    return 1;
+}
+
+bool CliContext::stderrIsTerminal()
+{
+    return isatty(fileno(stderr)) != 0;
+}
+
+bool CliContext::checkRecord(const QString &edfPath, QString *why)
+{
+    const QFileInfo info(edfPath);
+    if (!info.exists()) {
+        *why = QStringLiteral("%1: no such file").arg(edfPath);
+        return false;
+    }
+    if (!info.isFile() || !info.isReadable()) {
+        *why = QStringLiteral("%1: cannot be read").arg(edfPath);
+        return false;
+    }
+    EDFReader reader(edfPath);
+    if (!reader.open()) {
+        *why = QStringLiteral("%1: not an EDF+ file").arg(edfPath);
+        return false;
+    }
+    const QStringList names = reader.getChannelNames();
+    if (!names.contains(QStringLiteral("Pressure")) || !names.contains(QStringLiteral("Pulse"))) {
+        *why =
+            QStringLiteral("%1: not a Corvida record (no Pressure and Pulse signals)").arg(edfPath);
+        return false;
+    }
+    return true;
+}
+
+QString CliContext::expPathFor(const QString &edfPath)
+{
+    const QFileInfo info(edfPath);
+    return info.dir().filePath(info.completeBaseName() + QStringLiteral(".exp"));
+}

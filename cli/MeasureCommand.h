@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QPair>
+#include <QStringList>
+
+class CliContext;
+
+// "corvida-cli measure": one whole measurement from a unit into the records folder, the same
+// steps as the device panel's Turn on, Measure, Abort and Save.
+class MeasureCommand
+{
+public:
+    static QString usage()
+    {
+        return QStringLiteral("measure (--port NAME | --simulated) [--limits UPPER/LOWER] "
+                              "[--seconds N] [--rodent TEXT] [--comment TEXT]");
+    }
+    static int run(const QStringList &arguments, CliContext &context);
+
+    // "200/50" → (200, 50). False for anything that is not two positive numbers, upper first
+    // and above lower, at most 300 mmHg.
+    static bool parseLimits(const QString &text, QPair<double, double> *limits);
+    // Whether a serial port can be opened now; otherwise a one-line reason.
+    static bool probePort(const QString &port, QString *why);
+};

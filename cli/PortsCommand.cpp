@@ -1,0 +1,18 @@
+#include "cli/PortsCommand.h"
+
+#include "cli/CliContext.h"
+#include "device/SerialPortList.h"
+
+int PortsCommand::run(const QStringList &arguments, CliContext &context)
+{
+    if (arguments.size() > 1)
+        return context.fail(QStringLiteral("ports takes no arguments"));
+    context.out() << "port;description;manufacturer;unit\n";
+    for (const SerialPortList::Entry &e : SerialPortList::system()()) {
+        const bool unit = !SerialPortList::isBluetooth(e) && SerialPortList::describesUnit(e);
+        context.out() << e.portName << ';' << e.description << ';' << e.manufacturer << ';'
+                      << (unit ? "yes" : "no") << '\n';
+    }
+    context.out().flush();
+    return 0;
+}

@@ -1,0 +1,438 @@
+#include "analysis/CorvidaExperiment.h"
+#include "analysis/CorvidaOnlineExperiment.h"
+#include "device/VirtualCorvidaDevice.h"
+#include "storage/EDFReader.h"
+#include "storage/EDFWriter.h"
+
+#include <QDir>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <cmath>
+#include <random>
+
+namespace {
+// A live record filled with `n` samples of a slow ramp at the given rate.
+void fill(CorvidaOnlineExperiment &e, double rate, int n, int pulseLength = -1)
+{
+    QList<double> pressure(n), pulse(pulseLength < 0 ? n : pulseLength);
+    for (int i = 0; i < n; ++i)
+        pressure[i] = 150.0 - i * 0.01;
+    for (qsizetype i = 0; i < pulse.size(); ++i)
+        pulse[i] = 0.3 * std::sin(i * 0.05);
+    e.setSamplingRate(rate);
+    e.updateData({pressure, pulse});
+}
+
+QStringList filesIn(const QString &dir)
+{
+    return QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+// A whole measurement of the simulated unit between 120 and 30 mmHg: the cuff is inflated within
+// a second and then falls by about 10 mmHg per second; the pulse comes back below the simulated
+// systolic pressure of 120 mmHg after about 5 s. (With higher limits it comes back before the
+// first 4 s, where no marker is believed.)
+void recordSimulatedMeasurement(CorvidaOnlineExperiment &e, int seconds)
+{
+    VirtualCorvidaDevice device;
+    qint64 now = 1'000'000;
+    std::mt19937 rng(42);
+    std::uniform_real_distribution<double> uniform(0.0, 1.0);
+    device.setTickTimerActive(false);
+    device.setClock([&now] { return now; });
+    device.setRandomSource([&] { return uniform(rng); });
+    QList<double> pressure, pulse;
+    QObject::connect(&device, &BaseCorvidaDevice::pressurePulseData, &device,
+                     [&](const QList<QList<float>> &f) {
+                         for (float v : f[0])
+                             pressure << v;
+                         for (float v : f[1])
+                             pulse << v;
+                     });
+    device.setPressureLimits(30, 120);
+    device.startMeasuring();
+    for (int t = 0; t < seconds * 20; ++t) {
+        now += 50;
+        device.tick();
+    }
+    e.setSamplingRate(1000);
+    e.updateData({pressure, pulse});
+}
+} // namespace
+
+class TestCorvidaExperiment : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void saveRefusesBadRecords_data();
+    void saveRefusesBadRecords();
+    void saveAndLoadRoundTrip();
+    void onlyMarkersThatAreSetBecomeMarks();
+    void marksFillMarkersMissingFromTheExpFile();
+    void failedSaveLeavesNothingAndKeepsTheRecord();
+    void baseNameCarriesTrimmedSerial();
+    void bpText_data();
+    void bpText();
+    void simulatedMeasurementGivesItsSystolicPressure();
+    void manualMarkersSurviveRecalculation();
+    void markerPlacedBeforeSeriesAreReadIsKept();
+    void resetClearsInOrderThenSetsThenAnnounces();
+    void fewBeatsLeaveMarkersAlone();
+    void exportTableRows();
+    void liveHeartRateAtMostOncePerSecond();
+    void liveHeartRateNeedsMoreThanThreeSeconds();
+    void rawChannelsRestartWhenTheirCountChanges();
+    void newRecordingResetsEverything();
+};
+
+void TestCorvidaExperiment::saveRefusesBadRecords_data()
+{
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<int>("samples");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("rate below 1") << 0.5 << 5000 << "Invalid sampling rate";
+    QTest::newRow("under one second") << 1000.0 << 999 << "Experiment is too short";
+    QTest::newRow("exactly one second") << 1000.0 << 1000 << "";
+}
+
+void TestCorvidaExperiment::saveRefusesBadRecords()
+{
+    QFETCH(double, rate);
+    QFETCH(int, samples);
+    QFETCH(QString, error);
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment e;
+    fill(e, rate, samples);
+    QString message;
+    QCOMPARE(e.save(dir.path(), &message), error.isEmpty());
+    QCOMPARE(message, error);
+    QCOMPARE(filesIn(dir.path()).size(), error.isEmpty() ? 2 : 0);
+}
+
+void TestCorvidaExperiment::saveAndLoadRoundTrip()
+{
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment live;
+    fill(live, 1000, 20000, 15000); // series of different lengths: the shorter is written
+    live.setRodent(QStringLiteral("rat 7"));
+    live.setComment(QStringLiteral("left tail, calm"));
+    live.setSN(QStringLiteral("A17"));
+    live.setSBPTime(5.5);
+    live.setDBPTime(8.25);
+    QString error;
+    QVERIFY2(live.save(dir.path(), &error), qPrintable(error));
+    const QString base = dir.filePath(live.baseFileName());
+    QCOMPARE(filesIn(dir.path()),
+             (QStringList{live.baseFileName() + ".edf", live.baseFileName() + ".exp"}));
+    QCOMPARE(live.getFilepath(), base + ".exp");
+    QVERIFY(live.getAutoSave());
+
+    CorvidaExperiment stored(base + ".exp");
+    QCOMPARE(stored.getRodent(), QStringLiteral("rat 7"));
+    QCOMPARE(stored.getComment(), QStringLiteral("left tail, calm"));
+    QCOMPARE(stored.getSN(), QStringLiteral("A17"));
+    QCOMPARE(stored.getSBPTime(), 5.5);
+    QCOMPARE(stored.getDBP(), live.getDBP());
+    QCOMPARE(stored.getSamplingRate(), 1000.0);
+    const QList<double> pressure = stored.getPressure();
+    const QList<double> pulse = stored.getPulse();
+    QCOMPARE(pressure.size(), 15000);
+    const QList<double> original = live.getPressure();
+    const QList<double> originalPulse = live.getPulse();
+    // Within one digital step of each channel's range.
+    const double pressureStep = 2 * 8191.75 / 65535;
+    const double pulseStep = 2 * 1.799945068359375 / 65535;
+    for (int i = 0; i < 15000; i += 97) {
+        QVERIFY2(std::fabs(pressure[i] - original[i]) <= pressureStep,
+                 qPrintable(QString::number(i)));
+        QVERIFY(std::fabs(pulse[i] - originalPulse[i]) <= pulseStep);
+    }
+    QCOMPARE(stored.startDateTime().toSecsSinceEpoch(), live.startDateTime().toSecsSinceEpoch());
+
+    // Edits of a saved record go to its ".exp" file by themselves.
+    live.setComment(QStringLiteral("edited"));
+    CorvidaExperiment again(base + ".exp");
+    QCOMPARE(again.getComment(), QStringLiteral("edited"));
+}
+
+void TestCorvidaExperiment::onlyMarkersThatAreSetBecomeMarks()
+{
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment live;
+    fill(live, 1000, 20000);
+    live.setDBPTime(12.5);
+    QVERIFY(live.save(dir.path()));
+    EDFReader reader(dir.filePath(live.baseFileName() + ".edf"));
+    QVERIFY(reader.open());
+    const QMap<qint64, QString> marks = reader.getAnnotations();
+    QCOMPARE(marks.size(), 1);
+    QCOMPARE(marks.firstKey(), 12500);
+    QCOMPARE(marks.first(), QStringLiteral("DBP"));
+    QCOMPARE(reader.getChannelNames(), (QStringList{"Pressure", "Pulse"}));
+}
+
+void TestCorvidaExperiment::marksFillMarkersMissingFromTheExpFile()
+{
+    // An imported bare ".edf" with marks and no ".exp".
+    QTemporaryDir dir;
+    const QString edf = dir.filePath(QStringLiteral("bare.edf"));
+    {
+        EDFWriter writer(edf, {ChannelDim("Pressure", 8191.75), ChannelDim("Pulse", 1.8)}, 1000);
+        QVERIFY(writer.isOpen());
+        QList<QList<float>> data(2, QList<float>(20000));
+        for (int i = 0; i < 20000; ++i)
+            data[0][i] = float(-(200.0 - i * 0.01)); // stored negated, see the record's save
+        writer.writeData(data);
+        QVERIFY(writer.addAnnotation(QStringLiteral("SBP"), 12345, -1) >= 0);
+        QVERIFY(writer.close(true));
+    }
+    CorvidaExperiment e(dir.filePath(QStringLiteral("bare.exp")));
+    QSignalSpy time(&e, &CorvidaExperiment::changedSBPTime);
+    QCOMPARE(e.getPressure().size(), 20000);
+    QCOMPARE(e.getSBPTime(), 12.345);
+    QVERIFY(std::fabs(e.getSBP() - (200.0 - 12345 * 0.01)) < 0.3);
+    QCOMPARE(time.count(), 1);
+    QCOMPARE(e.getDBPTime(), 0.0);
+}
+
+void TestCorvidaExperiment::failedSaveLeavesNothingAndKeepsTheRecord()
+{
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment live;
+    fill(live, 1000, 3000);
+    QString error;
+    QFile blocker(dir.filePath(QStringLiteral("not-a-folder")));
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    QVERIFY(!live.save(blocker.fileName() + QStringLiteral("/sub"), &error));
+    QVERIFY(error.startsWith(QStringLiteral("Cannot open \"")));
+    QVERIFY(error.endsWith(QStringLiteral("\" for record")));
+    QVERIFY(live.getFilepath().isEmpty());
+    QVERIFY(!live.getAutoSave());
+    QCOMPARE(live.getPressure().size(), 3000);
+
+    // The ".exp" cannot be written (a folder stands in its place): no ".edf" is left either.
+    QVERIFY(QDir(dir.path()).mkdir(live.baseFileName() + ".exp"));
+    QVERIFY(!live.save(dir.path(), &error));
+    QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("not-a-folder")});
+    QVERIFY(live.getFilepath().isEmpty());
+    QVERIFY(QDir(dir.path()).rmdir(live.baseFileName() + ".exp"));
+    QVERIFY(live.save(dir.path(), &error));
+}
+
+void TestCorvidaExperiment::baseNameCarriesTrimmedSerial()
+{
+    CorvidaOnlineExperiment e;
+    e.setSN(QStringLiteral("  A17 "));
+    const QString plain = e.baseFileName();
+    QVERIFY(!plain.contains(QLatin1Char('(')));
+    QSignalSpy changed(&e, &CorvidaOnlineExperiment::startDateChanged);
+    e.setNameWithSerial(true);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(e.baseFileName(), plain + QStringLiteral(" (A17)"));
+    QCOMPARE(e.listLabel(), QStringLiteral("?"));
+}
+
+void TestCorvidaExperiment::bpText_data()
+{
+    QTest::addColumn<double>("sbp");
+    QTest::addColumn<double>("dbp");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("both") << 121.6 << 80.4 << "122/80";
+    QTest::newRow("no diastolic") << 121.0 << 0.0 << "121/?";
+    QTest::newRow("none") << 0.0 << 0.0 << "?";
+    QTest::newRow("negative") << -1.0 << 90.0 << "?/90";
+}
+
+void TestCorvidaExperiment::bpText()
+{
+    QFETCH(double, sbp);
+    QFETCH(double, dbp);
+    QFETCH(QString, text);
+    CorvidaExperiment e;
+    e.setSBP(sbp);
+    e.setDBP(dbp);
+    QCOMPARE(e.bpText(), text);
+}
+
+void TestCorvidaExperiment::simulatedMeasurementGivesItsSystolicPressure()
+{
+    CorvidaOnlineExperiment e;
+    recordSimulatedMeasurement(e, 14);
+    e.recalculate(true);
+    // The simulated pulse runs at 500 beats per minute.
+    QVERIFY2(std::fabs(e.getBPM() - 500.0) < 10.0, qPrintable(QString::number(e.getBPM())));
+    QVERIFY2(std::fabs(e.getSBP() - 120.0) < 8.0, qPrintable(QString::number(e.getSBP())));
+    QVERIFY(e.getSBPTime() >= 4.0);
+    // The diastolic point lies 15 to 50 mmHg below the systolic one, after it.
+    QVERIFY2(e.getDBP() <= e.getSBP() - 15 && e.getDBP() >= e.getSBP() - 50,
+             qPrintable(QString::number(e.getDBP())));
+    QVERIFY(e.getDBPTime() > e.getSBPTime());
+    QVERIFY(!e.beats().isEmpty() && e.beats().size() == e.valleys().size() + 1);
+    QCOMPARE(e.heartRateSeries().size(), e.amplitudeSeries().size());
+}
+
+void TestCorvidaExperiment::manualMarkersSurviveRecalculation()
+{
+    CorvidaOnlineExperiment e;
+    recordSimulatedMeasurement(e, 14);
+    e.setSBPTime(4.5);
+    const double manualSbp = e.getSBP();
+    QVERIFY(manualSbp > 0);
+    e.recalculate(false);
+    QCOMPARE(e.getSBPTime(), 4.5);
+    QCOMPARE(e.getSBP(), manualSbp);
+    QVERIFY(e.getDBPTime() > 0); // only the missing marker was filled in
+}
+
+void TestCorvidaExperiment::markerPlacedBeforeSeriesAreReadIsKept()
+{
+    // Placing a marker on a stored record reads its series, which recalculates and fills the
+    // missing markers: the placed one must win all the same.
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment live;
+    recordSimulatedMeasurement(live, 14);
+    QVERIFY(live.save(dir.path()));
+    CorvidaExperiment stored(live.getFilepath());
+    stored.setSBPTime(9.0);
+    QCOMPARE(stored.getSBPTime(), 9.0);
+    QCOMPARE(stored.getSBP(), stored.pressureAt(9.0));
+    QCOMPARE(CorvidaExperiment(live.getFilepath()).getSBPTime(), 9.0);
+}
+
+void TestCorvidaExperiment::resetClearsInOrderThenSetsThenAnnounces()
+{
+    CorvidaOnlineExperiment e;
+    recordSimulatedMeasurement(e, 14);
+    e.setSBPTime(4.5);
+    e.setDBPTime(6.0);
+    QStringList events;
+    connect(&e, &CorvidaExperiment::changedDBP, this,
+            [&](double v) { events << QStringLiteral("DBP=%1").arg(v == 0 ? "0" : "x"); });
+    connect(&e, &CorvidaExperiment::changedDBPTime, this,
+            [&](double v) { events << QStringLiteral("DBPTime=%1").arg(v == 0 ? "0" : "x"); });
+    connect(&e, &CorvidaExperiment::changedSBP, this,
+            [&](double v) { events << QStringLiteral("SBP=%1").arg(v == 0 ? "0" : "x"); });
+    connect(&e, &CorvidaExperiment::changedSBPTime, this,
+            [&](double v) { events << QStringLiteral("SBPTime=%1").arg(v == 0 ? "0" : "x"); });
+    connect(&e, &CorvidaExperiment::bpResetted, this, [&] { events << QStringLiteral("reset"); });
+    e.recalculate(true);
+    QCOMPARE(events, (QStringList{"DBP=0", "DBPTime=0", "SBP=0", "SBPTime=0", "SBPTime=x", "SBP=x",
+                                  "DBPTime=x", "DBP=x", "reset"}));
+}
+
+void TestCorvidaExperiment::fewBeatsLeaveMarkersAlone()
+{
+    CorvidaOnlineExperiment e;
+    QList<double> flat(10000, 0.0);
+    e.setSamplingRate(1000);
+    e.updateData({QList<double>(10000, 100.0), flat});
+    e.setBPM(300);
+    e.setSBPTime(5.0);
+    QSignalSpy sbp(&e, &CorvidaExperiment::changedSBPTime);
+    QSignalSpy bpm(&e, &CorvidaExperiment::changedBPM);
+    e.recalculate(false);
+    QCOMPARE(sbp.count(), 0);
+    QCOMPARE(e.getSBPTime(), 5.0);
+    QCOMPARE(bpm.count(), 1); // the heart rate is updated all the same
+    QCOMPARE(e.getBPM(), 0.0);
+}
+
+void TestCorvidaExperiment::exportTableRows()
+{
+    CorvidaOnlineExperiment e;
+    fill(e, 1000, 1500);
+    e.setRodent(QStringLiteral("r1"));
+    e.setSBP(120);
+    e.setDBP(80);
+    e.setBPM(450);
+    const auto essential = e.exportTable(true);
+    QCOMPARE(essential.size(), 5);
+    QCOMPARE(essential[0], (QList<QVariant>{"SBP", 120.0, "mmHg"}));
+    QCOMPARE(essential[2], (QList<QVariant>{"Pulse", 450.0, "bpm"}));
+    QCOMPARE(essential[3], (QList<QVariant>{"Rodent", "r1"}));
+    const auto full = e.exportTable(false);
+    QCOMPARE(full.size(), 5 + 3 + 1500);
+    QVERIFY(full[5].isEmpty());
+    QCOMPARE(full[6], (QList<QVariant>{"Sampling rate", 1000.0}));
+    QCOMPARE(full[7], (QList<QVariant>{"Pressure, mmHg", "PPG, V"}));
+    QCOMPARE(full[8][0].toDouble(), 150.0);
+    QCOMPARE(full.last()[0].toDouble(), e.getPressure()[1499]);
+}
+
+void TestCorvidaExperiment::liveHeartRateAtMostOncePerSecond()
+{
+    CorvidaOnlineExperiment e;
+    qint64 now = 10'000;
+    e.setClock([&now] { return now; });
+    QSignalSpy rate(&e, &CorvidaOnlineExperiment::pulseCalculated);
+    CorvidaOnlineExperiment source;
+    recordSimulatedMeasurement(source, 14);
+    e.setSamplingRate(1000);
+    const QList<QList<double>> data{source.getPressure(), source.getPulse()};
+    e.updateData(data);
+    QCOMPARE(rate.count(), 1);
+    now += 1000;
+    e.updateData(data);
+    QCOMPARE(rate.count(), 1);
+    now += 1;
+    e.updateData(data);
+    QCOMPARE(rate.count(), 2);
+    // The last three seconds are at full pulse: the simulated 500 beats per minute.
+    QVERIFY(std::fabs(rate.last().first().toDouble() - 500.0) < 15.0);
+}
+
+void TestCorvidaExperiment::liveHeartRateNeedsMoreThanThreeSeconds()
+{
+    CorvidaOnlineExperiment e;
+    qint64 now = 10'000;
+    e.setClock([&now] { return now; });
+    QSignalSpy rate(&e, &CorvidaOnlineExperiment::pulseCalculated);
+    QSignalSpy updated(&e, &CorvidaExperiment::dataUpdated);
+    e.setSamplingRate(1000);
+    e.updateData({QList<double>(3000, 1.0), QList<double>(3000, 0.0)});
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(rate.count(), 0);
+    e.updateData({QList<double>(3001, 1.0)}); // one series is not a record
+    QCOMPARE(updated.count(), 1);
+    e.updateData({QList<double>(3001, 1.0), QList<double>(3001, 0.0), QList<double>(3001, 2.0)});
+    QCOMPARE(rate.count(), 1);
+    QCOMPARE(e.thirdSeries().size(), 3001);
+}
+
+void TestCorvidaExperiment::rawChannelsRestartWhenTheirCountChanges()
+{
+    CorvidaOnlineExperiment e;
+    e.appendRaw({{1, 2}, {3, 4}, {5, 6}, {7, 8}});
+    e.appendRaw({{9}, {10}, {11}, {12}});
+    QCOMPARE(e.rawChannels()[0], (QList<double>{1, 2, 9}));
+    QCOMPARE(e.rawChannels()[3], (QList<double>{7, 8, 12}));
+    e.appendRaw({{20}, {21}});
+    QCOMPARE(e.rawChannels(), (QList<QList<double>>{{20}, {21}}));
+}
+
+void TestCorvidaExperiment::newRecordingResetsEverything()
+{
+    QTemporaryDir dir;
+    CorvidaOnlineExperiment e;
+    fill(e, 1000, 6000);
+    e.setBPM(400);
+    e.setSBPTime(4.5);
+    QVERIFY(e.save(dir.path()));
+    QSignalSpy started(&e, &CorvidaOnlineExperiment::startDateChanged);
+    e.resetForNewRecording();
+    QCOMPARE(started.count(), 1);
+    QVERIFY(e.getFilepath().isEmpty());
+    QVERIFY(!e.getAutoSave());
+    QCOMPARE(e.getBPM(), 0.0);
+    QCOMPARE(e.getSBPTime(), -1.0);
+    QCOMPARE(e.getSBP(), 0.0);
+    QCOMPARE(e.getDBPTime(), -1.0);
+    QVERIFY(e.getPressure().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestCorvidaExperiment)
+#include "tst_corvidaexperiment.moc"
