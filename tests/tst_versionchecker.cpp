@@ -72,6 +72,7 @@ private slots:
     void synchronousCheckAgainstLocalServer();
     void asynchronousCheckAgainstLocalServer();
     void failedCheckKeepsLastGoodAnswer();
+    void periodicCheckAsksAgain();
 };
 
 void TestVersionChecker::initTestCase()
@@ -259,6 +260,24 @@ void TestVersionChecker::failedCheckKeepsLastGoodAnswer()
     QVERIFY(!checker->findNewVersion(5000).valid);
     QCOMPARE(bad.requestLines.size(), 1);
     QCOMPARE(checker->LastVersion().version, QStringLiteral("2.0.0"));
+    QVERIFY(checker->newVersionAvailable());
+}
+
+void TestVersionChecker::periodicCheckAsksAgain()
+{
+    LocalHttpServer server(R"({"version":"1.2.4","valid":true})");
+    VersionChecker *checker = VersionChecker::instance();
+    checker->setEndpoint(server.url());
+    QSignalSpy checked(checker, &VersionChecker::checked);
+    checker->StartChecking(100);
+    // The first check starts at once, the next ones on the timer.
+    QTRY_VERIFY_WITH_TIMEOUT(checked.size() >= 3, 5000);
+    checker->stopChecking();
+    QTest::qWait(50); // a request already under way may still answer
+    const int settled = checked.size();
+    QTest::qWait(300);
+    QCOMPARE(checked.size(), settled);
+    QCOMPARE(server.requestLines.size(), settled);
     QVERIFY(checker->newVersionAvailable());
 }
 
