@@ -19,8 +19,10 @@ configure: deps
 build: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
+# Starts the desktop program. Without a display (a server, a container) run it under a virtual
+# one: xvfb-run -a make run
 run: build
-	./$(BUILD_DIR)/cli/corvida-cli stream --simulated --measure --seconds 10
+	./$(BUILD_DIR)/corvida
 
 test: build
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)

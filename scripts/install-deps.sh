@@ -12,6 +12,7 @@ packages=(
     libbenchmark-dev clang
     python3-openpyxl biosig-tools
     xvfb xauth
+    fonts-open-sans
 )
 
 missing=()

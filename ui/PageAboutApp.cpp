@@ -1,0 +1,46 @@
+#include "ui/PageAboutApp.h"
+
+#include "toolkit/widgets/AppHelper.h"
+
+#include <QCoreApplication>
+#include <QFrame>
+#include <QVBoxLayout>
+
+PageAboutApp::PageAboutApp(QWidget *parent)
+    : CorvidaBasePage(parent)
+{
+    auto *box = new QVBoxLayout(this);
+    box->setContentsMargins(24, 20, 24, 20);
+    auto *card = new QFrame(this);
+    card->setObjectName(QStringLiteral("card"));
+    card->setMinimumWidth(560);
+    card->setMaximumWidth(720);
+    auto *cardBox = new QVBoxLayout(card);
+    cardBox->setContentsMargins(24, 20, 24, 20);
+    cardBox->addWidget(new AboutAppWidget(productInfo(), card));
+    box->addWidget(card, 0, Qt::AlignHCenter | Qt::AlignTop);
+    box->addStretch(1);
+}
+
+QString PageAboutApp::name() const
+{
+    return tr("About");
+}
+
+QString PageAboutApp::iconPath() const
+{
+    return QStringLiteral(":/icons/information.svg");
+}
+
+AboutAppWidget::Info PageAboutApp::productInfo()
+{
+    AboutAppWidget::Info info;
+    info.appName = QCoreApplication::translate("Generic", "Corvida");
+    info.version = AppHelper::appVersion();
+    info.buildDate = AppHelper::buildDate();
+    info.iconPath = QStringLiteral(":/resources/images/pressure.svg");
+    info.maker = QStringLiteral("Quorvex");
+    // The product has no public manual, API, change-log or contact pages yet and no developer
+    // list is kept; the panel leaves out what it has no data for.
+    return info;
+}

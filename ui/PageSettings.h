@@ -1,0 +1,20 @@
+#pragma once
+
+#include "ui/CorvidaBasePage.h"
+
+class PropertyListControl;
+
+// Every visible application setting, edited in place; changes are saved as they are made.
+class PageSettings : public CorvidaBasePage
+{
+    Q_OBJECT
+public:
+    explicit PageSettings(QWidget *parent = nullptr);
+
+    QString name() const override;
+    QString iconPath() const override;
+    PropertyListControl *propertyList() const { return m_list; }
+
+private:
+    PropertyListControl *m_list;
+};
