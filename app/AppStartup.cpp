@@ -56,9 +56,7 @@ void AppStartup::setupStyles()
 
 QString AppStartup::setupWorkingFolder()
 {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    if (!folder.endsWith(QLatin1Char('/')))
-        folder += QLatin1Char('/');
+    const QString folder = QuorvexCommon::userDataFolder();
     if (!QuorvexCommon::CreateDirIfNotExists(folder))
         qDebug().noquote() << "STARTUP cannot create" << folder;
     if (!QDir::setCurrent(folder))

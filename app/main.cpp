@@ -1,11 +1,14 @@
 #include "app/AppStartup.h"
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
+#include "toolkit/QuorvexCommon.h"
 #include "toolkit/VLogger.h"
 #include "toolkit/VersionChecker.h"
 #include "toolkit/widgets/AppHelper.h"
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/CorvidaBasePage.h"
+
+#include "toolkit/QuorvexCommon.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -71,9 +74,7 @@ struct Options {
 
 void describeApplication()
 {
-    QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
-    QCoreApplication::setOrganizationName(QStringLiteral("Quorvex"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
+    QuorvexCommon::setApplicationIdentity();
 }
 
 void setUpParser(QCommandLineParser &parser, const Options &options)

@@ -66,9 +66,7 @@ bool takeDataFolder(QStringList &args, QString *folder, QString *error)
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
-    QCoreApplication::setOrganizationName(QStringLiteral("Brenvatorix"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
+    QuorvexCommon::setApplicationIdentity();
     // The program's debug log is for the window's console; a script wants only its results.
     if (qEnvironmentVariableIsEmpty("CORVIDA_DEBUG"))
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));

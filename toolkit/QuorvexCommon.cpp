@@ -1,5 +1,6 @@
 #include "toolkit/QuorvexCommon.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -47,4 +48,11 @@ QString QuorvexCommon::userDataFolder()
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
     return folder;
+}
+
+void QuorvexCommon::setApplicationIdentity()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Corvida"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Quorvex"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(CORVIDA_VERSION));
 }

@@ -17,6 +17,10 @@ public:
     // leading minus.
     static QString timeToText(double seconds);
 
+    // Gives the process the names the window and the command-line tool share, so both find the
+    // same per-user data folder.
+    static void setApplicationIdentity();
+
     // The program's own per-user data folder (holding "Settings.xml" and "Records/"), ending in
     // "/". The application and organisation names must be set before.
     static QString userDataFolder();
