@@ -8,6 +8,7 @@
 
 #include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QFile>
 #include <QMenu>
 #include <QPainter>
 #include <QScrollBar>
@@ -52,10 +53,16 @@ QColor markerColor(const QString &tag, bool dark)
     return dark ? QColor(0xb5, 0x7e, 0xdc) : QColor(0x8e, 0x44, 0xad);
 }
 
-// The icon recoloured to one colour; a missing resource gives an empty icon, nothing worse.
+// An icon from the resources; a missing one gives an empty icon, nothing worse.
+QIcon resourceIcon(const QString &path)
+{
+    return QFile::exists(path) ? QIcon(path) : QIcon();
+}
+
+// The icon recoloured to one colour.
 QIcon tintedIcon(const QString &path, const QColor &color)
 {
-    const QIcon icon(path);
+    const QIcon icon = resourceIcon(path);
     QPixmap pixmap = icon.pixmap(32, 32);
     if (pixmap.isNull())
         return icon;
@@ -439,7 +446,7 @@ QMenu *ExperimentViewer::createContextMenu(const QPoint &pos)
             p->setDBPTime(time);
     });
     menu->addSeparator();
-    menu->addAction(QIcon(QStringLiteral(":/resources/images/calculate.svg")),
+    menu->addAction(resourceIcon(QStringLiteral(":/resources/images/calculate.svg")),
                     tr("Recalculate experiment"), this, [this, p] {
                         if (!p)
                             return;
