@@ -52,6 +52,7 @@ private slots:
     void draggedMarkerStaysInsideThePlot();
     void traceIsDrawnAtItsValue_data();
     void traceIsDrawnAtItsValue();
+    void busyTraceFillsTheBandBetweenItsExtremes();
 };
 
 void TestSignalViewer::offsetSnapsToFiveSecondStepsInsideTheData_data()
@@ -294,10 +295,45 @@ void TestSignalViewer::traceIsDrawnAtItsValue()
     const QImage image = viewer.grab().toImage();
     const QRect plot = viewer.plotRect();
     const int y = plot.top() + qRound(plot.height() * 0.25);
-    QCOMPARE(image.pixelColor(plot.left() + 100, y), trace);
-    QVERIFY(image.pixelColor(plot.left() + 300, y) != trace);
-    QVERIFY(image.pixelColor(plot.left() + 100, y - 10) != trace);
+    // The line is smoothed, so look for its colour within a pixel of where it belongs.
+    const auto traceNear = [&](int x, int atY) {
+        for (int dy = -1; dy <= 1; ++dy) {
+            const QColor c = image.pixelColor(x, atY + dy);
+            if (std::abs(c.red() - trace.red()) + std::abs(c.green() - trace.green()) +
+                    std::abs(c.blue() - trace.blue()) <
+                40)
+                return true;
+        }
+        return false;
+    };
+    QVERIFY(traceNear(plot.left() + 100, y));
+    QVERIFY(!traceNear(plot.left() + 300, y));
+    QVERIFY(!traceNear(plot.left() + 100, y - 10));
     QCOMPARE(image.pixelColor(plot.left(), plot.top() + 7), axis);
+}
+
+void TestSignalViewer::busyTraceFillsTheBandBetweenItsExtremes()
+{
+    // A trace that swings between 20 and 80 at every sample covers the band between them in
+    // every column it reaches, and nothing above or below.
+    SignalViewer viewer;
+    viewer.resize(2 * viewer.margin() + 600, 300);
+    viewer.setValueRange(0, 100);
+    QList<double> swing;
+    for (int i = 0; i < 2000; ++i)
+        swing.append(i % 2 ? 20.0 : 80.0);
+    const QColor trace(0xcc, 0x44, 0x44);
+    viewer.setSeries({SignalViewerSeries::fromSamples(swing, kRate, trace, 2)});
+    const QImage image = viewer.grab().toImage();
+    const QRect plot = viewer.plotRect();
+    const auto yOf = [&](double v) { return plot.bottom() - qRound(plot.height() * v / 100.0); };
+    for (int x = plot.left() + 1; x < plot.left() + 199; x += 7) {
+        for (double v : {22.0, 50.0, 78.0})
+            QCOMPARE(image.pixelColor(x, yOf(v)), trace);
+        QVERIFY(image.pixelColor(x, yOf(85)) != trace);
+        QVERIFY(image.pixelColor(x, yOf(15)) != trace);
+    }
+    QVERIFY(image.pixelColor(plot.left() + 205, yOf(50)) != trace);
 }
 
 QTEST_MAIN(TestSignalViewer)

@@ -198,6 +198,7 @@ void SignalViewer::updateData()
     for (const SignalViewerSeries &s : std::as_const(m_series))
         total = std::max(total, s.length());
     const bool grew = total > m_totalLength;
+    const bool shrank = total < m_totalLength;
     m_totalLength = total;
     updateScrollRange();
     if (!m_followPaused && grew && m_totalLength > m_windowLength) {
@@ -212,7 +213,7 @@ void SignalViewer::updateData()
         m_scrollBar->blockSignals(true);
         m_scrollBar->setValue(int(offset / step));
         m_scrollBar->blockSignals(false);
-    } else {
+    } else if (shrank) {
         // A shorter series (a recording started over) may no longer reach the window's offset.
         setOffset(m_offset);
     }

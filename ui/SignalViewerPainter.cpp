@@ -64,13 +64,13 @@ void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
 {
     if (frame.plot.width() <= 0 || frame.plot.height() <= 0)
         return;
-    painter.fillRect(frame.plot, plotBackground(frame.dark));
-    drawGrid(painter, frame);
+    const Ticks ticks = ticksFor(frame, QFontMetricsF(painter.font()));
+    drawBackground(painter, frame, ticks);
+    drawLabels(painter, frame, ticks);
     drawHeader(painter, frame, series);
 
     painter.save();
     painter.setClipRect(frame.plot.adjusted(0, -2, 0, 2));
-    painter.setRenderHint(QPainter::Antialiasing, true);
     for (const SignalViewerSeries &s : series) {
         if (s.isSampled())
             drawSampled(painter, frame, s);
@@ -81,21 +81,64 @@ void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
     drawMarkers(painter, frame, markers);
 }
 
-void SignalViewerPainter::drawGrid(QPainter &painter, const Frame &frame) const
+SignalViewerPainter::Ticks SignalViewerPainter::ticksFor(const Frame &frame,
+                                                         const QFontMetricsF &fm)
+{
+    Ticks t;
+    const double span = frame.upper - frame.lower;
+    t.valueStep = niceStep(span, std::max(1, int(frame.plot.height() / (fm.height() * 2.2))));
+    t.pixelsPerSecond = frame.plot.width() / frame.window;
+    t.timeStep = timeStep(t.pixelsPerSecond, fm.horizontalAdvance(QStringLiteral("0000")) * 2.0);
+    t.minorTimeStep = t.timeStep >= 5.0 && t.timeStep / 5.0 * t.pixelsPerSecond >= 8.0
+                          ? t.timeStep / 5.0
+                          : t.timeStep;
+    return t;
+}
+
+void SignalViewerPainter::drawBackground(QPainter &painter, const Frame &frame, const Ticks &ticks)
+{
+    // The plot's background and dashed grid change only when the window moves or the scale
+    // changes, which while recording is once in five seconds: keep them as a picture.
+    const qreal dpr = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    const QSize size = (frame.plot.size() * dpr).toSize();
+    const bool same =
+        m_background.size() == size && m_backgroundRatio == dpr &&
+        m_backgroundFrame.plot.size() == frame.plot.size() &&
+        m_backgroundFrame.offset == frame.offset && m_backgroundFrame.window == frame.window &&
+        m_backgroundFrame.lower == frame.lower && m_backgroundFrame.upper == frame.upper &&
+        m_backgroundFrame.dark == frame.dark && m_backgroundTicks == ticks;
+    if (!same) {
+        if (m_background.size() != size)
+            m_background = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        m_background.setDevicePixelRatio(dpr);
+        m_background.fill(plotBackground(frame.dark));
+        QPainter p(&m_background);
+        p.translate(-frame.plot.topLeft());
+        drawGridLines(p, frame, ticks);
+        p.end();
+        m_backgroundFrame = frame;
+        m_backgroundTicks = ticks;
+        m_backgroundRatio = dpr;
+    }
+    painter.drawImage(frame.plot.topLeft(), m_background);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(QPen(textColor(frame.dark), 1));
+    painter.drawLine(frame.plot.bottomLeft(), frame.plot.topLeft());
+    painter.drawLine(frame.plot.bottomLeft(), frame.plot.bottomRight());
+}
+
+void SignalViewerPainter::drawGridLines(QPainter &painter, const Frame &frame,
+                                        const Ticks &ticks) const
 {
     const QRectF &plot = frame.plot;
-    const QColor text = textColor(frame.dark);
-    QPen major(majorGridColor(frame.dark), 1, Qt::DashLine);
-    QPen minor(minorGridColor(frame.dark), 1, Qt::DashLine);
-    const QFontMetricsF fm(painter.font());
+    const QPen major(majorGridColor(frame.dark), 1, Qt::DashLine);
+    const QPen minor(minorGridColor(frame.dark), 1, Qt::DashLine);
     painter.setRenderHint(QPainter::Antialiasing, false);
 
-    // Values: lines at the steps, fainter ones halfway, labels left of the axis.
-    const double span = frame.upper - frame.lower;
-    const double step = niceStep(span, std::max(1, int(plot.height() / (fm.height() * 2.2))));
+    // Values: lines at the steps, fainter ones halfway.
+    const double step = ticks.valueStep;
     if (step > 0.0) {
-        const double scale = plot.height() / span;
-        const int decimals = decimalsFor(step);
+        const double scale = plot.height() / (frame.upper - frame.lower);
         const double first = std::ceil(frame.lower / step - 1e-9) * step;
         for (double v = first - step / 2; v <= frame.upper + 1e-9 * step; v += step / 2) {
             if (v < frame.lower - 1e-9 * step)
@@ -104,51 +147,60 @@ void SignalViewerPainter::drawGrid(QPainter &painter, const Frame &frame) const
             const bool isMajor = std::fabs(std::remainder(v, step)) < step * 1e-6;
             painter.setPen(isMajor ? major : minor);
             painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
-            if (isMajor) {
-                painter.setPen(text);
-                const QString label =
-                    QString::number(std::fabs(v) < step * 1e-6 ? 0.0 : v, 'f', decimals);
-                const QRectF box(0, y - fm.height() / 2, plot.left() - 4, fm.height());
-                painter.drawText(box, Qt::AlignRight | Qt::AlignVCenter, label);
-            }
+        }
+    }
+    // Time: lines at whole seconds.
+    const double end = frame.offset + frame.window;
+    for (double t = std::ceil(frame.offset / ticks.minorTimeStep - 1e-9) * ticks.minorTimeStep;
+         t <= end + 1e-9; t += ticks.minorTimeStep) {
+        const double x = std::round(plot.left() + (t - frame.offset) * ticks.pixelsPerSecond);
+        const bool isMajor = std::fabs(std::remainder(t, ticks.timeStep)) < 1e-6;
+        painter.setPen(isMajor ? major : minor);
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+    }
+}
+
+void SignalViewerPainter::drawLabels(QPainter &painter, const Frame &frame,
+                                     const Ticks &ticks) const
+{
+    const QRectF &plot = frame.plot;
+    const QFontMetricsF fm(painter.font());
+    painter.setPen(textColor(frame.dark));
+
+    // Values left of the axis.
+    const double step = ticks.valueStep;
+    if (step > 0.0) {
+        const double scale = plot.height() / (frame.upper - frame.lower);
+        const int decimals = decimalsFor(step);
+        for (double v = std::ceil(frame.lower / step - 1e-9) * step; v <= frame.upper + 1e-9 * step;
+             v += step) {
+            const double y = std::round(plot.bottom() - (v - frame.lower) * scale);
+            const QString label =
+                QString::number(std::fabs(v) < step * 1e-6 ? 0.0 : v, 'f', decimals);
+            const double w = fm.horizontalAdvance(label);
+            painter.drawText(QPointF(plot.left() - 4 - w, y + fm.ascent() / 2 - 1), label);
         }
     }
 
-    // Time: lines at whole seconds, labels under the axis. The time title, when there is one,
-    // takes the right end of the label row and the labels give way to it.
-    const double pps = plot.width() / frame.window;
-    const double tStep = timeStep(pps, fm.horizontalAdvance(QStringLiteral("0000")) * 2.0);
-    const double minorStep = tStep >= 5.0 && tStep / 5.0 * pps >= 8.0 ? tStep / 5.0 : tStep;
-    const double labelTop = plot.bottom() + 2;
+    // Time under the axis. The time title, when there is one, takes the right end of the row
+    // and the labels give way to it.
+    const double baseline = plot.bottom() + 2 + fm.ascent();
     double titleLeft = plot.right() + fm.horizontalAdvance(QStringLiteral("000"));
     if (!frame.timeTitle.isEmpty()) {
         const double right = plot.right() + plot.left();
         titleLeft = right - fm.horizontalAdvance(frame.timeTitle) - 4;
-        painter.setPen(text);
-        painter.drawText(QRectF(titleLeft, labelTop, right - titleLeft, fm.height()),
-                         Qt::AlignLeft | Qt::AlignTop, frame.timeTitle);
+        painter.drawText(QPointF(titleLeft, baseline), frame.timeTitle);
     }
     const double end = frame.offset + frame.window;
-    for (double t = std::ceil(frame.offset / minorStep - 1e-9) * minorStep; t <= end + 1e-9;
-         t += minorStep) {
-        const double x = std::round(plot.left() + (t - frame.offset) * pps);
-        const bool isMajor = std::fabs(std::remainder(t, tStep)) < 1e-6;
-        painter.setPen(isMajor ? major : minor);
-        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
-        if (isMajor) {
-            const QString label = QString::number(qRound64(t));
-            const double w = fm.horizontalAdvance(label);
-            if (x + w / 2 >= titleLeft - 4)
-                continue;
-            painter.setPen(text);
-            painter.drawText(QRectF(x - w / 2 - 2, labelTop, w + 4, fm.height()), Qt::AlignCenter,
-                             label);
-        }
+    for (double t = std::ceil(frame.offset / ticks.timeStep - 1e-9) * ticks.timeStep;
+         t <= end + 1e-9; t += ticks.timeStep) {
+        const double x = std::round(plot.left() + (t - frame.offset) * ticks.pixelsPerSecond);
+        const QString label = QString::number(qRound64(t));
+        const double w = fm.horizontalAdvance(label);
+        if (x + w / 2 >= titleLeft - 4)
+            continue;
+        painter.drawText(QPointF(x - w / 2, baseline), label);
     }
-
-    painter.setPen(QPen(text, 1));
-    painter.drawLine(plot.bottomLeft(), plot.topLeft());
-    painter.drawLine(plot.bottomLeft(), plot.bottomRight());
 }
 
 void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
@@ -213,9 +265,95 @@ void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
     ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, m_points);
     if (m_points.empty())
         return;
-    painter.setPen(
-        QPen(series.color(), series.width(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(m_points.data(), int(m_points.size()));
+
+    // How far the line travels up and down decides how to draw it. A calm trace (the cuff
+    // pressure) is drawn as a smooth line. A busy one (a minute of pulse waves) is a band of
+    // vertical strokes anyway, and drawing it as a line would cost tens of milliseconds.
+    double travel = 0.0;
+    for (size_t i = 1; i < m_points.size(); ++i)
+        travel += std::fabs(m_points[i].y() - m_points[i - 1].y());
+    const bool dense = map.rate / map.pixelsPerSecond >= 2.0;
+    if (dense && travel * linePasses(series.width()) > kSmoothLineBudget)
+        drawSpans(painter, series.color(), series.width());
+    else
+        drawLine(painter, series.color(), series.width());
+}
+
+int SignalViewerPainter::linePasses(qreal width)
+{
+    return width > 1.0 ? 4 : 1;
+}
+
+void SignalViewerPainter::drawLine(QPainter &painter, const QColor &color, qreal width) const
+{
+    // The raster engine strokes a wide pen through a general polygon fill, which costs a great
+    // deal on long lines; a hairline is cheap. So a wide line is a hairline drawn at the four
+    // corners of a small square, which thickens it the same in every direction.
+    QPen pen(color, 1.0);
+    pen.setCosmetic(true);
+    painter.setPen(pen);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    const int n = int(m_points.size());
+    if (linePasses(width) == 1) {
+        painter.drawPolyline(m_points.data(), n);
+        return;
+    }
+    const qreal d = width - 1.0;
+    for (const QPointF &shift : {QPointF(-d / 2, -d / 2), QPointF(d / 2, -d / 2),
+                                 QPointF(-d / 2, d / 2), QPointF(d / 2, d / 2)}) {
+        painter.translate(shift);
+        painter.drawPolyline(m_points.data(), n);
+        painter.translate(-shift);
+    }
+}
+
+void SignalViewerPainter::drawSpans(QPainter &painter, const QColor &color, qreal width)
+{
+    // One filled upright bar per pixel column, from where the line enters the column to its
+    // lowest and highest point, widened by the pen. A pen w pixels wide would paint each pixel
+    // w times over; instead each column takes the union of the w bars that would cover it, so
+    // every pixel is painted once. The bars of neighbouring columns touch (each starts where
+    // the last ended), so a union is again one bar. Whole pixels throughout: the raster engine
+    // fills those several times faster than fractional rectangles.
+    const int w = std::max(1, int(std::lround(width)));
+    const double half = width / 2;
+    m_bars.clear();
+    double previousY = m_points.front().y();
+    size_t i = 0;
+    while (i < m_points.size()) {
+        const double x = m_points[i].x();
+        double lo = previousY, hi = previousY;
+        for (; i < m_points.size() && m_points[i].x() == x; ++i) {
+            lo = std::min(lo, m_points[i].y());
+            hi = std::max(hi, m_points[i].y());
+            previousY = m_points[i].y();
+        }
+        const int top = int(std::floor(lo - half + 0.5));
+        const int bottom = std::max(top + 1, int(std::floor(hi + half + 0.5)));
+        m_bars.push_back({int(std::floor(x)), top, bottom});
+    }
+    // The bar of column c covers pixel columns c - (w - 1) / 2 ... c + w / 2.
+    const int before = (w - 1) / 2;
+    const int after = w / 2;
+    m_spans.clear();
+    for (size_t b = 0; b < m_bars.size(); ++b) {
+        const int column = m_bars[b].column;
+        int top = m_bars[b].top, bottom = m_bars[b].bottom;
+        for (size_t k = b; k-- > 0 && m_bars[k].column >= column - after;) {
+            top = std::min(top, m_bars[k].top);
+            bottom = std::max(bottom, m_bars[k].bottom);
+        }
+        for (size_t k = b + 1; k < m_bars.size() && m_bars[k].column <= column + before; ++k) {
+            top = std::min(top, m_bars[k].top);
+            bottom = std::max(bottom, m_bars[k].bottom);
+        }
+        m_spans.emplace_back(column, top, 1, bottom - top);
+    }
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRects(m_spans.data(), int(m_spans.size()));
+    painter.setBrush(Qt::NoBrush);
 }
 
 void SignalViewerPainter::drawPoints(QPainter &painter, const Frame &frame,

@@ -4,13 +4,16 @@
 #include "ui/SignalViewerSeries.h"
 
 #include <QColor>
+#include <QImage>
 #include <QList>
 #include <QPointF>
+#include <QRect>
 #include <QRectF>
 #include <QString>
 
 #include <vector>
 
+class QFontMetricsF;
 class QPainter;
 
 // Draws one SignalViewer picture: grid, axes with their labels, the series and the markers.
@@ -44,13 +47,45 @@ public:
     static double timeStep(double pixelsPerSecond, double minPixels);
 
 private:
-    void drawGrid(QPainter &painter, const Frame &frame) const;
+    // Grid steps of one picture.
+    struct Ticks {
+        double valueStep = 0.0;
+        double pixelsPerSecond = 0.0;
+        double timeStep = 1.0;
+        double minorTimeStep = 1.0;
+        bool operator==(const Ticks &o) const
+        {
+            return valueStep == o.valueStep && pixelsPerSecond == o.pixelsPerSecond &&
+                   timeStep == o.timeStep && minorTimeStep == o.minorTimeStep;
+        }
+    };
+    static Ticks ticksFor(const Frame &frame, const QFontMetricsF &fm);
+    void drawBackground(QPainter &painter, const Frame &frame, const Ticks &ticks);
+    void drawGridLines(QPainter &painter, const Frame &frame, const Ticks &ticks) const;
+    void drawLabels(QPainter &painter, const Frame &frame, const Ticks &ticks) const;
     void drawSampled(QPainter &painter, const Frame &frame, const SignalViewerSeries &series);
     void drawPoints(QPainter &painter, const Frame &frame, const SignalViewerSeries &series);
+    // m_points as a line of this width, or as one upright bar per pixel column.
+    void drawLine(QPainter &painter, const QColor &color, qreal width) const;
+    void drawSpans(QPainter &painter, const QColor &color, qreal width);
+    static int linePasses(qreal width);
     void drawMarkers(QPainter &painter, const Frame &frame,
                      const QList<SignalViewerMarker> &markers) const;
     void drawHeader(QPainter &painter, const Frame &frame,
                     const QList<SignalViewerSeries> &series) const;
 
+    // Pixels of up-and-down travel (times the passes drawn) up to which a dense trace is still
+    // drawn as a smooth line: about a millisecond of drawing.
+    static constexpr double kSmoothLineBudget = 40000.0;
+
     std::vector<QPointF> m_points;
+    struct Bar {
+        int column, top, bottom;
+    };
+    std::vector<Bar> m_bars;
+    std::vector<QRect> m_spans;
+    QImage m_background;
+    Frame m_backgroundFrame;
+    Ticks m_backgroundTicks;
+    qreal m_backgroundRatio = 0.0;
 };

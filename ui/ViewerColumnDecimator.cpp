@@ -42,10 +42,31 @@ void ViewerColumnDecimator::decimate(const double *samples, qsizetype n, const M
     // Columns are counted from the left edge of the plot; the samples just outside it fall into
     // column -1 or `columns` and are drawn like any other (the painter clips them).
     const auto columnOf = [&](qsizetype i) { return qint64(std::floor(xOf(i) - map.left)); };
-    qint64 column = columnOf(first);
-    double lo = samples[first], hi = lo;
-    qsizetype loAt = first, hiAt = first;
-    const auto flush = [&] {
+    qsizetype i = first;
+    while (i < end) {
+        const qint64 column = columnOf(i);
+        // Where the next column starts: estimated in one step, then settled with the same rule
+        // that placed sample i, so rounding never moves a sample to a neighbouring column.
+        const double estimate =
+            std::ceil((double(column + 1) / map.pixelsPerSecond + map.offset) * map.rate);
+        qsizetype next = qsizetype(qBound(double(i + 1), estimate, double(end)));
+        while (next < end && columnOf(next) <= column)
+            ++next;
+        while (next > i + 1 && columnOf(next - 1) > column)
+            --next;
+
+        double lo = samples[i], hi = lo;
+        qsizetype loAt = i, hiAt = i;
+        for (qsizetype k = i + 1; k < next; ++k) {
+            const double v = samples[k];
+            if (v < lo) {
+                lo = v;
+                loAt = k;
+            } else if (v > hi) {
+                hi = v;
+                hiAt = k;
+            }
+        }
         const double x = map.left + double(column) + 0.5;
         if (loAt == hiAt) {
             out.emplace_back(x, yOf(lo));
@@ -56,24 +77,6 @@ void ViewerColumnDecimator::decimate(const double *samples, qsizetype n, const M
             out.emplace_back(x, yOf(hi));
             out.emplace_back(x, yOf(lo));
         }
-    };
-    for (qsizetype i = first + 1; i < end; ++i) {
-        const double v = samples[i];
-        const qint64 c = columnOf(i);
-        if (c != column) {
-            flush();
-            column = c;
-            lo = hi = v;
-            loAt = hiAt = i;
-            continue;
-        }
-        if (v < lo) {
-            lo = v;
-            loAt = i;
-        } else if (v > hi) {
-            hi = v;
-            hiAt = i;
-        }
+        i = next;
     }
-    flush();
 }
