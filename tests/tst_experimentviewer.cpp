@@ -2,6 +2,7 @@
 #include "analysis/LiveRecorder.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "settings/CorvidaSettings.h"
+#include "support/MemoryRecord.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/SignalViewer.h"
 
@@ -13,21 +14,6 @@
 #include <QtTest>
 
 namespace {
-// A finished record held in memory: the series are handed in, there is no file to read.
-class MemoryRecord : public CorvidaExperiment
-{
-public:
-    void setSeries(const QList<double> &pressure, const QList<double> &pulse, double rate)
-    {
-        m_pressure = pressure;
-        m_pulse = pulse;
-        m_samplingRate = rate;
-    }
-
-protected:
-    void loadSeries() override {}
-};
-
 // A cuff that deflates from 150 mmHg by 4 mmHg a second, at 100 Hz.
 QList<double> deflation(double seconds)
 {
