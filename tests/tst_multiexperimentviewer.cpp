@@ -23,7 +23,6 @@ class TestMultiExperimentViewer : public QObject
     Q_OBJECT
 private slots:
     void recordsAreLaidOverEachOtherInTheirOwnColours();
-    void markersCannotBeMovedHere();
     void aDeletedRecordDropsOut();
 };
 
@@ -53,23 +52,6 @@ void TestMultiExperimentViewer::recordsAreLaidOverEachOtherInTheirOwnColours()
     // A marker moved in the single-record view shows here too.
     b->setSBPTime(8.0);
     QCOMPARE(viewer.pressureViewer()->markerTime(QStringLiteral("SBP 2")), 8.0);
-}
-
-void TestMultiExperimentViewer::markersCannotBeMovedHere()
-{
-    std::unique_ptr<MemoryRecord> a(record(60.0, 130.0, 20.0, 30.0, QString()));
-    MultiExperimentViewer viewer;
-    viewer.resize(800, 600);
-    viewer.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&viewer));
-    viewer.setExperiments({a.get()});
-    SignalViewer *v = viewer.pressureViewer();
-    const int x = qRound(v->margin() + 20.0 * v->pixelsPerSecond());
-    QTest::mousePress(v, Qt::LeftButton, {}, QPoint(x, 50));
-    QTest::mouseMove(v, QPoint(x + 100, 50));
-    QTest::mouseRelease(v, Qt::LeftButton, {}, QPoint(x + 100, 50));
-    QCOMPARE(v->markerTime(QStringLiteral("SBP 1")), 20.0);
-    QCOMPARE(a->getSBPTime(), 20.0);
 }
 
 void TestMultiExperimentViewer::aDeletedRecordDropsOut()

@@ -390,11 +390,12 @@ void SignalViewerPainter::drawPoints(QPainter &painter, const Frame &frame,
 }
 
 void SignalViewerPainter::drawMarkers(QPainter &painter, const Frame &frame,
-                                      const QList<SignalViewerMarker> &markers) const
+                                      const QList<SignalViewerMarker> &markers)
 {
     const QRectF &plot = frame.plot;
     const double pps = plot.width() / frame.window;
     painter.setRenderHint(QPainter::Antialiasing, true);
+    m_labelBoxes.clear();
     for (const SignalViewerMarker &m : markers) {
         const double x = plot.left() + (m.time() - frame.offset) * pps;
         if (x < plot.left() - 0.5 || x > plot.right() + 0.5)
@@ -410,6 +411,17 @@ void SignalViewerPainter::drawMarkers(QPainter &painter, const Frame &frame,
         QRectF box(x + 3, plot.top() + 3, size.width() + 8, size.height() + 2);
         if (box.right() > plot.right())
             box.moveRight(x - 3);
+        // Markers close in time (the same point of several records) stack their labels.
+        for (bool moved = true; moved && box.bottom() < plot.bottom();) {
+            moved = false;
+            for (const QRectF &other : m_labelBoxes) {
+                if (other.intersects(box)) {
+                    box.moveTop(other.bottom() + 2);
+                    moved = true;
+                }
+            }
+        }
+        m_labelBoxes.push_back(box);
         painter.setPen(Qt::NoPen);
         painter.setBrush(m.color());
         painter.drawRoundedRect(box, 3, 3);

@@ -70,7 +70,7 @@ private:
     void drawSpans(QPainter &painter, const QColor &color, qreal width);
     static int linePasses(qreal width);
     void drawMarkers(QPainter &painter, const Frame &frame,
-                     const QList<SignalViewerMarker> &markers) const;
+                     const QList<SignalViewerMarker> &markers);
     void drawHeader(QPainter &painter, const Frame &frame,
                     const QList<SignalViewerSeries> &series) const;
 
@@ -84,6 +84,7 @@ private:
     };
     std::vector<Bar> m_bars;
     std::vector<QRect> m_spans;
+    std::vector<QRectF> m_labelBoxes;
     QImage m_background;
     Frame m_backgroundFrame;
     Ticks m_backgroundTicks;
