@@ -221,6 +221,11 @@ void TestSignalViewer::markerHitWithinFivePixels()
         movable ? SignalViewerMarker::Kind::Movable : SignalViewerMarker::Kind::Fixed, Qt::red));
     QSignalSpy started(&rig.viewer, &SignalViewer::markerMoveStarted);
     const QPoint at(qRound(rig.xOf(20.0) + distance), 100);
+    // Hovering shows the same reach as a press has.
+    QMouseEvent hover(QEvent::MouseMove, QPointF(at), rig.viewer.mapToGlobal(QPointF(at)),
+                      Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&rig.viewer, &hover);
+    QCOMPARE(rig.viewer.cursor().shape(), caught ? Qt::SizeHorCursor : Qt::ArrowCursor);
     QTest::mousePress(&rig.viewer, Qt::LeftButton, {}, at);
     QCOMPARE(started.count(), caught ? 1 : 0);
     QCOMPARE(rig.viewer.draggedTag(), caught ? QStringLiteral("SBP") : QString());

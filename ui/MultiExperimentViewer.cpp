@@ -13,6 +13,7 @@
 #include <cmath>
 
 namespace {
+// The shared words; the call sites mark them for the translation tools.
 QString generic(const char *text)
 {
     return QCoreApplication::translate("Generic", text);
@@ -39,10 +40,11 @@ MultiExperimentViewer::MultiExperimentViewer(QWidget *parent)
     m_splitter->addWidget(m_ppgViewer);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setSizes({4000, 6000});
-    m_pressureViewer->setTitle(generic("Pressure"));
-    m_pressureViewer->setUnit(generic("mmHg"));
-    m_ppgViewer->setTitle(generic("Photoplethysmogram"));
-    m_ppgViewer->setTimeTitle(generic("Time") + QStringLiteral(", ") + tr("s"));
+    m_pressureViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Pressure")));
+    m_pressureViewer->setUnit(generic(QT_TRANSLATE_NOOP("Generic", "mmHg")));
+    m_ppgViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
+    m_ppgViewer->setTimeTitle(generic(QT_TRANSLATE_NOOP("Generic", "Time")) + QStringLiteral(", ") +
+                              tr("s"));
     m_ppgViewer->setScrollMode(true);
     for (SignalViewer *v : {m_pressureViewer, m_ppgViewer})
         v->setFollowPaused(true);
@@ -126,7 +128,8 @@ void MultiExperimentViewer::updateGraphics()
         const struct {
             const char *label;
             double time;
-        } marks[] = {{"SBP", e->getSBPTime()}, {"DBP", e->getDBPTime()}};
+        } marks[] = {{QT_TRANSLATE_NOOP("Generic", "SBP"), e->getSBPTime()},
+                     {QT_TRANSLATE_NOOP("Generic", "DBP"), e->getDBPTime()}};
         for (const auto &m : marks) {
             if (m.time <= 0.0)
                 continue;

@@ -19,6 +19,7 @@ SignalViewer::SignalViewer(QWidget *parent)
     , m_scrollBar(new QScrollBar(Qt::Horizontal, this))
 {
     installEventFilter(this);
+    setMouseTracking(true);
     m_margin = marginFor(font());
     m_scrollBar->setObjectName(QStringLiteral("scrollWithButtons"));
     m_scrollBar->setSingleStep(1);
@@ -262,10 +263,15 @@ bool SignalViewer::eventFilter(QObject *watched, QEvent *event)
             pressAt(e->position().x());
         break;
     }
-    case QEvent::MouseMove:
+    case QEvent::MouseMove: {
+        const double x = static_cast<QMouseEvent *>(event)->position().x();
         if (!m_draggedTag.isEmpty())
-            dragTo(static_cast<QMouseEvent *>(event)->position().x());
+            dragTo(x);
+        else if (m_markersMovable)
+            // Show that the marker under the mouse can be taken.
+            setCursor(markerAt(x) ? Qt::SizeHorCursor : Qt::ArrowCursor);
         break;
+    }
     case QEvent::MouseButtonRelease:
         if (!m_draggedTag.isEmpty())
             release();
@@ -277,23 +283,30 @@ bool SignalViewer::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
+const SignalViewerMarker *SignalViewer::markerAt(double x) const
+{
+    const double pps = pixelsPerSecond();
+    for (const SignalViewerMarker &m : m_markers) {
+        if (!m.isMovable())
+            continue;
+        const double px = (m.time() - m_offset) * pps;
+        if (std::fabs(px - (x - m_margin)) < MarkerHitPixels)
+            return &m;
+    }
+    return nullptr;
+}
+
 bool SignalViewer::pressAt(double x)
 {
     if (!m_markersMovable)
         return false;
-    const double pps = pixelsPerSecond();
-    for (const SignalViewerMarker &m : std::as_const(m_markers)) {
-        if (!m.isMovable())
-            continue;
-        const double px = (m.time() - m_offset) * pps;
-        if (std::fabs(px - (x - m_margin)) < MarkerHitPixels) {
-            m_draggedTag = m.tag();
-            setCursor(Qt::SizeHorCursor);
-            emit markerMoveStarted();
-            return true;
-        }
-    }
-    return false;
+    const SignalViewerMarker *m = markerAt(x);
+    if (!m)
+        return false;
+    m_draggedTag = m->tag();
+    setCursor(Qt::SizeHorCursor);
+    emit markerMoveStarted();
+    return true;
 }
 
 void SignalViewer::dragTo(double x)

@@ -99,6 +99,8 @@ private:
     void updateScrollRange();
     void placeScrollBar();
     void onScrollBarMoved(int value);
+    // The first movable marker within reach of widget x, or null.
+    const SignalViewerMarker *markerAt(double x) const;
     bool pressAt(double x);
     void dragTo(double x);
     void release();
