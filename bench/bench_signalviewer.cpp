@@ -1,3 +1,5 @@
+#include "analysis/CorvidaOnlineExperiment.h"
+#include "ui/ExperimentViewer.h"
 #include "ui/SignalViewer.h"
 #include "ui/ViewerColumnDecimator.h"
 
@@ -78,6 +80,33 @@ void paint10sAt1920(benchmark::State &state)
     paintViewer(state, 10, 120);
 }
 BENCHMARK(paint10sAt1920)->Unit(benchmark::kMillisecond);
+
+// The whole experiment viewer of a device panel at full HD: pressure, PPG with its amplitude
+// envelope and peak dots, both markers, 120 s window.
+void paintExperimentViewer120s(benchmark::State &state)
+{
+    CorvidaOnlineExperiment record;
+    record.setSamplingRate(1000.0);
+    QList<double> pressure(120000);
+    for (qsizetype i = 0; i < pressure.size(); ++i)
+        pressure[i] = std::max(0.0, 180.0 - i / 1000.0 * 1.5);
+    record.updateData({pressure, pulseWave(120000)});
+    record.recalculate(false);
+    record.setSBPTime(31.4);
+    record.setDBPTime(52.7);
+    ExperimentViewer viewer;
+    viewer.resize(1920, 1000);
+    viewer.setExperiment(&record);
+    viewer.pressureViewer()->setWindowLength(120);
+    viewer.ppgViewer()->setWindowLength(120);
+    QImage image(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+    for (auto _ : state) {
+        image.fill(Qt::white);
+        viewer.render(&image);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(paintExperimentViewer120s)->Unit(benchmark::kMillisecond);
 
 // The column reduction alone, without drawing.
 void decimate120sAt1920(benchmark::State &state)

@@ -380,12 +380,30 @@ void SignalViewerPainter::drawPoints(QPainter &painter, const Frame &frame,
     if (m_points.empty())
         return;
     if (series.style() == SignalViewerSeries::Style::Dots) {
-        painter.setPen(QPen(series.color(), series.width(), Qt::SolidLine, Qt::RoundCap));
-        painter.drawPoints(m_points.data(), int(m_points.size()));
+        // Round points of a wide pen go through the stroker one by one; a dot drawn once and
+        // stamped is many times cheaper.
+        const qreal dpr = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+        if (m_dot.isNull() || m_dotColor != series.color() || m_dotWidth != series.width() ||
+            m_dot.devicePixelRatio() != dpr) {
+            const int side = int(std::ceil(series.width() * dpr)) + 2;
+            m_dot = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+            m_dot.fill(Qt::transparent);
+            QPainter p(&m_dot);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            p.setPen(Qt::NoPen);
+            p.setBrush(series.color());
+            const qreal r = series.width() * dpr / 2;
+            p.drawEllipse(QPointF(side / 2.0, side / 2.0), r, r);
+            p.end();
+            m_dot.setDevicePixelRatio(dpr);
+            m_dotColor = series.color();
+            m_dotWidth = series.width();
+        }
+        const QPointF centre(m_dot.width() / dpr / 2.0, m_dot.height() / dpr / 2.0);
+        for (const QPointF &p : m_points)
+            painter.drawImage(p - centre, m_dot);
     } else {
-        painter.setPen(
-            QPen(series.color(), series.width(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawPolyline(m_points.data(), int(m_points.size()));
+        drawLine(painter, series.color(), series.width());
     }
 }
 

@@ -85,6 +85,9 @@ private:
     std::vector<Bar> m_bars;
     std::vector<QRect> m_spans;
     std::vector<QRectF> m_labelBoxes;
+    QImage m_dot;
+    QColor m_dotColor;
+    qreal m_dotWidth = 0.0;
     QImage m_background;
     Frame m_backgroundFrame;
     Ticks m_backgroundTicks;
