@@ -43,7 +43,6 @@ private slots:
     void offsetSnapsToFiveSecondStepsInsideTheData();
     void scrollBarRangeAndPlacement_data();
     void scrollBarRangeAndPlacement();
-    void scrollBarStepIsFiveSeconds();
     void newDataIsFollowedUnlessPaused();
     void scrollingBackPausesFollowing();
     void markerHitWithinFivePixels_data();
@@ -119,23 +118,6 @@ void TestSignalViewer::scrollBarRangeAndPlacement()
     }
     // The plot keeps clear of the bar.
     QVERIFY(rig.viewer.plotRect().bottom() < rig.viewer.height() - (shown ? 16 : 0));
-}
-
-void TestSignalViewer::scrollBarStepIsFiveSeconds()
-{
-    Rig rig(100.0);
-    rig.viewer.setScrollMode(true);
-    QSignalSpy changed(&rig.viewer, &SignalViewer::offsetSecondsChanged);
-    rig.viewer.scrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-    QCOMPARE(rig.viewer.offset(), 5.0);
-    rig.viewer.scrollBar()->triggerAction(QAbstractSlider::SliderPageStepAdd);
-    QCOMPARE(rig.viewer.offset(), 10.0);
-    QCOMPARE(changed.count(), 2);
-    // A new window length starts over at the beginning.
-    rig.viewer.setWindowLength(30.0);
-    QCOMPARE(rig.viewer.scrollBar()->value(), 0);
-    QCOMPARE(rig.viewer.offset(), 0.0);
-    QCOMPARE(rig.viewer.scrollBar()->maximum(), 14);
 }
 
 void TestSignalViewer::newDataIsFollowedUnlessPaused()

@@ -58,8 +58,6 @@ private slots:
     void everyColumnKeepsItsExtremes_data();
     void everyColumnKeepsItsExtremes();
     void sparseSamplesAreKeptAsTheyAre();
-    void nothingOutsideTheSeries_data();
-    void nothingOutsideTheSeries();
     void bufferIsReusedWithoutGrowing();
 };
 
@@ -140,34 +138,6 @@ void TestViewerColumnDecimator::sparseSamplesAreKeptAsTheyAre()
     QCOMPARE(out.front(), QPointF(-10, 1.0)); // sample 49, at 4.9 s
     QCOMPARE(out[1], QPointF(0, -1.0));       // sample 50, the left edge
     QCOMPARE(out.back(), QPointF(210, 1.0));  // sample 71, at 7.1 s
-}
-
-void TestViewerColumnDecimator::nothingOutsideTheSeries_data()
-{
-    QTest::addColumn<double>("offset");
-    QTest::addColumn<double>("rate");
-    QTest::addColumn<double>("pps");
-    QTest::newRow("window after the end") << 200.0 << 1000.0 << 16.0;
-    QTest::newRow("no rate") << 0.0 << 0.0 << 16.0;
-    QTest::newRow("no width") << 0.0 << 1000.0 << 0.0;
-}
-
-void TestViewerColumnDecimator::nothingOutsideTheSeries()
-{
-    QFETCH(double, offset);
-    QFETCH(double, rate);
-    QFETCH(double, pps);
-    const QList<double> s = noise(1000, 7);
-    ViewerColumnDecimator::Mapping map;
-    map.rate = rate;
-    map.offset = offset;
-    map.pixelsPerSecond = pps;
-    map.columns = 500;
-    std::vector<QPointF> out{QPointF(1, 1)};
-    ViewerColumnDecimator::decimate(s.constData(), s.size(), map, out);
-    QVERIFY(out.empty());
-    ViewerColumnDecimator::decimate(nullptr, 0, map, out);
-    QVERIFY(out.empty());
 }
 
 void TestViewerColumnDecimator::bufferIsReusedWithoutGrowing()
