@@ -1,0 +1,365 @@
+#include "ui/SignalViewer.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include <cmath>
+
+namespace {
+// Room for the longest value label the axes use ("-0.300", "1000").
+int marginFor(const QFont &font)
+{
+    return QFontMetrics(font).horizontalAdvance(QStringLiteral("-0.000")) + 10;
+}
+} // namespace
+
+SignalViewer::SignalViewer(QWidget *parent)
+    : QWidget(parent)
+    , m_scrollBar(new QScrollBar(Qt::Horizontal, this))
+{
+    installEventFilter(this);
+    setMouseTracking(true);
+    m_margin = marginFor(font());
+    m_scrollBar->setObjectName(QStringLiteral("scrollWithButtons"));
+    m_scrollBar->setSingleStep(1);
+    m_scrollBar->setPageStep(1);
+    m_scrollBar->setRange(0, 0);
+    m_scrollBar->hide();
+    connect(m_scrollBar, &QScrollBar::valueChanged, this, &SignalViewer::onScrollBarMoved);
+    setMinimumSize(160, 100);
+}
+
+SignalViewer::~SignalViewer() = default;
+
+void SignalViewer::setSeries(const QList<SignalViewerSeries> &series)
+{
+    m_series = series;
+    updateData();
+}
+
+void SignalViewer::setValueRange(double lower, double upper)
+{
+    if (!(upper > lower) || (lower == m_lower && upper == m_upper))
+        return;
+    m_lower = lower;
+    m_upper = upper;
+    update();
+}
+
+void SignalViewer::setWindowLength(double seconds)
+{
+    if (!(seconds > 0.0))
+        return;
+    m_windowLength = seconds;
+    updateScrollRange();
+    m_scrollBar->blockSignals(true);
+    m_scrollBar->setValue(0);
+    m_scrollBar->blockSignals(false);
+    // The window starts over at the beginning, or at the newest data while following.
+    setOffset(0.0);
+    if (!m_followPaused && m_totalLength > m_windowLength)
+        setOffset(std::ceil(m_totalLength / ScrollStepSeconds) * ScrollStepSeconds);
+    update();
+}
+
+void SignalViewer::setOffset(double seconds)
+{
+    const double step = ScrollStepSeconds;
+    double offset = std::floor(std::max(0.0, seconds) / step) * step;
+    if (m_windowLength > m_totalLength)
+        offset = 0.0;
+    else if (offset + m_windowLength > m_totalLength)
+        offset = std::ceil(m_totalLength / step) * step - m_windowLength;
+    const bool changed = offset != m_offset;
+    m_offset = offset;
+    update();
+    // Viewers that scroll together listen to each other, so only a real change is announced.
+    if (changed)
+        emit offsetSecondsChanged(int(offset));
+    m_scrollBar->blockSignals(true);
+    m_scrollBar->setValue(int(offset / step));
+    m_scrollBar->blockSignals(false);
+}
+
+void SignalViewer::setScrollMode(bool on)
+{
+    m_scrollMode = on;
+    placeScrollBar();
+}
+
+void SignalViewer::setFollowPaused(bool paused)
+{
+    m_followPaused = paused;
+}
+
+void SignalViewer::setTitle(const QString &title)
+{
+    m_title = title;
+    update();
+}
+
+void SignalViewer::setUnit(const QString &unit)
+{
+    m_unit = unit;
+    update();
+}
+
+void SignalViewer::setTimeTitle(const QString &title)
+{
+    m_timeTitle = title;
+    update();
+}
+
+void SignalViewer::setMarker(const SignalViewerMarker &marker)
+{
+    for (SignalViewerMarker &m : m_markers) {
+        if (m.tag() == marker.tag()) {
+            m = marker;
+            update();
+            return;
+        }
+    }
+    m_markers.append(marker);
+    update();
+}
+
+void SignalViewer::removeMarker(const QString &tag)
+{
+    m_markers.removeIf([&](const SignalViewerMarker &m) { return m.tag() == tag; });
+    if (m_draggedTag == tag)
+        release();
+    update();
+}
+
+void SignalViewer::clearMarkers()
+{
+    m_markers.clear();
+    if (!m_draggedTag.isEmpty())
+        release();
+    update();
+}
+
+double SignalViewer::markerTime(const QString &tag) const
+{
+    for (const SignalViewerMarker &m : m_markers) {
+        if (m.tag() == tag)
+            return m.time();
+    }
+    return -1.0;
+}
+
+void SignalViewer::setMarkersMovable(bool movable)
+{
+    m_markersMovable = movable;
+    if (!movable && !m_draggedTag.isEmpty())
+        release();
+}
+
+void SignalViewer::setDark(bool dark)
+{
+    m_darkSet = true;
+    m_dark = dark;
+    update();
+}
+
+bool SignalViewer::isDark() const
+{
+    if (m_darkSet)
+        return m_dark;
+    return palette().color(QPalette::Window).lightness() < 128;
+}
+
+double SignalViewer::pixelsPerSecond() const
+{
+    const int plotWidth = width() - 2 * m_margin;
+    if (plotWidth <= 0 || !(m_windowLength > 0.0))
+        return 0.0;
+    return plotWidth / m_windowLength;
+}
+
+double SignalViewer::timeAt(double x) const
+{
+    const double pps = pixelsPerSecond();
+    return pps > 0.0 ? (x - m_margin) / pps + m_offset : m_offset;
+}
+
+QRect SignalViewer::plotRect() const
+{
+    const QFontMetrics fm(font());
+    const QRect area = contentsRect();
+    const int top = area.top() + fm.height() + 8;
+    const int bottom = area.bottom() + 1 - (fm.height() + 6);
+    return QRect(m_margin, top, std::max(0, width() - 2 * m_margin), std::max(0, bottom - top));
+}
+
+void SignalViewer::updateData()
+{
+    double total = 0.0;
+    for (const SignalViewerSeries &s : std::as_const(m_series))
+        total = std::max(total, s.length());
+    const bool grew = total > m_totalLength;
+    const bool shrank = total < m_totalLength;
+    m_totalLength = total;
+    updateScrollRange();
+    if (!m_followPaused && grew && m_totalLength > m_windowLength) {
+        // The newest data in view with some room after it for what comes next.
+        const double step = ScrollStepSeconds;
+        const double offset =
+            double(int(std::ceil(m_totalLength / step + 1.0))) * step - m_windowLength;
+        const bool changed = offset != m_offset;
+        m_offset = offset;
+        if (changed)
+            emit offsetSecondsChanged(int(offset));
+        m_scrollBar->blockSignals(true);
+        m_scrollBar->setValue(int(offset / step));
+        m_scrollBar->blockSignals(false);
+    } else if (shrank) {
+        // A shorter series (a recording started over) may no longer reach the window's offset.
+        setOffset(m_offset);
+    }
+    update();
+}
+
+int SignalViewer::scrollMaximum() const
+{
+    return int(std::ceil(m_totalLength / ScrollStepSeconds)) -
+           int(m_windowLength / ScrollStepSeconds);
+}
+
+void SignalViewer::updateScrollRange()
+{
+    m_scrollBar->blockSignals(true);
+    m_scrollBar->setRange(0, std::max(0, scrollMaximum()));
+    m_scrollBar->blockSignals(false);
+    placeScrollBar();
+}
+
+void SignalViewer::placeScrollBar()
+{
+    const bool shown = m_scrollMode && scrollMaximum() > 0;
+    m_scrollBar->setGeometry(0, height() - ScrollBarHeight, width(), ScrollBarHeight);
+    m_scrollBar->setVisible(shown);
+    setContentsMargins(0, 0, 0, shown ? ScrollBarHeight : 0);
+    update();
+}
+
+void SignalViewer::onScrollBarMoved(int value)
+{
+    // Scrolling back to look at older data stops the window from running away; scrolling to
+    // the end picks the newest data up again.
+    m_followPaused = value < m_scrollBar->maximum();
+    setOffset(double(value) * ScrollStepSeconds);
+}
+
+bool SignalViewer::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != this)
+        return QWidget::eventFilter(watched, event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+        auto *e = static_cast<QMouseEvent *>(event);
+        if (e->button() == Qt::LeftButton)
+            pressAt(e->position().x());
+        break;
+    }
+    case QEvent::MouseMove: {
+        const double x = static_cast<QMouseEvent *>(event)->position().x();
+        if (!m_draggedTag.isEmpty())
+            dragTo(x);
+        else if (m_markersMovable)
+            // Show that the marker under the mouse can be taken.
+            setCursor(markerAt(x) ? Qt::SizeHorCursor : Qt::ArrowCursor);
+        break;
+    }
+    case QEvent::MouseButtonRelease:
+        if (!m_draggedTag.isEmpty())
+            release();
+        break;
+    default:
+        break;
+    }
+    // Others (the experiment viewer's context menu) see every event too.
+    return false;
+}
+
+const SignalViewerMarker *SignalViewer::markerAt(double x) const
+{
+    const double pps = pixelsPerSecond();
+    for (const SignalViewerMarker &m : m_markers) {
+        if (!m.isMovable())
+            continue;
+        const double px = (m.time() - m_offset) * pps;
+        if (std::fabs(px - (x - m_margin)) < MarkerHitPixels)
+            return &m;
+    }
+    return nullptr;
+}
+
+bool SignalViewer::pressAt(double x)
+{
+    if (!m_markersMovable)
+        return false;
+    const SignalViewerMarker *m = markerAt(x);
+    if (!m)
+        return false;
+    m_draggedTag = m->tag();
+    setCursor(Qt::SizeHorCursor);
+    emit markerMoveStarted();
+    return true;
+}
+
+void SignalViewer::dragTo(double x)
+{
+    const double pps = pixelsPerSecond();
+    if (!(pps > 0.0))
+        return;
+    const double px = std::clamp(x - m_margin, 0.0, double(width() - 2 * m_margin));
+    const double time = px / pps + m_offset;
+    for (SignalViewerMarker &m : m_markers) {
+        if (m.tag() != m_draggedTag)
+            continue;
+        m.setTime(time);
+        emit markerUpdated(m.tag(), time, m.text());
+        update();
+        return;
+    }
+}
+
+void SignalViewer::release()
+{
+    m_draggedTag.clear();
+    setCursor(Qt::ArrowCursor);
+    emit markerMoveStopped();
+}
+
+void SignalViewer::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    SignalViewerPainter::Frame frame;
+    frame.plot = plotRect();
+    frame.offset = m_offset;
+    frame.window = m_windowLength;
+    frame.lower = m_lower;
+    frame.upper = m_upper;
+    frame.dark = isDark();
+    frame.title = m_title;
+    frame.unit = m_unit;
+    frame.timeTitle = m_timeTitle;
+    m_painter.paint(painter, frame, m_series, m_markers);
+}
+
+void SignalViewer::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeScrollBar();
+}
+
+void SignalViewer::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        m_margin = marginFor(font());
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)
+        update();
+}

@@ -1,0 +1,450 @@
+#include "ui/SignalViewerPainter.h"
+
+#include "ui/ViewerColumnDecimator.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+// Grid colours: the light ones are the house colours; on a dark background they would outshine
+// the traces, so the dark theme uses dimmer greys.
+QColor majorGridColor(bool dark)
+{
+    return dark ? QColor(0x5a, 0x5a, 0x5a) : QColor(0xaa, 0xaa, 0xaa);
+}
+QColor minorGridColor(bool dark)
+{
+    return dark ? QColor(0x3c, 0x3c, 0x3c) : QColor(0xdd, 0xdd, 0xdd);
+}
+QColor plotBackground(bool dark)
+{
+    return dark ? QColor(0x1e, 0x1e, 0x1e) : QColor(Qt::white);
+}
+
+int decimalsFor(double step)
+{
+    return std::max(0, int(-std::floor(std::log10(step) + 1e-9)));
+}
+} // namespace
+
+QColor SignalViewerPainter::textColor(bool dark)
+{
+    return dark ? QColor(0xcc, 0xcc, 0xcc) : QColor(Qt::black);
+}
+
+double SignalViewerPainter::niceStep(double span, int maxSteps)
+{
+    if (!(span > 0.0) || maxSteps < 1)
+        return 0.0;
+    const double raw = span / maxSteps;
+    const double power = std::pow(10.0, std::floor(std::log10(raw)));
+    for (double m : {1.0, 2.0, 5.0, 10.0}) {
+        if (m * power >= raw * (1.0 - 1e-9))
+            return m * power;
+    }
+    return 10.0 * power;
+}
+
+double SignalViewerPainter::timeStep(double pixelsPerSecond, double minPixels)
+{
+    // Whole seconds that read naturally on a clock.
+    for (double s : {1.0, 2.0, 5.0, 10.0, 15.0, 30.0, 60.0, 120.0, 300.0, 600.0}) {
+        if (s * pixelsPerSecond >= minPixels)
+            return s;
+    }
+    return 1800.0;
+}
+
+void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
+                                const QList<SignalViewerSeries> &series,
+                                const QList<SignalViewerMarker> &markers)
+{
+    if (frame.plot.width() <= 0 || frame.plot.height() <= 0)
+        return;
+    const Ticks ticks = ticksFor(frame, QFontMetricsF(painter.font()));
+    drawBackground(painter, frame, ticks);
+    drawLabels(painter, frame, ticks);
+    drawHeader(painter, frame, series);
+
+    painter.save();
+    painter.setClipRect(frame.plot.adjusted(0, -2, 0, 2));
+    for (const SignalViewerSeries &s : series) {
+        if (s.isSampled())
+            drawSampled(painter, frame, s);
+        else
+            drawPoints(painter, frame, s);
+    }
+    painter.restore();
+    drawMarkers(painter, frame, markers);
+}
+
+SignalViewerPainter::Ticks SignalViewerPainter::ticksFor(const Frame &frame,
+                                                         const QFontMetricsF &fm)
+{
+    Ticks t;
+    const double span = frame.upper - frame.lower;
+    t.valueStep = niceStep(span, std::max(1, int(frame.plot.height() / (fm.height() * 2.2))));
+    t.pixelsPerSecond = frame.plot.width() / frame.window;
+    t.timeStep = timeStep(t.pixelsPerSecond, fm.horizontalAdvance(QStringLiteral("0000")) * 2.0);
+    t.minorTimeStep = t.timeStep >= 5.0 && t.timeStep / 5.0 * t.pixelsPerSecond >= 8.0
+                          ? t.timeStep / 5.0
+                          : t.timeStep;
+    return t;
+}
+
+void SignalViewerPainter::drawBackground(QPainter &painter, const Frame &frame, const Ticks &ticks)
+{
+    // The plot's background and dashed grid change only when the window moves or the scale
+    // changes, which while recording is once in five seconds: keep them as a picture.
+    const qreal dpr = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    const QSize size = (frame.plot.size() * dpr).toSize();
+    const bool same =
+        m_background.size() == size && m_backgroundRatio == dpr &&
+        m_backgroundFrame.plot.size() == frame.plot.size() &&
+        m_backgroundFrame.offset == frame.offset && m_backgroundFrame.window == frame.window &&
+        m_backgroundFrame.lower == frame.lower && m_backgroundFrame.upper == frame.upper &&
+        m_backgroundFrame.dark == frame.dark && m_backgroundTicks == ticks;
+    if (!same) {
+        if (m_background.size() != size)
+            m_background = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        m_background.setDevicePixelRatio(dpr);
+        m_background.fill(plotBackground(frame.dark));
+        QPainter p(&m_background);
+        p.translate(-frame.plot.topLeft());
+        drawGridLines(p, frame, ticks);
+        p.end();
+        m_backgroundFrame = frame;
+        m_backgroundTicks = ticks;
+        m_backgroundRatio = dpr;
+    }
+    painter.drawImage(frame.plot.topLeft(), m_background);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(QPen(textColor(frame.dark), 1));
+    painter.drawLine(frame.plot.bottomLeft(), frame.plot.topLeft());
+    painter.drawLine(frame.plot.bottomLeft(), frame.plot.bottomRight());
+}
+
+void SignalViewerPainter::drawGridLines(QPainter &painter, const Frame &frame,
+                                        const Ticks &ticks) const
+{
+    const QRectF &plot = frame.plot;
+    const QPen major(majorGridColor(frame.dark), 1, Qt::DashLine);
+    const QPen minor(minorGridColor(frame.dark), 1, Qt::DashLine);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+
+    // Values: lines at the steps, fainter ones halfway.
+    const double step = ticks.valueStep;
+    if (step > 0.0) {
+        const double scale = plot.height() / (frame.upper - frame.lower);
+        const double first = std::ceil(frame.lower / step - 1e-9) * step;
+        for (double v = first - step / 2; v <= frame.upper + 1e-9 * step; v += step / 2) {
+            if (v < frame.lower - 1e-9 * step)
+                continue;
+            const double y = std::round(plot.bottom() - (v - frame.lower) * scale);
+            const bool isMajor = std::fabs(std::remainder(v, step)) < step * 1e-6;
+            painter.setPen(isMajor ? major : minor);
+            painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+        }
+    }
+    // Time: lines at whole seconds.
+    const double end = frame.offset + frame.window;
+    for (double t = std::ceil(frame.offset / ticks.minorTimeStep - 1e-9) * ticks.minorTimeStep;
+         t <= end + 1e-9; t += ticks.minorTimeStep) {
+        const double x = std::round(plot.left() + (t - frame.offset) * ticks.pixelsPerSecond);
+        const bool isMajor = std::fabs(std::remainder(t, ticks.timeStep)) < 1e-6;
+        painter.setPen(isMajor ? major : minor);
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+    }
+}
+
+void SignalViewerPainter::drawLabels(QPainter &painter, const Frame &frame,
+                                     const Ticks &ticks) const
+{
+    const QRectF &plot = frame.plot;
+    const QFontMetricsF fm(painter.font());
+    painter.setPen(textColor(frame.dark));
+
+    // Values left of the axis.
+    const double step = ticks.valueStep;
+    if (step > 0.0) {
+        const double scale = plot.height() / (frame.upper - frame.lower);
+        const int decimals = decimalsFor(step);
+        for (double v = std::ceil(frame.lower / step - 1e-9) * step; v <= frame.upper + 1e-9 * step;
+             v += step) {
+            const double y = std::round(plot.bottom() - (v - frame.lower) * scale);
+            const QString label =
+                QString::number(std::fabs(v) < step * 1e-6 ? 0.0 : v, 'f', decimals);
+            const double w = fm.horizontalAdvance(label);
+            painter.drawText(QPointF(plot.left() - 4 - w, y + fm.ascent() / 2 - 1), label);
+        }
+    }
+
+    // Time under the axis. The time title, when there is one, takes the right end of the row
+    // and the labels give way to it.
+    const double baseline = plot.bottom() + 2 + fm.ascent();
+    double titleLeft = plot.right() + fm.horizontalAdvance(QStringLiteral("000"));
+    if (!frame.timeTitle.isEmpty()) {
+        const double right = plot.right() + plot.left();
+        titleLeft = right - fm.horizontalAdvance(frame.timeTitle) - 4;
+        painter.drawText(QPointF(titleLeft, baseline), frame.timeTitle);
+    }
+    const double end = frame.offset + frame.window;
+    for (double t = std::ceil(frame.offset / ticks.timeStep - 1e-9) * ticks.timeStep;
+         t <= end + 1e-9; t += ticks.timeStep) {
+        const double x = std::round(plot.left() + (t - frame.offset) * ticks.pixelsPerSecond);
+        const QString label = QString::number(qRound64(t));
+        const double w = fm.horizontalAdvance(label);
+        if (x + w / 2 >= titleLeft - 4)
+            continue;
+        painter.drawText(QPointF(x - w / 2, baseline), label);
+    }
+}
+
+void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
+                                     const QList<SignalViewerSeries> &series) const
+{
+    const QColor text = textColor(frame.dark);
+    QFont bold = painter.font();
+    bold.setBold(true);
+    const QFontMetricsF fm(painter.font());
+    const QFontMetricsF fmBold(bold);
+    const double baseline = frame.plot.top() - fm.descent() - 3;
+    double x = 4;
+    painter.setPen(text);
+    if (!frame.title.isEmpty()) {
+        painter.save();
+        painter.setFont(bold);
+        painter.drawText(QPointF(x, baseline), frame.title);
+        painter.restore();
+        x += fmBold.horizontalAdvance(frame.title);
+    }
+    if (!frame.unit.isEmpty()) {
+        const QString unit = frame.title.isEmpty() ? frame.unit : QStringLiteral(", ") + frame.unit;
+        painter.drawText(QPointF(x, baseline), unit);
+    }
+
+    // Legend, right-aligned, for the series that have a name.
+    double right = frame.plot.right();
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    for (auto it = series.crbegin(); it != series.crend(); ++it) {
+        if (it->name().isEmpty())
+            continue;
+        const double w = fm.horizontalAdvance(it->name());
+        painter.setPen(text);
+        painter.drawText(QPointF(right - w, baseline), it->name());
+        const double y = baseline - fm.ascent() / 2 + 1;
+        QPen pen(it->color(), it->style() == SignalViewerSeries::Style::Dots ? 6 : 2.5,
+                 Qt::SolidLine, Qt::RoundCap);
+        painter.setPen(pen);
+        if (it->style() == SignalViewerSeries::Style::Dots)
+            painter.drawPoint(QPointF(right - w - 10, y));
+        else
+            painter.drawLine(QPointF(right - w - 22, y), QPointF(right - w - 6, y));
+        right -= w + 36;
+    }
+}
+
+void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
+                                      const SignalViewerSeries &series)
+{
+    // A copy of the list handle for this paint only; the source keeps the data.
+    const QList<double> samples = series.samples();
+    if (samples.isEmpty() || frame.upper <= frame.lower)
+        return;
+    ViewerColumnDecimator::Mapping map;
+    map.rate = series.rate();
+    map.offset = frame.offset;
+    map.pixelsPerSecond = frame.plot.width() / frame.window;
+    map.left = frame.plot.left();
+    map.columns = int(std::ceil(frame.plot.width()));
+    map.yScale = -frame.plot.height() / (frame.upper - frame.lower);
+    map.yOrigin = frame.plot.bottom() - frame.lower * map.yScale;
+    ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, m_points);
+    if (m_points.empty())
+        return;
+
+    // How far the line travels up and down decides how to draw it. A calm trace (the cuff
+    // pressure) is drawn as a smooth line. A busy one (a minute of pulse waves) is a band of
+    // vertical strokes anyway, and drawing it as a line would cost tens of milliseconds.
+    double travel = 0.0;
+    for (size_t i = 1; i < m_points.size(); ++i)
+        travel += std::fabs(m_points[i].y() - m_points[i - 1].y());
+    const bool dense = map.rate / map.pixelsPerSecond >= 2.0;
+    if (dense && travel * linePasses(series.width()) > kSmoothLineBudget)
+        drawSpans(painter, series.color(), series.width());
+    else
+        drawLine(painter, series.color(), series.width());
+}
+
+int SignalViewerPainter::linePasses(qreal width)
+{
+    return width > 1.0 ? 4 : 1;
+}
+
+void SignalViewerPainter::drawLine(QPainter &painter, const QColor &color, qreal width) const
+{
+    // The raster engine strokes a wide pen through a general polygon fill, which costs a great
+    // deal on long lines; a hairline is cheap. So a wide line is a hairline drawn at the four
+    // corners of a small square, which thickens it the same in every direction.
+    QPen pen(color, 1.0);
+    pen.setCosmetic(true);
+    painter.setPen(pen);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    const int n = int(m_points.size());
+    if (linePasses(width) == 1) {
+        painter.drawPolyline(m_points.data(), n);
+        return;
+    }
+    const qreal d = width - 1.0;
+    for (const QPointF &shift : {QPointF(-d / 2, -d / 2), QPointF(d / 2, -d / 2),
+                                 QPointF(-d / 2, d / 2), QPointF(d / 2, d / 2)}) {
+        painter.translate(shift);
+        painter.drawPolyline(m_points.data(), n);
+        painter.translate(-shift);
+    }
+}
+
+void SignalViewerPainter::drawSpans(QPainter &painter, const QColor &color, qreal width)
+{
+    // One filled upright bar per pixel column, from where the line enters the column to its
+    // lowest and highest point, widened by the pen. A pen w pixels wide would paint each pixel
+    // w times over; instead each column takes the union of the w bars that would cover it, so
+    // every pixel is painted once. The bars of neighbouring columns touch (each starts where
+    // the last ended), so a union is again one bar. Whole pixels throughout: the raster engine
+    // fills those several times faster than fractional rectangles.
+    const int w = std::max(1, int(std::lround(width)));
+    const double half = width / 2;
+    m_bars.clear();
+    double previousY = m_points.front().y();
+    size_t i = 0;
+    while (i < m_points.size()) {
+        const double x = m_points[i].x();
+        double lo = previousY, hi = previousY;
+        for (; i < m_points.size() && m_points[i].x() == x; ++i) {
+            lo = std::min(lo, m_points[i].y());
+            hi = std::max(hi, m_points[i].y());
+            previousY = m_points[i].y();
+        }
+        const int top = int(std::floor(lo - half + 0.5));
+        const int bottom = std::max(top + 1, int(std::floor(hi + half + 0.5)));
+        m_bars.push_back({int(std::floor(x)), top, bottom});
+    }
+    // The bar of column c covers pixel columns c - (w - 1) / 2 ... c + w / 2.
+    const int before = (w - 1) / 2;
+    const int after = w / 2;
+    m_spans.clear();
+    for (size_t b = 0; b < m_bars.size(); ++b) {
+        const int column = m_bars[b].column;
+        int top = m_bars[b].top, bottom = m_bars[b].bottom;
+        for (size_t k = b; k-- > 0 && m_bars[k].column >= column - after;) {
+            top = std::min(top, m_bars[k].top);
+            bottom = std::max(bottom, m_bars[k].bottom);
+        }
+        for (size_t k = b + 1; k < m_bars.size() && m_bars[k].column <= column + before; ++k) {
+            top = std::min(top, m_bars[k].top);
+            bottom = std::max(bottom, m_bars[k].bottom);
+        }
+        m_spans.emplace_back(column, top, 1, bottom - top);
+    }
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRects(m_spans.data(), int(m_spans.size()));
+    painter.setBrush(Qt::NoBrush);
+}
+
+void SignalViewerPainter::drawPoints(QPainter &painter, const Frame &frame,
+                                     const SignalViewerSeries &series)
+{
+    const QList<QPointF> points = series.points();
+    if (points.isEmpty() || frame.upper <= frame.lower)
+        return;
+    // Points are in time order: find the visible ones, plus one on each side for the line.
+    const auto byTime = [](const QPointF &p, double t) { return p.x() < t; };
+    auto from = std::lower_bound(points.cbegin(), points.cend(), frame.offset, byTime);
+    auto to = std::lower_bound(from, points.cend(), frame.offset + frame.window, byTime);
+    if (from != points.cbegin())
+        --from;
+    if (to != points.cend())
+        ++to;
+    const double pps = frame.plot.width() / frame.window;
+    const double yScale = -frame.plot.height() / (frame.upper - frame.lower);
+    m_points.clear();
+    for (auto it = from; it != to; ++it) {
+        m_points.emplace_back(frame.plot.left() + (it->x() - frame.offset) * pps,
+                              frame.plot.bottom() + (it->y() - frame.lower) * yScale);
+    }
+    if (m_points.empty())
+        return;
+    if (series.style() == SignalViewerSeries::Style::Dots) {
+        // Round points of a wide pen go through the stroker one by one; a dot drawn once and
+        // stamped is many times cheaper.
+        const qreal dpr = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+        if (m_dot.isNull() || m_dotColor != series.color() || m_dotWidth != series.width() ||
+            m_dot.devicePixelRatio() != dpr) {
+            const int side = int(std::ceil(series.width() * dpr)) + 2;
+            m_dot = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+            m_dot.fill(Qt::transparent);
+            QPainter p(&m_dot);
+            p.setRenderHint(QPainter::Antialiasing, true);
+            p.setPen(Qt::NoPen);
+            p.setBrush(series.color());
+            const qreal r = series.width() * dpr / 2;
+            p.drawEllipse(QPointF(side / 2.0, side / 2.0), r, r);
+            p.end();
+            m_dot.setDevicePixelRatio(dpr);
+            m_dotColor = series.color();
+            m_dotWidth = series.width();
+        }
+        const QPointF centre(m_dot.width() / dpr / 2.0, m_dot.height() / dpr / 2.0);
+        for (const QPointF &p : m_points)
+            painter.drawImage(p - centre, m_dot);
+    } else {
+        drawLine(painter, series.color(), series.width());
+    }
+}
+
+void SignalViewerPainter::drawMarkers(QPainter &painter, const Frame &frame,
+                                      const QList<SignalViewerMarker> &markers)
+{
+    const QRectF &plot = frame.plot;
+    const double pps = plot.width() / frame.window;
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    m_labelBoxes.clear();
+    for (const SignalViewerMarker &m : markers) {
+        const double x = plot.left() + (m.time() - frame.offset) * pps;
+        if (x < plot.left() - 0.5 || x > plot.right() + 0.5)
+            continue;
+        QPen pen(m.color(), m.isMovable() ? 2.0 : 1.5,
+                 m.isMovable() ? Qt::SolidLine : Qt::DashLine);
+        painter.setPen(pen);
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+        if (m.text().isEmpty())
+            continue;
+        // The label hangs from the top of the line, on its right unless that leaves the plot.
+        const QSizeF size = m.layout().size();
+        QRectF box(x + 3, plot.top() + 3, size.width() + 8, size.height() + 2);
+        if (box.right() > plot.right())
+            box.moveRight(x - 3);
+        // Markers close in time (the same point of several records) stack their labels.
+        for (bool moved = true; moved && box.bottom() < plot.bottom();) {
+            moved = false;
+            for (const QRectF &other : m_labelBoxes) {
+                if (other.intersects(box)) {
+                    box.moveTop(other.bottom() + 2);
+                    moved = true;
+                }
+            }
+        }
+        m_labelBoxes.push_back(box);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(m.color());
+        painter.drawRoundedRect(box, 3, 3);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(Qt::white);
+        painter.drawStaticText(box.topLeft() + QPointF(4, 1), m.layout());
+    }
+}

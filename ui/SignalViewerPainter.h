@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ui/SignalViewerMarker.h"
+#include "ui/SignalViewerSeries.h"
+
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QPointF>
+#include <QRect>
+#include <QRectF>
+#include <QString>
+
+#include <vector>
+
+class QFontMetricsF;
+class QPainter;
+
+// Draws one SignalViewer picture: grid, axes with their labels, the series and the markers.
+// Keeps its point buffer between paints so that painting allocates nothing once the widest plot
+// has been drawn.
+class SignalViewerPainter
+{
+public:
+    // What one paint shows and where.
+    struct Frame {
+        QRectF plot;          // the plot area in widget coordinates
+        double offset = 0.0;  // time at the left edge, seconds
+        double window = 60.0; // visible span, seconds
+        double lower = 0.0;
+        double upper = 1.0;
+        bool dark = false;
+        QString title;
+        QString unit;
+        QString timeTitle;
+    };
+
+    // Text and axis colours for light and dark backgrounds.
+    static QColor textColor(bool dark);
+
+    void paint(QPainter &painter, const Frame &frame, const QList<SignalViewerSeries> &series,
+               const QList<SignalViewerMarker> &markers);
+
+    // A step of 1, 2 or 5 times a power of ten that splits `span` into at most `maxSteps`.
+    static double niceStep(double span, int maxSteps);
+    // The time-axis step in seconds for this scale: wide enough for a label.
+    static double timeStep(double pixelsPerSecond, double minPixels);
+
+private:
+    // Grid steps of one picture.
+    struct Ticks {
+        double valueStep = 0.0;
+        double pixelsPerSecond = 0.0;
+        double timeStep = 1.0;
+        double minorTimeStep = 1.0;
+        bool operator==(const Ticks &o) const
+        {
+            return valueStep == o.valueStep && pixelsPerSecond == o.pixelsPerSecond &&
+                   timeStep == o.timeStep && minorTimeStep == o.minorTimeStep;
+        }
+    };
+    static Ticks ticksFor(const Frame &frame, const QFontMetricsF &fm);
+    void drawBackground(QPainter &painter, const Frame &frame, const Ticks &ticks);
+    void drawGridLines(QPainter &painter, const Frame &frame, const Ticks &ticks) const;
+    void drawLabels(QPainter &painter, const Frame &frame, const Ticks &ticks) const;
+    void drawSampled(QPainter &painter, const Frame &frame, const SignalViewerSeries &series);
+    void drawPoints(QPainter &painter, const Frame &frame, const SignalViewerSeries &series);
+    // m_points as a line of this width, or as one upright bar per pixel column.
+    void drawLine(QPainter &painter, const QColor &color, qreal width) const;
+    void drawSpans(QPainter &painter, const QColor &color, qreal width);
+    static int linePasses(qreal width);
+    void drawMarkers(QPainter &painter, const Frame &frame,
+                     const QList<SignalViewerMarker> &markers);
+    void drawHeader(QPainter &painter, const Frame &frame,
+                    const QList<SignalViewerSeries> &series) const;
+
+    // Pixels of up-and-down travel (times the passes drawn) up to which a dense trace is still
+    // drawn as a smooth line: about a millisecond of drawing.
+    static constexpr double kSmoothLineBudget = 40000.0;
+
+    std::vector<QPointF> m_points;
+    struct Bar {
+        int column, top, bottom;
+    };
+    std::vector<Bar> m_bars;
+    std::vector<QRect> m_spans;
+    std::vector<QRectF> m_labelBoxes;
+    QImage m_dot;
+    QColor m_dotColor;
+    qreal m_dotWidth = 0.0;
+    QImage m_background;
+    Frame m_backgroundFrame;
+    Ticks m_backgroundTicks;
+    qreal m_backgroundRatio = 0.0;
+};
