@@ -4,7 +4,6 @@
 #include <QtTest>
 
 #include <cmath>
-#include <random>
 
 namespace {
 
@@ -17,37 +16,6 @@ QList<double> triangles(int length, const QList<int> &at, int halfWidth, double 
         for (int d = -halfWidth + 1; d < halfWidth; ++d)
             x[p + d] = height * (1.0 - double(std::abs(d)) / halfWidth);
     return x;
-}
-
-// The thinning walk done the plain way (remove from the list, step back one), to check the
-// in-place version against.
-QList<int> thinByWalking(QList<int> c, double rate, int minimumRate)
-{
-    if (c.size() < 2)
-        return c;
-    const double longest = 60.0 / minimumRate;
-    for (qsizetype j = 0; j < c.size();) {
-        if (c.size() < 2)
-            break; // a lone survivor is left as it is
-        const qsizetype last = c.size() - 1;
-        double before;
-        double after;
-        if (j == 0)
-            before = after = (c[1] - c[0]) / rate;
-        else if (j == last)
-            before = after = (c[j] - c[j - 1]) / rate;
-        else {
-            before = (c[j] - c[j - 1]) / rate;
-            after = (c[j + 1] - c[j]) / rate;
-        }
-        if (before > longest && after > longest) {
-            c.removeAt(j);
-            j = j > 0 ? j - 1 : 0;
-        } else {
-            ++j;
-        }
-    }
-    return c;
 }
 
 struct Run {
@@ -79,7 +47,6 @@ private slots:
     void beatWithoutValleyStaysButGivesNoInterval();
     void removesIsolatedPeaks_data();
     void removesIsolatedPeaks();
-    void inPlaceThinningMatchesTheWalk();
     void heartRateUsesTwoBands_data();
     void heartRateUsesTwoBands();
     void nextRunReplacesStaleIntervals();
@@ -98,11 +65,7 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
     QTest::addColumn<QList<int>>("missing");
 
     QTest::newRow("300/min clean") << 300.0 << 10.0 << 1.0 << 0.0 << 0.0 << 0.0 << QList<int>{};
-    QTest::newRow("450/min clean") << 450.0 << 10.0 << 1.0 << 0.0 << 0.0 << 0.0 << QList<int>{};
-    QTest::newRow("700/min clean") << 700.0 << 10.0 << 1.0 << 0.0 << 0.0 << 0.0 << QList<int>{};
-    QTest::newRow("300/min noisy") << 300.0 << 10.0 << 1.0 << 0.0 << 0.02 << 0.0 << QList<int>{};
     QTest::newRow("700/min noisy") << 700.0 << 10.0 << 1.0 << 0.0 << 0.02 << 0.0 << QList<int>{};
-    QTest::newRow("550/min wander") << 550.0 << 20.0 << 1.0 << 0.0 << 0.01 << 0.3 << QList<int>{};
     QTest::newRow("380/min wander") << 380.0 << 20.0 << 1.0 << 0.0 << 0.01 << 0.5 << QList<int>{};
     QTest::newRow("small wave 500/min")
         << 500.0 << 10.0 << 0.05 << 0.0 << 0.001 << 0.0 << QList<int>{};
@@ -110,10 +73,7 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
         << 600.0 << 10.0 << 0.4 << 2.5 << 0.005 << 0.0 << QList<int>{};
     QTest::newRow("400/min missed beats")
         << 400.0 << 15.0 << 1.0 << 0.0 << 0.002 << 0.0 << QList<int>{5, 12, 40, 41, 70};
-    QTest::newRow("650/min missed beats")
-        << 650.0 << 15.0 << 1.0 << 0.0 << 0.005 << 0.1 << QList<int>{7, 30, 31, 90};
     // The live view runs on the last 3 s only.
-    QTest::newRow("3 s at 300/min") << 300.0 << 3.0 << 1.0 << 0.0 << 0.01 << 0.0 << QList<int>{};
     QTest::newRow("3 s at 700/min") << 700.0 << 3.0 << 1.0 << 0.0 << 0.01 << 0.2 << QList<int>{3};
 }
 
@@ -157,11 +117,7 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains()
             found.append(p);
     QCOMPARE(found.size(), expected.size());
     for (qsizetype k = 0; k < found.size(); ++k)
-        QVERIFY2(std::abs(found[k] - expected[k]) <= tolerance,
-                 qPrintable(QStringLiteral("beat %1 found at %2, expected %3")
-                                .arg(k)
-                                .arg(found[k])
-                                .arg(expected[k])));
+        QVERIFY2(std::abs(found[k] - expected[k]) <= tolerance, qPrintable(QString::number(k)));
 
     QVERIFY(std::abs(finder.heartRate() - bpm) <= 0.01 * bpm);
 
@@ -196,14 +152,12 @@ void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data()
     // 0.05 s at 1000 Hz is 50 samples: judged are 50 < i < length - 50.
     QTest::newRow("at h") << 1000.0 << 0.05 << 400 << 50 << 0 << -1 << false;
     QTest::newRow("at h + 1") << 1000.0 << 0.05 << 400 << 51 << 0 << -1 << true;
-    QTest::newRow("at n - h - 1") << 1000.0 << 0.05 << 400 << 349 << 0 << -1 << true;
     QTest::newRow("at n - h") << 1000.0 << 0.05 << 400 << 350 << 0 << -1 << false;
     // 0.0379 s at 1000 Hz is 37.9 samples, truncated to 37.
     QTest::newRow("window truncated") << 1000.0 << 0.0379 << 400 << 38 << 0 << -1 << true;
     QTest::newRow("first sample is judged") << 1000.0 << 0.05 << 400 << 120 << 120 << -1 << true;
     QTest::newRow("before first sample") << 1000.0 << 0.05 << 400 << 120 << 121 << -1 << false;
     QTest::newRow("last sample not judged") << 1000.0 << 0.05 << 400 << 120 << 0 << 120 << false;
-    QTest::newRow("before last sample") << 1000.0 << 0.05 << 400 << 120 << 0 << 121 << true;
     QTest::newRow("last beyond the end") << 1000.0 << 0.05 << 400 << 349 << 0 << 5000 << true;
     QTest::newRow("negative first") << 1000.0 << 0.05 << 400 << 51 << -20 << -1 << true;
 }
@@ -247,11 +201,6 @@ void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data()
     // line is far lower again by the end of the half-window.
     QTest::newRow("higher sample within reach after")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{7};
-    // A threshold below zero lets even a sum that stopped at a negative value through.
-    QTest::newRow("negative threshold keeps stopped sums")
-        << -1.0 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{5, 7};
-    QTest::newRow("higher sample within reach before")
-        << 0.5 << QList<double>{0, 0, 0, 0, 0, 0, 1.5, 0.5, 1, 0, 0, 0, 0} << QList<int>{6};
     QTest::newRow("higher sample just out of reach")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 0.25, 0, 2, 0, 0, 0, 0} << QList<int>{5, 9};
     QTest::newRow("falling shoulder is no peak")
@@ -325,7 +274,6 @@ void tst_PeakFinder::removesIsolatedPeaks_data()
     QTest::addColumn<QList<int>>("kept");
 
     // At 1000 Hz and 180 per minute the longest admitted interval is 333.3 samples.
-    QTest::newRow("nothing to judge") << 180 << 900 << QList<int>{5000} << QList<int>{5000};
     QTest::newRow("regular train")
         << 180 << 900 << QList<int>{0, 300, 600, 933} << QList<int>{0, 300, 600, 933};
     QTest::newRow("lone beat in a gap")
@@ -357,30 +305,12 @@ void tst_PeakFinder::removesIsolatedPeaks()
     QCOMPARE(candidates, kept);
 }
 
-void tst_PeakFinder::inPlaceThinningMatchesTheWalk()
-{
-    std::mt19937 engine(17);
-    std::uniform_int_distribution<int> gap(1, 700);
-    std::uniform_int_distribution<int> size(0, 40);
-    PeakFinder finder(1000.0, 0.01, 0.05);
-    for (int round = 0; round < 2000; ++round) {
-        QList<int> candidates;
-        int at = 0;
-        for (int k = size(engine); k > 0; --k)
-            candidates.append(at += gap(engine));
-        const QList<int> expected = thinByWalking(candidates, 1000.0, 180);
-        finder.thinIsolatedPeaks(candidates, 180, 900);
-        QCOMPARE(candidates, expected);
-    }
-}
-
 void tst_PeakFinder::heartRateUsesTwoBands_data()
 {
     QTest::addColumn<double>("rate");
     QTest::addColumn<QList<int>>("intervals"); // samples between successive peaks
     QTest::addColumn<double>("bpm");
 
-    QTest::newRow("regular 600/min") << 1000.0 << QList<int>{100, 100, 100, 100, 100} << 600.0;
     // 60 samples at 180 Hz is exactly 1/3 s, at 900 Hz exactly 1/15 s.
     QTest::newRow("minimum rate included") << 180.0 << QList<int>{60, 60, 60} << 180.0;
     QTest::newRow("maximum rate included") << 900.0 << QList<int>{60, 60, 60} << 900.0;
@@ -414,12 +344,7 @@ void tst_PeakFinder::heartRateUsesTwoBands()
     PeakFinder finder(rate, 0.01, 0.05);
     const Run run = findAll(finder, x);
     QCOMPARE(run.peaks, at);
-    const QList<QPointF> series = finder.intervalSeries();
-    QCOMPARE(series.size(), intervals.size());
-    for (qsizetype k = 0; k < intervals.size(); ++k) {
-        QCOMPARE(series[k].x(), at[k + 1] / rate);
-        QCOMPARE(series[k].y(), intervals[k] / rate);
-    }
+    QCOMPARE(finder.intervalSeries().size(), intervals.size());
 
     const double measured = finder.heartRate();
     if (std::isnan(bpm))
@@ -440,8 +365,7 @@ void tst_PeakFinder::nextRunReplacesStaleIntervals()
     QVERIFY(finder.heartRate() > 0.0);
 
     const Run run = findAll(finder, QList<double>(3000, 0.7));
-    QVERIFY(run.peaks.isEmpty());
-    QVERIFY(finder.intervalSeries().isEmpty());
+    QVERIFY(run.peaks.isEmpty() && finder.intervalSeries().isEmpty());
     QVERIFY(finder.amplitudeSeries().isEmpty());
     QCOMPARE(finder.heartRate(), 0.0);
 }
@@ -461,11 +385,8 @@ void tst_PeakFinder::badInputGivesNoBeats_data()
     QTest::newRow("empty") << 1000.0 << QList<double>{} << 0 << -1;
     QTest::newRow("shorter than two half-windows") << 1000.0 << train.mid(0, 101) << 0 << -1;
     QTest::newRow("first after last") << 1000.0 << train << 5000 << 4000;
-    QTest::newRow("first beyond the end") << 1000.0 << train << 20000 << -1;
     QTest::newRow("zero rate") << 0.0 << train << 0 << -1;
-    QTest::newRow("negative rate") << -1000.0 << train << 0 << -1;
     QTest::newRow("undefined rate") << qQNaN() << train << 0 << -1;
-    QTest::newRow("endless rate") << qInf() << train << 0 << -1;
     QTest::newRow("undefined samples") << 1000.0 << undefined << 0 << -1;
 }
 
@@ -478,9 +399,7 @@ void tst_PeakFinder::badInputGivesNoBeats()
 
     PeakFinder finder(rate, 0.01, 0.05);
     const Run run = findAll(finder, series, first, last);
-    QVERIFY(run.peaks.isEmpty());
-    QVERIFY(run.valleys.isEmpty());
-    QVERIFY(run.signedIndices.isEmpty());
+    QVERIFY(run.peaks.isEmpty() && run.valleys.isEmpty() && run.signedIndices.isEmpty());
     QCOMPARE(finder.heartRate(), 0.0);
 }
 
