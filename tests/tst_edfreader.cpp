@@ -94,7 +94,6 @@ private slots:
     void secondOpenIsRefused();
     void tooManyOpenFilesIsOneLine();
     void readsOnClosedReaderOrMissingChannel();
-    void fileDeletedWhileOpen();
     void collidingAnnotationOnsetsAllSurvive();
 
 private:
@@ -387,19 +386,6 @@ void TestEDFReader::readsOnClosedReaderOrMissingChannel()
 
     reader.close();
     QCOMPARE(reader.getBuffData(0, 2, buffer), -2);
-}
-
-void TestEDFReader::fileDeletedWhileOpen()
-{
-    writeStandard(file("gone.edf"));
-    EDFReader reader(file("gone.edf"));
-    QVERIFY(reader.open());
-    QVERIFY(QFile::remove(file("gone.edf")));
-    double buffer[300] = {};
-    const int result = reader.getBuffData(0, 100, buffer);
-    QVERIFY(result == 0 || result == -1);
-    reader.close();
-    QVERIFY(!reader.open());
 }
 
 void TestEDFReader::collidingAnnotationOnsetsAllSurvive()
