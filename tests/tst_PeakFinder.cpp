@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+Q_DECLARE_METATYPE(PulseTrain::Options)
+
 namespace {
 
 // A zero line with a triangular pulse of the given height at each index. Each peak is exact, and
@@ -56,25 +58,37 @@ private slots:
 
 void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
 {
-    QTest::addColumn<double>("bpm");
-    QTest::addColumn<double>("seconds");
-    QTest::addColumn<double>("amplitude");
-    QTest::addColumn<double>("offset");
-    QTest::addColumn<double>("noise");
-    QTest::addColumn<double>("wander");
-    QTest::addColumn<QList<int>>("missing");
-
-    QTest::newRow("300/min clean") << 300.0 << 10.0 << 1.0 << 0.0 << 0.0 << 0.0 << QList<int>{};
-    QTest::newRow("700/min noisy") << 700.0 << 10.0 << 1.0 << 0.0 << 0.02 << 0.0 << QList<int>{};
-    QTest::newRow("380/min wander") << 380.0 << 20.0 << 1.0 << 0.0 << 0.01 << 0.5 << QList<int>{};
-    QTest::newRow("small wave 500/min")
-        << 500.0 << 10.0 << 0.05 << 0.0 << 0.001 << 0.0 << QList<int>{};
-    QTest::newRow("high baseline 600/min")
-        << 600.0 << 10.0 << 0.4 << 2.5 << 0.005 << 0.0 << QList<int>{};
-    QTest::newRow("400/min missed beats")
-        << 400.0 << 15.0 << 1.0 << 0.0 << 0.002 << 0.0 << QList<int>{5, 12, 40, 41, 70};
+    QTest::addColumn<PulseTrain::Options>("options");
+    const auto row = [](const char *name, double bpm, double seconds, double noise,
+                        double wander = 0.0, const QList<int> &missing = {}) {
+        PulseTrain::Options o;
+        o.beatsPerMinute = bpm;
+        o.seconds = seconds;
+        o.noise = noise;
+        o.wanderAmplitude = wander;
+        o.missingBeats = missing;
+        o.seed = unsigned(bpm);
+        QTest::newRow(name) << o;
+    };
+    row("300/min clean", 300, 10, 0);
+    row("700/min noisy", 700, 10, 0.02);
+    row("380/min wander", 380, 20, 0.01, 0.5);
+    row("400/min missed beats", 400, 15, 0.002, 0, {5, 12, 40, 41, 70});
     // The live view runs on the last 3 s only.
-    QTest::newRow("3 s at 700/min") << 700.0 << 3.0 << 1.0 << 0.0 << 0.01 << 0.2 << QList<int>{3};
+    row("3 s at 700/min", 700, 3, 0.01, 0.2, {3});
+    PulseTrain::Options small;
+    small.beatsPerMinute = 500;
+    small.amplitude = 0.05;
+    small.noise = 0.001;
+    small.seed = 500;
+    QTest::newRow("small wave 500/min") << small;
+    PulseTrain::Options high;
+    high.beatsPerMinute = 600;
+    high.amplitude = 0.4;
+    high.offset = 2.5;
+    high.noise = 0.005;
+    high.seed = 600;
+    QTest::newRow("high baseline 600/min") << high;
 }
 
 // Every true beat clear of the series ends is found within a few samples, nothing else is found,
@@ -82,23 +96,9 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
 // rate must ignore.
 void tst_PeakFinder::findsBeatsAndRateOfPulseTrains()
 {
-    QFETCH(double, bpm);
-    QFETCH(double, seconds);
-    QFETCH(double, amplitude);
-    QFETCH(double, offset);
-    QFETCH(double, noise);
-    QFETCH(double, wander);
-    QFETCH(QList<int>, missing);
-
-    PulseTrain::Options options;
-    options.beatsPerMinute = bpm;
-    options.seconds = seconds;
-    options.amplitude = amplitude;
-    options.offset = offset;
-    options.noise = noise;
-    options.wanderAmplitude = wander;
-    options.missingBeats = missing;
-    options.seed = unsigned(bpm);
+    QFETCH(PulseTrain::Options, options);
+    const double bpm = options.beatsPerMinute, amplitude = options.amplitude;
+    const double noise = options.noise;
     const PulseTrain::Train train = PulseTrain::make(options);
     const int n = int(train.samples.size());
 
@@ -141,7 +141,6 @@ void tst_PeakFinder::findsBeatsAndRateOfPulseTrains()
 
 void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data()
 {
-    QTest::addColumn<double>("rate");
     QTest::addColumn<double>("halfWindow");
     QTest::addColumn<int>("length");
     QTest::addColumn<int>("peak");
@@ -150,21 +149,20 @@ void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow_data()
     QTest::addColumn<bool>("found");
 
     // 0.05 s at 1000 Hz is 50 samples: judged are 50 < i < length - 50.
-    QTest::newRow("at h") << 1000.0 << 0.05 << 400 << 50 << 0 << -1 << false;
-    QTest::newRow("at h + 1") << 1000.0 << 0.05 << 400 << 51 << 0 << -1 << true;
-    QTest::newRow("at n - h") << 1000.0 << 0.05 << 400 << 350 << 0 << -1 << false;
+    QTest::newRow("at h") << 0.05 << 400 << 50 << 0 << -1 << false;
+    QTest::newRow("at h + 1") << 0.05 << 400 << 51 << 0 << -1 << true;
+    QTest::newRow("at n - h") << 0.05 << 400 << 350 << 0 << -1 << false;
     // 0.0379 s at 1000 Hz is 37.9 samples, truncated to 37.
-    QTest::newRow("window truncated") << 1000.0 << 0.0379 << 400 << 38 << 0 << -1 << true;
-    QTest::newRow("first sample is judged") << 1000.0 << 0.05 << 400 << 120 << 120 << -1 << true;
-    QTest::newRow("before first sample") << 1000.0 << 0.05 << 400 << 120 << 121 << -1 << false;
-    QTest::newRow("last sample not judged") << 1000.0 << 0.05 << 400 << 120 << 0 << 120 << false;
-    QTest::newRow("last beyond the end") << 1000.0 << 0.05 << 400 << 349 << 0 << 5000 << true;
-    QTest::newRow("negative first") << 1000.0 << 0.05 << 400 << 51 << -20 << -1 << true;
+    QTest::newRow("window truncated") << 0.0379 << 400 << 38 << 0 << -1 << true;
+    QTest::newRow("first sample is judged") << 0.05 << 400 << 120 << 120 << -1 << true;
+    QTest::newRow("before first sample") << 0.05 << 400 << 120 << 121 << -1 << false;
+    QTest::newRow("last sample not judged") << 0.05 << 400 << 120 << 0 << 120 << false;
+    QTest::newRow("last beyond the end") << 0.05 << 400 << 349 << 0 << 5000 << true;
+    QTest::newRow("negative first") << 0.05 << 400 << 51 << -20 << -1 << true;
 }
 
 void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow()
 {
-    QFETCH(double, rate);
     QFETCH(double, halfWindow);
     QFETCH(int, length);
     QFETCH(int, peak);
@@ -175,7 +173,7 @@ void tst_PeakFinder::judgesOnlySamplesWithFullHalfWindow()
     // A narrow spike whose slope sums are complete within a few samples, wherever it sits.
     QList<double> x(length, 0.0);
     x[peak] = 1.0;
-    PeakFinder finder(rate, 0.01, halfWindow);
+    PeakFinder finder(1000.0, 0.01, halfWindow);
     const Run run = findAll(finder, x, first, last);
     QCOMPARE(run.peaks, found ? QList<int>{peak} : QList<int>{});
 }
