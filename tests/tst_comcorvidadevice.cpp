@@ -360,6 +360,10 @@ void TestComCorvidaDevice::unitPackets_data()
                                  << "" << 0.25;
     QTest::newRow("calibration of 23 bytes") << Emu::packet(6, calibration.left(23)) << ""
                                              << "" << 1.0;
+    QTest::newRow("calibration of 25 bytes") << Emu::packet(6, calibration + "x") << ""
+                                             << "" << 1.0;
+    QTest::newRow("blank serial number") << Emu::packet(7, serialPayload(kNoon2021, "  ")) << ""
+                                         << "2021-03-15" << 1.0;
     QTest::newRow("unknown type skipped")
         << Emu::packet(42, "abc") + Emu::packet(7, serialPayload(kNoon2021, "AB-8")) << "AB-8"
         << "2021-03-15" << 1.0;
