@@ -17,11 +17,13 @@ PatientInfo subject()
 {
     PatientInfo p;
     p.patientName = QStringLiteral("Ivan Petrov");
+    p.patientCode = QStringLiteral("R17");
     p.gender = 1;
     p.birthYear = 2024;
     p.birthMonth = 2;
     p.birthDay = 29;
     p.patientAdditional = QStringLiteral("left tail");
+    p.adminCode = QStringLiteral("LAB3");
     p.equipment = QStringLiteral("Unit7");
     p.recordingAdditional = QStringLiteral("second session");
     p.startYear = 2026;
@@ -169,6 +171,10 @@ void TestEDFReader::identificationAndDescriptions()
     QCOMPARE(p.gender, 1);
     QCOMPARE(QDate(p.birthYear, p.birthMonth, p.birthDay), QDate(2024, 2, 29));
     QCOMPARE(p.equipment, QStringLiteral("Unit7"));
+    QCOMPARE(p.patientCode, QStringLiteral("R17"));
+    QCOMPARE(p.adminCode, QStringLiteral("LAB3"));
+    QVERIFY(p.patientAdditional.startsWith(QStringLiteral("left")));
+    QVERIFY(p.recordingAdditional.startsWith(QStringLiteral("second")));
     QCOMPARE(reader.startDateTime(),
              QDateTime(QDate(2026, 11, 21), QTime(14, 5, 9), Qt::LocalTime));
     QCOMPARE(reader.physicalDimension(), QStringLiteral("uV"));
