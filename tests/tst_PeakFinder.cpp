@@ -199,6 +199,10 @@ void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data()
     // line is far lower again by the end of the half-window.
     QTest::newRow("higher sample within reach after")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{7};
+    QTest::newRow("negative threshold keeps stopped sums")
+        << -1.0 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{5, 7};
+    QTest::newRow("higher sample within reach before")
+        << 0.5 << QList<double>{0, 0, 0, 0, 0, 0, 1.5, 0.5, 1, 0, 0, 0, 0} << QList<int>{6};
     QTest::newRow("higher sample just out of reach")
         << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 0.25, 0, 2, 0, 0, 0, 0} << QList<int>{5, 9};
     QTest::newRow("falling shoulder is no peak")
@@ -272,6 +276,7 @@ void tst_PeakFinder::removesIsolatedPeaks_data()
     QTest::addColumn<QList<int>>("kept");
 
     // At 1000 Hz and 180 per minute the longest admitted interval is 333.3 samples.
+    QTest::newRow("nothing to judge") << 180 << 900 << QList<int>{5000} << QList<int>{5000};
     QTest::newRow("regular train")
         << 180 << 900 << QList<int>{0, 300, 600, 933} << QList<int>{0, 300, 600, 933};
     QTest::newRow("lone beat in a gap")
@@ -384,7 +389,10 @@ void tst_PeakFinder::badInputGivesNoBeats_data()
     QTest::newRow("shorter than two half-windows") << 1000.0 << train.mid(0, 101) << 0 << -1;
     QTest::newRow("first after last") << 1000.0 << train << 5000 << 4000;
     QTest::newRow("zero rate") << 0.0 << train << 0 << -1;
+    QTest::newRow("first beyond the end") << 1000.0 << train << 20000 << -1;
+    QTest::newRow("negative rate") << -1000.0 << train << 0 << -1;
     QTest::newRow("undefined rate") << qQNaN() << train << 0 << -1;
+    QTest::newRow("endless rate") << qInf() << train << 0 << -1;
     QTest::newRow("undefined samples") << 1000.0 << undefined << 0 << -1;
 }
 

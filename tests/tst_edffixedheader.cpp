@@ -42,6 +42,8 @@ void TestEDFFixedHeader::findings_data()
     using F = EDFFixedHeader;
     QTest::newRow("clean") << good << QList<int>{} << false;
     QTest::newRow("short") << good.left(255) << QList<int>{F::File1} << false;
+    QTest::newRow("version 1") << header("1", "X X X X", kRecording) << QList<int>{F::File3}
+                               << false;
     QTest::newRow("BDF marker") << header("\xff"
                                           "BIOSEMI",
                                           "X X X X", kRecording)

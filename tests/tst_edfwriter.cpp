@@ -292,6 +292,7 @@ void TestEDFWriter::impossibleLayoutIsRefused_data()
     QTest::addColumn<int>("samplesPerRecord");
     QTest::newRow("no signals") << 0 << 100;
     QTest::newRow("no samples") << 2 << 0;
+    QTest::newRow("negative samples") << 2 << -5;
     QTest::newRow("absurd rate") << 6 << 100'000'000;
     QTest::newRow("more signals than EDF allows") << 1000 << 10;
 }
@@ -317,6 +318,9 @@ void TestEDFWriter::malformedBlocksAreDroppedWithOneLine_data()
     QTest::newRow("one list for two signals")
         << QList<QList<float>>{QList<float>(5, 1.0f)}
         << "EDFWriter: Wrong number of channels provided - 1 , should be 2";
+    QTest::newRow("three lists for two signals")
+        << QList<QList<float>>{{1}, {2}, {3}}
+        << "EDFWriter: Wrong number of channels provided - 3 , should be 2";
     QTest::newRow("second list shorter")
         << QList<QList<float>>{QList<float>(5, 1.0f), QList<float>(3, 1.0f)}
         << "EDFWriter: non homogenous data on channel 1 , it has length 3 , should be 5";

@@ -121,6 +121,8 @@ void MetaDescriptionTest::visibleBoundRuleIsParsed_data()
                               << "error";
     QTest::newRow("no property") << ":true"
                                  << "error";
+    QTest::newRow("name starts with a digit") << "1Mode:true"
+                                              << "error";
     QTest::newRow("blank inside the name") << "Debug Mode:true"
                                            << "error";
 }
@@ -150,6 +152,7 @@ void MetaDescriptionTest::visibilityFollowsTheBoundSetting_data()
     QTest::newRow("enumeration matches") << "Kind" << beta << "Gain" << true;
     QTest::newRow("enumeration differs") << "Kind" << gamma << "Gain" << false;
     QTest::newRow("older spelling, true") << "Flag" << QVariant(true) << "Anchor" << true;
+    QTest::newRow("older spelling, false") << "Flag" << QVariant(false) << "Anchor" << false;
     QTest::newRow("not visible stays hidden") << "Flag" << QVariant(true) << "Blob" << false;
     QTest::newRow("no rule") << "Flag" << QVariant(false) << "Count" << true;
 }

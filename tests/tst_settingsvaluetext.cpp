@@ -40,6 +40,7 @@ void SettingsValueTextTest::valueIsWrittenInItsFileFormAndReadBack_data()
     QTest::newRow("double tenth") << QVariant(0.1) << "0.1" << true;
     QTest::newRow("double tiny") << QVariant(1.5e-7) << "1.5e-07" << true;
     QTest::newRow("double third") << QVariant(1.0 / 3) << "0.3333333333333333" << true;
+    QTest::newRow("float tenth") << QVariant(0.1f) << "0.1" << true;
     QTest::newRow("colour") << QVariant(QColor(255, 0, 16)) << "#ff0010" << true;
     QTest::newRow("colour with alpha") << QVariant(QColor(1, 2, 3, 128)) << "#80010203" << true;
     QTest::newRow("byte array") << QVariant(QByteArray("hello")) << "aGVsbG8=" << true;
@@ -88,8 +89,12 @@ void SettingsValueTextTest::handWrittenTexts_data()
     QTest::newRow("text keeps its blanks") << " a b " << QVariant(QStringLiteral(" a b ")) << true;
     QTest::newRow("key with framework scope")
         << "Qt::SortOrder::DescendingOrder" << descending << true;
+    QTest::newRow("key with enumeration name")
+        << "SortOrder::DescendingOrder" << descending << true;
+    QTest::newRow("key with class scope") << "Qt::DescendingOrder" << descending << true;
     QTest::newRow("bare key") << "DescendingOrder" << descending << true;
     QTest::newRow("number of a key") << "1" << descending << true;
+    QTest::newRow("upper-case boolean") << "TRUE" << QVariant(true) << true;
     QTest::newRow("boolean as digit") << "0" << QVariant(false) << true;
     QTest::newRow("number with blanks") << " 12 " << QVariant(12) << true;
     QTest::newRow("upper-case colour") << "#FF0010" << QVariant(QColor(255, 0, 16)) << true;
@@ -98,14 +103,18 @@ void SettingsValueTextTest::handWrittenTexts_data()
     refused("word for boolean", "yes", QVariant(true));
     refused("trailing junk", "12abc", QVariant(0));
     refused("int overflow", "3000000000", QVariant(0));
+    refused("byte overflow", "300", QVariant::fromValue<uchar>(0));
     refused("signed char underflow", "-129", QVariant::fromValue<signed char>(0));
     refused("negative unsigned", "-1", QVariant(0u));
     refused("not a number", "nan", QVariant(0.0));
+    refused("infinity", "inf", QVariant(0.0));
     refused("float overflow", "1e39", QVariant(0.0f));
     refused("colour name without #", "red", QVariant(QColor()));
     refused("not base64", "not base64!", QVariant(QByteArray()));
     refused("three sizes", "3;4;5", QVariant(QSize()));
+    refused("one coordinate", "3", QVariant(QPoint()));
     refused("unknown key", "Qt::SortOrder::Sideways", descending);
+    refused("key of another enumeration", "Qt::Orientation::DescendingOrder", descending);
     refused("number of no key", "7", descending);
     refused("impossible date", "2026-13-45T10:00:00", QVariant(QDateTime()));
 }

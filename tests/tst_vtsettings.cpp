@@ -145,6 +145,7 @@ void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan_data()
     // The value after an unparsable one is still read.
     row("unparsable value", "<Count>many</Count><Ratio>0.5</Ratio>", {"Count=7", "Ratio=0.5"},
         "many");
+    row("empty text element", "<Name/>", {"Name="}, "");
     row("value out of range", "<Count>99</Count>", {"Count=7"}, "99");
     row("unknown enumeration key", "<Kind>Delta</Kind>", {"Kind=Gamma"}, "Delta");
     row("unknown element inside a map", "<Labels><Entry key=\"a\">1</Entry><Bogus/></Labels>",
@@ -172,7 +173,10 @@ void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan()
         QCOMPARE(settings.getTextValue(pair.section('=', 0, 0)), pair.section('=', 1));
     // Settings the file does not mention keep their values.
     QCOMPARE(settings.getTextValue(QStringLiteral("Flag")), QStringLiteral("true"));
-    QCOMPARE(log.count(logged), 1);
+    if (logged.isEmpty())
+        QCOMPARE(log.count(QStringLiteral("SETTINGS")), 0);
+    else
+        QCOMPARE(log.count(logged), 1);
     QVERIFY(!QFile::exists(path + QStringLiteral(".bad")));
     QCOMPARE(readFile(path), xml.toUtf8());
 }
