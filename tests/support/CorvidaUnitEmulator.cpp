@@ -24,6 +24,24 @@ qint16 clampCount(double value)
         return -32768;
     return qint16(r);
 }
+
+QByteArray le16(quint16 value)
+{
+    return CorvidaUnitEmulator::le64(value).left(2);
+}
+
+QByteArray f32(float value)
+{
+    quint32 bits;
+    std::memcpy(&bits, &value, 4);
+    return CorvidaUnitEmulator::le64(bits).left(4);
+}
+
+// 100 ns steps since 1601-01-01 UTC.
+quint64 fileTime(const QDateTime &dateTime)
+{
+    return quint64(QDateTime(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC).msecsTo(dateTime)) * 10000ULL;
+}
 } // namespace
 
 CorvidaUnitEmulator::CorvidaUnitEmulator(QObject *parent)
@@ -169,37 +187,12 @@ void CorvidaUnitEmulator::clearReceived()
     m_packets.clear();
 }
 
-QByteArray CorvidaUnitEmulator::le16(quint16 value)
-{
-    QByteArray b(2, '\0');
-    b[0] = char(value & 0xFF);
-    b[1] = char(value >> 8);
-    return b;
-}
-
 QByteArray CorvidaUnitEmulator::le64(quint64 value)
 {
     QByteArray b(8, '\0');
     for (int i = 0; i < 8; ++i)
         b[i] = char((value >> (8 * i)) & 0xFF);
     return b;
-}
-
-QByteArray CorvidaUnitEmulator::f32(float value)
-{
-    quint32 bits;
-    std::memcpy(&bits, &value, 4);
-    QByteArray b(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        b[i] = char((bits >> (8 * i)) & 0xFF);
-    return b;
-}
-
-quint64 CorvidaUnitEmulator::fileTime(const QDateTime &dateTime)
-{
-    // 100 ns steps since 1601-01-01 UTC.
-    const QDateTime start(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
-    return quint64(start.msecsTo(dateTime)) * 10000ULL;
 }
 
 QByteArray CorvidaUnitEmulator::packet(int type, const QByteArray &payload)
@@ -302,26 +295,15 @@ void CorvidaUnitEmulator::handleCommand(const Packet &p)
         m_deflating = false;
         m_pressure = m_restPressure; // the valve opens
         break;
-    case 6:
-        if (m_answerCalibration) {
-            QByteArray payload = le64(fileTime(m_production));
-            for (float v : m_calibration)
-                payload.append(f32(v));
-            writeRaw(packet(6, payload));
-        }
+    case 6: {
+        QByteArray payload = le64(fileTime(m_production));
+        for (float v : m_calibration)
+            payload.append(f32(v));
+        writeRaw(packet(6, payload));
         break;
+    }
     case 7:
-        if (p.payload.size() >= 40) {
-            // Programming: keep what we were given, as the firmware would.
-            quint64 ft = 0;
-            for (int i = 7; i >= 0; --i)
-                ft = (ft << 8) | quint8(p.payload[i]);
-            const QDateTime start(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
-            m_production = start.addMSecs(qint64(ft / 10000));
-            QByteArray sn = p.payload.mid(8, 32);
-            const int zero = sn.indexOf('\0');
-            m_serialNumber = zero >= 0 ? sn.left(zero) : sn;
-        } else if (m_answerSerial) {
+        if (p.payload.size() < 40) { // a request; a write is not answered
             QByteArray payload = le64(fileTime(m_production));
             QByteArray sn = m_serialNumber.left(32);
             sn.append(QByteArray(32 - sn.size(), '\0'));

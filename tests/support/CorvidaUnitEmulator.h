@@ -50,8 +50,6 @@ public:
     void setSerialNumber(const QByteArray &serialNumber) { m_serialNumber = serialNumber; }
     void setProductionDate(const QDateTime &date) { m_production = date; }
     void setCalibration(float x0, float y0, float x1, float y1);
-    void setAnswerSerialRequests(bool answer) { m_answerSerial = answer; }
-    void setAnswerCalibrationRequests(bool answer) { m_answerCalibration = answer; }
 
     // The simulated body and cuff.
     void setRestPressure(double mmHg) { m_restPressure = mmHg; }
@@ -61,11 +59,8 @@ public:
 
     bool isStreaming() const { return m_streaming; }
     bool isMeasuring() const { return m_measuring; }
-    double cuffPressure() const { return m_pressure; }
     int upperLimit() const { return m_upper; }
     int lowerLimit() const { return m_lower; }
-    // The MPX count the unit sends for a cuff pressure, through its calibration.
-    qint16 pressureCount(double mmHg) const;
 
     // Everything the computer sent, as bytes and as packet types.
     QByteArray receivedBytes() const { return m_received; }
@@ -77,14 +72,9 @@ public:
     QList<Counts> sentSamples() const { return m_sentSamples; }
     qint64 samplesSent() const { return m_samplesSent; }
 
-    // Puts arbitrary bytes on the wire, for malformed input.
-    void writeRaw(const QByteArray &bytes);
     // A framed packet, built independently of the program's encoder.
     static QByteArray packet(int type, const QByteArray &payload = QByteArray());
-    static QByteArray le16(quint16 value);
     static QByteArray le64(quint64 value);
-    static QByteArray f32(float value);
-    static quint64 fileTime(const QDateTime &dateTime);
 
 public slots:
     // Sends the samples due since the previous tick (at most ten seconds' worth).
@@ -96,6 +86,9 @@ private:
     void parseReceived();
     void handleCommand(const Packet &packet);
     void sendSamples(int count);
+    void writeRaw(const QByteArray &bytes);
+    // The MPX count the unit sends for a cuff pressure, through its calibration.
+    qint16 pressureCount(double mmHg) const;
     void flush();
     Counts nextSample();
 
@@ -117,8 +110,6 @@ private:
     QByteArray m_serialNumber = "CRV-0001";
     QDateTime m_production;
     float m_calibration[4] = {100.0f, 0.0f, 900.0f, 200.0f};
-    bool m_answerSerial = true;
-    bool m_answerCalibration = true;
 
     double m_restPressure = 0.0;
     double m_systolic = 120.0;
