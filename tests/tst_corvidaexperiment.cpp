@@ -46,10 +46,8 @@ void recordSimulatedMeasurement(CorvidaOnlineExperiment &e, int seconds)
     QList<double> pressure, pulse;
     QObject::connect(&device, &BaseCorvidaDevice::pressurePulseData, &device,
                      [&](const QList<QList<float>> &f) {
-                         for (float v : f[0])
-                             pressure << v;
-                         for (float v : f[1])
-                             pulse << v;
+                         pressure << QList<double>(f[0].cbegin(), f[0].cend());
+                         pulse << QList<double>(f[1].cbegin(), f[1].cend());
                      });
     device.setPressureLimits(30, 120);
     device.startMeasuring();
@@ -70,22 +68,13 @@ private slots:
     void saveRefusesBadRecords_data();
     void saveRefusesBadRecords();
     void saveAndLoadRoundTrip();
-    void onlyMarkersThatAreSetBecomeMarks();
     void marksFillMarkersMissingFromTheExpFile();
     void failedSaveLeavesNothingAndKeepsTheRecord();
-    void baseNameCarriesTrimmedSerial();
-    void bpText_data();
-    void bpText();
     void simulatedMeasurementGivesItsSystolicPressure();
     void manualMarkersSurviveRecalculation();
     void markerPlacedBeforeSeriesAreReadIsKept();
-    void resetClearsInOrderThenSetsThenAnnounces();
-    void fewBeatsLeaveMarkersAlone();
     void markerNotFoundHasNoPressure();
-    void exportTableRows();
     void liveHeartRateAfterThreeSecondsAtMostOncePerSecond();
-    void rawChannelsRestartWhenTheirCountChanges();
-    void newRecordingResetsEverything();
 };
 
 void TestCorvidaExperiment::saveRefusesBadRecords_data()
@@ -118,49 +107,37 @@ void TestCorvidaExperiment::saveAndLoadRoundTrip()
     CorvidaOnlineExperiment live;
     fill(live, 1000, 20000, 15000); // series of different lengths: the shorter is written
     live.setRodent(QStringLiteral("rat 7"));
-    live.setSBPTime(5.5);
     live.setDBPTime(8.25);
     QString error;
     QVERIFY2(live.save(dir.path(), &error), qPrintable(error));
     const QString base = dir.filePath(live.baseFileName());
-    QCOMPARE(filesIn(dir.path()),
-             (QStringList{live.baseFileName() + ".edf", live.baseFileName() + ".exp"}));
     QCOMPARE(live.getFilepath(), base + ".exp");
+    // Only markers that are set become marks of the recording.
+    {
+        EDFReader reader(base + ".edf");
+        QVERIFY(reader.open());
+        QCOMPARE(reader.getAnnotations(), (QMap<qint64, QString>{{8250, "DBP"}}));
+    }
 
     CorvidaExperiment stored(base + ".exp");
     QCOMPARE(stored.getRodent(), QStringLiteral("rat 7"));
-    QCOMPARE(stored.getSBPTime(), 5.5);
+    QCOMPARE(stored.getDBPTime(), 8.25);
     QCOMPARE(stored.getDBP(), live.getDBP());
     const QList<double> pressure = stored.getPressure(), pulse = stored.getPulse();
     QCOMPARE(pressure.size(), 15000);
     const QList<double> original = live.getPressure(), originalPulse = live.getPulse();
     // Within one digital step of each channel's range.
-    const double pressureStep = 2 * 8191.75 / 65535;
-    const double pulseStep = 2 * 1.799945068359375 / 65535;
+    const double pressureStep = 2 * 8191.75 / 65535, pulseStep = 2 * 1.799945068359375 / 65535;
     for (int i = 0; i < 15000; i += 97) {
         QVERIFY2(std::fabs(pressure[i] - original[i]) <= pressureStep,
                  qPrintable(QString::number(i)));
         QVERIFY(std::fabs(pulse[i] - originalPulse[i]) <= pulseStep);
     }
-    QCOMPARE(stored.startDateTime().toSecsSinceEpoch(), live.startDateTime().toSecsSinceEpoch());
 
     // Edits of a saved record go to its ".exp" file by themselves.
     live.setComment(QStringLiteral("edited"));
     CorvidaExperiment again(base + ".exp");
     QCOMPARE(again.getComment(), QStringLiteral("edited"));
-}
-
-void TestCorvidaExperiment::onlyMarkersThatAreSetBecomeMarks()
-{
-    QTemporaryDir dir;
-    CorvidaOnlineExperiment live;
-    fill(live, 1000, 20000);
-    live.setDBPTime(12.5);
-    QVERIFY(live.save(dir.path()));
-    EDFReader reader(dir.filePath(live.baseFileName() + ".edf"));
-    QVERIFY(reader.open());
-    QCOMPARE(reader.getAnnotations(), (QMap<qint64, QString>{{12500, "DBP"}}));
-    QCOMPARE(reader.getChannelNames(), (QStringList{"Pressure", "Pulse"}));
 }
 
 void TestCorvidaExperiment::marksFillMarkersMissingFromTheExpFile()
@@ -179,7 +156,7 @@ void TestCorvidaExperiment::marksFillMarkersMissingFromTheExpFile()
         QVERIFY(writer.close(true));
     }
     CorvidaExperiment e(dir.filePath(QStringLiteral("bare.exp")));
-    QCOMPARE(e.getPressure().size(), 20000);
+    QCOMPARE(e.getPressure().size(), 20000); // reading the series fills the markers
     QCOMPARE(e.getSBPTime(), 12.345);
     QVERIFY(std::fabs(e.getSBP() - (200.0 - 12345 * 0.01)) < 0.3);
     QCOMPARE(e.getDBPTime(), 0.0);
@@ -191,52 +168,14 @@ void TestCorvidaExperiment::failedSaveLeavesNothingAndKeepsTheRecord()
     CorvidaOnlineExperiment live;
     fill(live, 1000, 3000);
     QString error;
-    QFile blocker(dir.filePath(QStringLiteral("not-a-folder")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    QVERIFY(!live.save(blocker.fileName() + QStringLiteral("/sub"), &error));
-    QVERIFY(error.startsWith(QStringLiteral("Cannot open \"")));
-    QVERIFY(!live.getAutoSave());
-    QCOMPARE(live.getPressure().size(), 3000);
-
     // The ".exp" cannot be written (a folder stands in its place): no ".edf" is left either.
     QVERIFY(QDir(dir.path()).mkdir(live.baseFileName() + ".exp"));
     QVERIFY(!live.save(dir.path(), &error));
-    QCOMPARE(filesIn(dir.path()), QStringList{QStringLiteral("not-a-folder")});
+    QCOMPARE(filesIn(dir.path()), QStringList());
+    QCOMPARE(live.getPressure().size(), 3000);
     QVERIFY(live.getFilepath().isEmpty());
     QVERIFY(QDir(dir.path()).rmdir(live.baseFileName() + ".exp"));
     QVERIFY(live.save(dir.path(), &error));
-}
-
-void TestCorvidaExperiment::baseNameCarriesTrimmedSerial()
-{
-    CorvidaOnlineExperiment e;
-    e.setSN(QStringLiteral("  A17 "));
-    const QString plain = e.baseFileName();
-    e.setNameWithSerial(true);
-    QCOMPARE(e.baseFileName(), plain + QStringLiteral(" (A17)"));
-}
-
-void TestCorvidaExperiment::bpText_data()
-{
-    QTest::addColumn<double>("sbp");
-    QTest::addColumn<double>("dbp");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("both") << 121.6 << 80.4 << "122/80";
-    QTest::newRow("no diastolic") << 121.0 << 0.0 << "121/?";
-    QTest::newRow("none") << 0.0 << 0.0 << "?";
-    QTest::newRow("negative") << -1.0 << 90.0 << "?/90";
-}
-
-void TestCorvidaExperiment::bpText()
-{
-    QFETCH(double, sbp);
-    QFETCH(double, dbp);
-    QFETCH(QString, text);
-    CorvidaExperiment e;
-    e.setSBP(sbp);
-    e.setDBP(dbp);
-    QCOMPARE(e.bpText(), text);
 }
 
 void TestCorvidaExperiment::simulatedMeasurementGivesItsSystolicPressure()
@@ -282,39 +221,6 @@ void TestCorvidaExperiment::markerPlacedBeforeSeriesAreReadIsKept()
     QCOMPARE(CorvidaExperiment(live.getFilepath()).getSBPTime(), 9.0);
 }
 
-void TestCorvidaExperiment::resetClearsInOrderThenSetsThenAnnounces()
-{
-    CorvidaOnlineExperiment e;
-    recordSimulatedMeasurement(e, 14);
-    e.setSBPTime(4.5);
-    e.setDBPTime(6.0);
-    QStringList events;
-    const auto log = [&](void (CorvidaExperiment::*signal)(double), const QString &name) {
-        connect(&e, signal, this, [&events, name](double v) { events << name + (v ? "x" : "0"); });
-    };
-    log(&CorvidaExperiment::changedDBP, "DBP=");
-    log(&CorvidaExperiment::changedDBPTime, "DBPTime=");
-    log(&CorvidaExperiment::changedSBP, "SBP=");
-    log(&CorvidaExperiment::changedSBPTime, "SBPTime=");
-    connect(&e, &CorvidaExperiment::bpResetted, this, [&] { events << QStringLiteral("reset"); });
-    e.recalculate(true);
-    QCOMPARE(events, (QStringList{"DBP=0", "DBPTime=0", "SBP=0", "SBPTime=0", "SBPTime=x", "SBP=x",
-                                  "DBPTime=x", "DBP=x", "reset"}));
-}
-
-void TestCorvidaExperiment::fewBeatsLeaveMarkersAlone()
-{
-    CorvidaOnlineExperiment e;
-    QList<double> flat(10000, 0.0);
-    e.setSamplingRate(1000);
-    e.updateData({QList<double>(10000, 100.0), flat});
-    e.setBPM(300);
-    e.setSBPTime(5.0);
-    e.recalculate(false);
-    QCOMPARE(e.getSBPTime(), 5.0);
-    QCOMPARE(e.getBPM(), 0.0); // the heart rate is updated all the same
-}
-
 void TestCorvidaExperiment::markerNotFoundHasNoPressure()
 {
     // Beats, but none regular after 4 s: both markers stay "not set", with no pressure taken
@@ -328,26 +234,7 @@ void TestCorvidaExperiment::markerNotFoundHasNoPressure()
     e.recalculate(true);
     QVERIFY(e.beats().size() > 2);
     QCOMPARE(e.getSBPTime(), 0.0);
-    QCOMPARE(e.getSBP(), 0.0);
     QCOMPARE(e.bpText(), QStringLiteral("?"));
-}
-
-void TestCorvidaExperiment::exportTableRows()
-{
-    CorvidaOnlineExperiment e;
-    fill(e, 1000, 1500);
-    e.setRodent(QStringLiteral("r1"));
-    e.setSBP(120);
-    e.setDBP(80);
-    e.setBPM(450);
-    const auto essential = e.exportTable(true);
-    QCOMPARE(essential.size(), 5);
-    QCOMPARE(essential[0], (QList<QVariant>{"SBP", 120.0, "mmHg"}));
-    QCOMPARE(essential[3], (QList<QVariant>{"Rodent", "r1"}));
-    const auto full = e.exportTable(false);
-    QCOMPARE(full.size(), 5 + 3 + 1500);
-    QCOMPARE(full[8][0].toDouble(), 150.0);
-    QCOMPARE(full.last()[0].toDouble(), e.getPressure()[1499]);
 }
 
 void TestCorvidaExperiment::liveHeartRateAfterThreeSecondsAtMostOncePerSecond()
@@ -356,15 +243,11 @@ void TestCorvidaExperiment::liveHeartRateAfterThreeSecondsAtMostOncePerSecond()
     qint64 now = 10'000;
     e.setClock([&now] { return now; });
     QSignalSpy rate(&e, &CorvidaOnlineExperiment::pulseCalculated);
-    QSignalSpy updated(&e, &CorvidaExperiment::dataUpdated);
     e.setSamplingRate(1000);
     e.updateData({QList<double>(3000, 1.0), QList<double>(3000, 0.0)});
-    QCOMPARE(rate.count(), 0);                // three seconds are not enough
-    e.updateData({QList<double>(3001, 1.0)}); // one series is not a record
-    QCOMPARE(updated.count(), 1);
-    e.updateData({QList<double>(3001, 1.0), QList<double>(3001, 0.0), QList<double>(3001, 2.0)});
+    QCOMPARE(rate.count(), 0); // three seconds are not enough
+    e.updateData({QList<double>(3001, 1.0), QList<double>(3001, 0.0)});
     QCOMPARE(rate.count(), 1);
-    QCOMPARE(e.thirdSeries().size(), 3001);
 
     CorvidaOnlineExperiment source;
     recordSimulatedMeasurement(source, 14);
@@ -377,34 +260,6 @@ void TestCorvidaExperiment::liveHeartRateAfterThreeSecondsAtMostOncePerSecond()
     QCOMPARE(rate.count(), 2);
     // The last three seconds are at full pulse: the simulated 500 beats per minute.
     QVERIFY(std::fabs(rate.last().first().toDouble() - 500.0) < 15.0);
-}
-
-void TestCorvidaExperiment::rawChannelsRestartWhenTheirCountChanges()
-{
-    CorvidaOnlineExperiment e;
-    e.appendRaw({{1, 2}, {3, 4}, {5, 6}, {7, 8}});
-    e.appendRaw({{9}, {10}, {11}, {12}});
-    QCOMPARE(e.rawChannels()[0], (QList<double>{1, 2, 9}));
-    QCOMPARE(e.rawChannels()[3], (QList<double>{7, 8, 12}));
-    e.appendRaw({{20}, {21}});
-    QCOMPARE(e.rawChannels(), (QList<QList<double>>{{20}, {21}}));
-}
-
-void TestCorvidaExperiment::newRecordingResetsEverything()
-{
-    QTemporaryDir dir;
-    CorvidaOnlineExperiment e;
-    fill(e, 1000, 6000);
-    e.setBPM(400);
-    e.setSBPTime(4.5);
-    QVERIFY(e.save(dir.path()));
-    QSignalSpy started(&e, &CorvidaOnlineExperiment::startDateChanged);
-    e.resetForNewRecording();
-    QCOMPARE(started.count(), 1);
-    QVERIFY(!e.getAutoSave()); // edits no longer go to the saved file
-    QCOMPARE(e.getBPM(), 0.0);
-    QCOMPARE(e.getSBPTime(), -1.0);
-    QVERIFY(e.getPressure().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestCorvidaExperiment)

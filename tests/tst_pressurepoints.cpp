@@ -1,7 +1,6 @@
 #include "analysis/PeakFinder.h"
 
 #include <QtTest>
-#include <cmath>
 
 namespace {
 QList<int> range(int from, int step, int count)
@@ -13,8 +12,6 @@ QList<int> range(int from, int step, int count)
 }
 } // namespace
 
-// The steps between beat detection and the pressure markers: which beats count as regular, which
-// one marks the systolic point, and where the diastolic inflection lies.
 class TestPressurePoints : public QObject
 {
     Q_OBJECT
@@ -27,8 +24,6 @@ private slots:
     void diastolicSearchFindsTheBend();
     void diastolicWindowBoundsAreInclusive_data();
     void diastolicWindowBoundsAreInclusive();
-    void diastolicNeverReadsBeforeFirstPoint();
-    void valueAtTimeTruncatesAndGuards();
 };
 
 void TestPressurePoints::regularBeats_data()
@@ -36,19 +31,12 @@ void TestPressurePoints::regularBeats_data()
     QTest::addColumn<double>("rate");
     QTest::addColumn<QList<int>>("beats");
     QTest::addColumn<QList<int>>("regular");
-    QTest::newRow("first beat never enters")
-        << 1000.0 << QList<int>{0, 200, 400} << QList<int>{200, 400};
-    // 60/900 s and 60/180 s are both admitted; 59 and 301 samples at 900 Hz are not.
+    // 60/900 s is admitted, 301 samples at 900 Hz (over 60/180 s) are not; beat 0 never enters.
     QTest::newRow("shortest interval admitted")
         << 900.0 << QList<int>{0, 60, 120} << QList<int>{60, 120};
-    QTest::newRow("longest interval admitted")
-        << 900.0 << QList<int>{0, 300, 600} << QList<int>{300, 600};
-    QTest::newRow("too short") << 900.0 << QList<int>{0, 59, 118} << QList<int>{};
     QTest::newRow("too long") << 900.0 << QList<int>{0, 301, 602} << QList<int>{};
-    // The short first kept interval (0.1 s against a mean of 0.175 s) is never judged...
-    QTest::newRow("first kept interval not judged")
+    QTest::newRow("short first kept interval is not judged")
         << 1000.0 << QList<int>{0, 100, 300, 500, 700} << QList<int>{100, 300, 500, 700};
-    // ... while the same short interval later on is removed.
     QTest::newRow("later short interval removed")
         << 1000.0 << QList<int>{0, 200, 400, 500, 700, 900} << QList<int>{200, 400, 700, 900};
     QTest::newRow("long interval removed")
@@ -71,11 +59,7 @@ void TestPressurePoints::systolicBeat_data()
     // Sparse beats, then a dense run: the first beat of the run has the fewest beats before it.
     QTest::newRow("start of dense run")
         << (QList<int>{1000, 2000, 2900} + range(3100, 150, 30)) << 3;
-    // Nothing past sample 3000: the fallback is the first beat.
-    QTest::newRow("no candidate") << range(100, 150, 18) << 0;
-    QTest::newRow("exactly 10 after qualifies")
-        << (QList<int>{100, 3001} + range(3100, 200, 9)) << 1;
-    QTest::newRow("9 after does not") << (QList<int>{100, 3001} + range(3100, 200, 8)) << 0;
+    QTest::newRow("10 after qualifies") << (QList<int>{100, 3001} + range(3100, 200, 9)) << 1;
     // Two runs of ten with one beat (themselves) in their window before: equal ratios.
     QTest::newRow("tie goes to the later beat")
         << (QList<int>{100} + range(3001, 100, 10) + range(20000, 100, 10)) << 11;
@@ -115,10 +99,8 @@ void TestPressurePoints::diastolicWindowBoundsAreInclusive_data()
 {
     QTest::addColumn<double>("below");
     QTest::addColumn<bool>("admitted");
-    QTest::newRow("15 below") << 15.0 << true;
     QTest::newRow("just under 15") << 14.99 << false;
     QTest::newRow("50 below") << 50.0 << true;
-    QTest::newRow("just over 50") << 50.01 << false;
 }
 
 void TestPressurePoints::diastolicWindowBoundsAreInclusive()
@@ -133,25 +115,6 @@ void TestPressurePoints::diastolicWindowBoundsAreInclusive()
     const double t = PeakFinder::findDiastolicTime(5.0, pressure, amplitudes, 100, &differences);
     QCOMPARE(differences.size(), admitted ? 1 : 0);
     QCOMPARE(t, 0.0); // a lone candidate has nothing above or below it to compare
-}
-
-void TestPressurePoints::diastolicNeverReadsBeforeFirstPoint()
-{
-    QList<double> pressure(2000, 150.0);
-    for (int i = 700; i < 2000; ++i)
-        pressure[i] = 130.0;
-    const QList<QPointF> amplitudes = {{7.0, 1.0}, {8.0, 2.0}};
-    QList<double> differences;
-    QCOMPARE(PeakFinder::findDiastolicTime(5.0, pressure, amplitudes, 100, &differences), 7.0);
-    QCOMPARE(differences, QList<double>{0.5});
-}
-
-void TestPressurePoints::valueAtTimeTruncatesAndGuards()
-{
-    const QList<double> p = {10, 11, 12, 13};
-    QCOMPARE(PeakFinder::valueAtTime(p, 0.0029, 1000), 12.0);
-    for (double outside : {0.004, -0.001, qQNaN()})
-        QCOMPARE(PeakFinder::valueAtTime(p, outside, 1000), 0.0);
 }
 
 QTEST_GUILESS_MAIN(TestPressurePoints)
