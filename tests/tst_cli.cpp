@@ -2,9 +2,6 @@
 #include "support/CorvidaUnitEmulator.h"
 
 #include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -71,212 +68,146 @@ class TestCli : public QObject
     Q_OBJECT
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
-    void helpVersionAndUnknownCommand();
-    void errorsAreOneLineAndStatusOne_data();
-    void errorsAreOneLineAndStatusOne();
-    void portsListsWithHeader();
-    void analyzeChangesNothingWithoutSave();
-    void analyzeSaveAndResetWriteTheExpFile();
-    void analyzeJson();
-    void infoDescribesTheFile();
-    void listShowsEveryRecordAndWhatIsWrong();
-    void exportWritesTheChosenContent();
-    void measureWithSimulatedUnit();
-    void measureWithUnitOnSerialPort();
-};
 
-void TestCli::helpVersionAndUnknownCommand()
-{
-    QTemporaryDir dir;
-    Result r = cli(dir.path(), {QStringLiteral("--version")});
-    QCOMPARE(r.status, 0);
-    QVERIFY(r.out.startsWith(QStringLiteral("corvida-cli ")));
-    r = cli(dir.path(), {QStringLiteral("--help")});
-    QCOMPARE(r.status, 0);
-    for (const char *command : {"ports", "measure", "analyze", "info"})
-        QVERIFY(r.out.contains(QLatin1String(command)));
-    r = cli(dir.path(), {QStringLiteral("frobnicate")});
-    QCOMPARE(r.status, 1);
-    QVERIFY(r.err.contains(QStringLiteral("unknown command")));
-}
-
-void TestCli::errorsAreOneLineAndStatusOne_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("no such file") << QStringList{"analyze", "/no/such/file.edf"} << "no such file";
-    QTest::newRow("not an EDF+ file")
-        << QStringList{"info", QStringLiteral(CORVIDA_CLI)} << "not an EDF+ file";
-    QTest::newRow("bad limits") << QStringList{"measure", "--simulated", "--limits", "40/160"}
-                                << "bad limits";
-    QTest::newRow("limits not numbers")
-        << QStringList{"measure", "--simulated", "--limits", "high"} << "bad limits";
-    QTest::newRow("no such port") << QStringList{"measure", "--port", "/dev/no-such-port"}
-                                  << "no such port";
-    QTest::newRow("two units") << QStringList{"measure", "--simulated", "--port", "x"}
-                               << "name one unit";
-    QTest::newRow("no records") << QStringList{"analyze"} << "usage";
-}
-
-void TestCli::errorsAreOneLineAndStatusOne()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, message);
-    QTemporaryDir dir;
-    const Result r = cli(dir.path(), arguments);
-    QCOMPARE(r.status, 1);
-    QVERIFY2(r.err.contains(message), qPrintable(r.err));
-    QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
-}
-
-void TestCli::portsListsWithHeader()
-{
-    QTemporaryDir dir;
-    const Result r = cli(dir.path(), {QStringLiteral("ports")});
-    QCOMPARE(r.status, 0);
-    QVERIFY(r.out.startsWith(QStringLiteral("port;description;manufacturer;unit\n")));
-}
-
-void TestCli::analyzeChangesNothingWithoutSave()
-{
-    QTemporaryDir dir;
-    const QString edf = makeRecord(dir.path());
-    QVERIFY(!edf.isEmpty());
-    const QString exp = edf.chopped(4) + QStringLiteral(".exp");
-    const QByteArray before = readAll(exp);
-    const QByteArray edfBefore = readAll(edf);
-    const Result r = cli(dir.path(), {QStringLiteral("analyze"), QStringLiteral("--reset"), edf});
-    QCOMPARE(r.status, 0);
-    const QStringList fields = resultFields(r);
-    QCOMPARE(fields.size(), 7);
-    QCOMPARE(fields[0], edf);
-    QVERIFY(std::fabs(fields[1].toDouble() - 120.0) < 3.0); // the pulse comes back at 120 mmHg
-    QVERIFY(std::fabs(fields[5].toDouble() - 450.0) < 5.0);
-    QCOMPARE(readAll(exp), before);
-    QCOMPARE(readAll(edf), edfBefore);
-}
-
-void TestCli::analyzeSaveAndResetWriteTheExpFile()
-{
-    QTemporaryDir dir;
-    const QString edf = makeRecord(dir.path());
-    const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+    void errorsAreOneLineAndStatusOne_data()
     {
-        CorvidaExperiment e(exp); // a hand-placed systolic marker at 9 s
-        e.setSBPTime(9.0);
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no such file")
+            << QStringList{"analyze", "/no/such/file.edf"} << "no such file";
+        QTest::newRow("not an EDF+ file")
+            << QStringList{"info", QStringLiteral(CORVIDA_CLI)} << "not an EDF+ file";
+        QTest::newRow("bad limits")
+            << QStringList{"measure", "--simulated", "--limits", "40/160"} << "bad limits";
+        QTest::newRow("limits not numbers")
+            << QStringList{"measure", "--simulated", "--limits", "high"} << "bad limits";
+        QTest::newRow("no such port")
+            << QStringList{"measure", "--port", "/dev/no-such-port"} << "no such port";
+        QTest::newRow("two units")
+            << QStringList{"measure", "--simulated", "--port", "x"} << "name one unit";
+        QTest::newRow("no records") << QStringList{"analyze"} << "usage";
+        QTest::newRow("unknown command") << QStringList{"frobnicate"} << "unknown command";
     }
-    Result r = cli(dir.path(), {QStringLiteral("analyze"), QStringLiteral("--save"), edf});
-    QCOMPARE(resultFields(r).value(2), QStringLiteral("9"));
-    QCOMPARE(CorvidaExperiment(exp).getSBPTime(), 9.0);
-    r = cli(dir.path(),
-            {QStringLiteral("analyze"), QStringLiteral("--reset"), QStringLiteral("--save"), edf});
-    QCOMPARE(r.status, 0);
-    const double automatic = resultFields(r).value(2).toDouble();
-    QVERIFY(automatic != 9.0 && automatic >= 4.0);
-    QCOMPARE(CorvidaExperiment(exp).getSBPTime(), automatic);
-}
 
-void TestCli::analyzeJson()
-{
-    QTemporaryDir dir;
-    const QString edf = makeRecord(dir.path());
-    const Result r =
-        cli(dir.path(), {QStringLiteral("analyze"), QStringLiteral("--json"), edf, edf});
-    QCOMPARE(r.status, 0);
-    const QJsonArray results = QJsonDocument::fromJson(r.out.toUtf8()).array();
-    QCOMPARE(results.size(), 2);
-    const QJsonObject first = results[0].toObject();
-    QCOMPARE(first.keys(),
-             (QStringList{"BPM", "DBP", "DBPTime", "SBP", "SBPTime", "beats", "file"}));
-    QVERIFY(first[QStringLiteral("beats")].toInt() > 50);
-}
+    void errorsAreOneLineAndStatusOne()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), arguments);
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.err.contains(message), qPrintable(r.err));
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+    }
 
-void TestCli::infoDescribesTheFile()
-{
-    QTemporaryDir dir;
-    const QString edf = makeRecord(dir.path());
-    const Result r = cli(dir.path(), {QStringLiteral("info"), edf});
-    QCOMPARE(r.status, 0);
-    QVERIFY(r.out.contains(QStringLiteral("Channels:2")));
-    QVERIFY(r.out.contains(QStringLiteral("1000")));
-}
+    void analyzeWritesTheExpFileOnlyWithSave()
+    {
+        QTemporaryDir dir;
+        const QString edf = makeRecord(dir.path());
+        QVERIFY(!edf.isEmpty());
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        {
+            CorvidaExperiment e(exp); // a hand-placed systolic marker at 9 s
+            e.setSBPTime(9.0);
+        }
+        const QByteArray before = readAll(exp);
+        const QByteArray edfBefore = readAll(edf);
+        Result r = cli(dir.path(), {"analyze", "--reset", edf});
+        QCOMPARE(r.status, 0);
+        const QStringList fields = resultFields(r);
+        QCOMPARE(fields.size(), 7);
+        QCOMPARE(fields[0], edf);
+        QVERIFY(std::fabs(fields[1].toDouble() - 120.0) < 3.0); // the pulse comes back at 120 mmHg
+        QVERIFY(std::fabs(fields[5].toDouble() - 450.0) < 5.0);
+        const double automatic = fields[2].toDouble();
+        QVERIFY(automatic != 9.0 && automatic >= 4.0);
+        QCOMPARE(readAll(exp), before);
+        QCOMPARE(readAll(edf), edfBefore);
+        r = cli(dir.path(), {"analyze", "--save", edf});
+        QCOMPARE(resultFields(r).value(2), QStringLiteral("9"));
+        QCOMPARE(CorvidaExperiment(exp).getSBPTime(), 9.0);
+        r = cli(dir.path(), {"analyze", "--reset", "--save", edf});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(resultFields(r).value(2).toDouble(), automatic);
+        QCOMPARE(CorvidaExperiment(exp).getSBPTime(), automatic);
+    }
 
-void TestCli::listShowsEveryRecordAndWhatIsWrong()
-{
-    QTemporaryDir dir;
-    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
-    const QString edf = makeRecord(dir.filePath(QStringLiteral("Records")));
-    QFile broken(dir.filePath(QStringLiteral("Records/broken.edf")));
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write("not a recording");
-    broken.close();
-    const Result r = cli(dir.path(), {QStringLiteral("list")});
-    QCOMPARE(r.status, 0);
-    const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    QCOMPARE(lines.size(), 3);
-    QCOMPARE(lines[0], QStringLiteral("Title;Rodent;Comment;Pressure;file;problem"));
-    QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
-    QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
-}
+    void listShowsEveryRecordAndWhatIsWrong()
+    {
+        QTemporaryDir dir;
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
+        const QString edf = makeRecord(dir.filePath(QStringLiteral("Records")));
+        QFile broken(dir.filePath(QStringLiteral("Records/broken.edf")));
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("not a recording");
+        broken.close();
+        const Result r = cli(dir.path(), {QStringLiteral("list")});
+        QCOMPARE(r.status, 0);
+        const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 3);
+        QCOMPARE(lines[0], QStringLiteral("Title;Rodent;Comment;Pressure;file;problem"));
+        QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
+        QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
+    }
 
-void TestCli::exportWritesTheChosenContent()
-{
-    QTemporaryDir dir;
-    const QString edf = makeRecord(dir.path());
-    const QString csv = dir.filePath(QStringLiteral("out.csv"));
-    Result r = cli(dir.path(), {QStringLiteral("export"), QStringLiteral("--full"),
-                                QStringLiteral("--out"), csv, edf});
-    QCOMPARE(r.status, 0);
-    const QByteArray text = readAll(csv);
-    QVERIFY(text.startsWith("\xEF\xBB\xBF"));
-    QVERIFY(text.contains("Sampling rate;1000;\r\n"));
-    QCOMPARE(text.count("\r\n"), 1 + 5 + 3 + 20000 + 1); // name, results, header rows, samples
-    r = cli(dir.path(),
-            {QStringLiteral("export"), QStringLiteral("--essential"), QStringLiteral("--out"),
-             dir.filePath(QStringLiteral("no/such/folder/out.xlsx")), edf});
-    QCOMPARE(r.status, 1);
-    QVERIFY(r.err.contains(QStringLiteral("Error saving")));
-    r = cli(dir.path(), {QStringLiteral("export"), QStringLiteral("--essential"),
-                         QStringLiteral("--out"), dir.filePath(QStringLiteral("out.txt")), edf});
-    QCOMPARE(r.status, 1);
-}
+    void exportWritesTheChosenContent()
+    {
+        QTemporaryDir dir;
+        const QString edf = makeRecord(dir.path());
+        const QString csv = dir.filePath(QStringLiteral("out.csv"));
+        Result r = cli(dir.path(), {"export", "--full", "--out", csv, edf});
+        QCOMPARE(r.status, 0);
+        const QByteArray text = readAll(csv);
+        QVERIFY(text.startsWith("\xEF\xBB\xBF"));
+        QVERIFY(text.contains("Sampling rate;1000;\r\n"));
+        QCOMPARE(text.count("\r\n"), 1 + 5 + 3 + 20000 + 1); // name, results, header rows, samples
+        r = cli(dir.path(),
+                {"export", "--essential", "--out", dir.filePath("no/dir/out.xlsx"), edf});
+        QCOMPARE(r.status, 1);
+        QVERIFY(r.err.contains(QStringLiteral("Error saving")));
+        r = cli(dir.path(), {"export", "--essential", "--out", dir.filePath("out.txt"), edf});
+        QCOMPARE(r.status, 1);
+    }
 
-void TestCli::measureWithSimulatedUnit()
-{
-    QTemporaryDir dir;
-    const Result r = cli(dir.path(), {"measure", "--simulated", "--limits", "120/30", "--seconds",
-                                      "14", "--rodent", "rat 9"});
-    QVERIFY2(r.status == 0, qPrintable(r.err));
-    const QStringList fields = resultFields(r);
-    QCOMPARE(fields.size(), 7);
-    QVERIFY(QFile::exists(fields[0]));
-    QVERIFY(fields[0].startsWith(dir.path() + QStringLiteral("/Records/")));
-    QVERIFY2(std::fabs(fields[1].toDouble() - 120.0) < 10.0, qPrintable(r.out));
-    QVERIFY(std::fabs(fields[5].toDouble() - 500.0) < 15.0);
-    QCOMPARE(CorvidaExperiment(fields[0].chopped(4) + ".exp").getRodent(), QStringLiteral("rat 9"));
-}
+    void measureWithSimulatedUnit()
+    {
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), {"measure", "--simulated", "--limits", "120/30",
+                                          "--seconds", "14", "--rodent", "rat 9"});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        const QStringList fields = resultFields(r);
+        QCOMPARE(fields.size(), 7);
+        QVERIFY(QFile::exists(fields[0]));
+        QVERIFY(fields[0].startsWith(dir.path() + QStringLiteral("/Records/")));
+        QVERIFY2(std::fabs(fields[1].toDouble() - 120.0) < 10.0, qPrintable(r.out));
+        QVERIFY(std::fabs(fields[5].toDouble() - 500.0) < 15.0);
+        QCOMPARE(CorvidaExperiment(fields[0].chopped(4) + ".exp").getRodent(),
+                 QStringLiteral("rat 9"));
+    }
 
-void TestCli::measureWithUnitOnSerialPort()
-{
-    CorvidaUnitEmulator unit;
-    unit.setSerialNumber("CV-0042");
-    unit.setSystolic(110);
-    unit.setPulse(7.0, 3000);
-    unit.setCuffRates(80, 8);
-    QVERIFY(unit.plug());
-    unit.setStreamTimerActive(true);
-    QTemporaryDir dir;
-    const Result r = cli(dir.path(), {"measure", "--port", unit.portPath(), "--limits", "160/40",
-                                      "--seconds", "15"});
-    QVERIFY2(r.status == 0, qPrintable(r.err));
-    QCOMPARE(unit.upperLimit(), 160);
-    QCOMPARE(unit.lowerLimit(), 40);
-    const QStringList fields = resultFields(r);
-    QVERIFY(QFile::exists(fields.value(0)));
-    QVERIFY2(std::fabs(fields[1].toDouble() - 110.0) < 10.0, qPrintable(r.out));
-    QVERIFY(std::fabs(fields[5].toDouble() - 420.0) < 15.0);
-    QCOMPARE(CorvidaExperiment(fields[0].chopped(4) + ".exp").getSN(), QStringLiteral("CV-0042"));
-}
+    void measureWithUnitOnSerialPort()
+    {
+        CorvidaUnitEmulator unit;
+        unit.setSerialNumber("CV-0042");
+        unit.setSystolic(110);
+        unit.setPulse(7.0, 3000);
+        unit.setCuffRates(80, 8);
+        QVERIFY(unit.plug());
+        unit.setStreamTimerActive(true);
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), {"measure", "--port", unit.portPath(), "--limits",
+                                          "160/40", "--seconds", "15"});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        QCOMPARE(unit.upperLimit(), 160);
+        QCOMPARE(unit.lowerLimit(), 40);
+        const QStringList fields = resultFields(r);
+        QVERIFY(QFile::exists(fields.value(0)));
+        QVERIFY2(std::fabs(fields[1].toDouble() - 110.0) < 10.0, qPrintable(r.out));
+        QVERIFY(std::fabs(fields[5].toDouble() - 420.0) < 15.0);
+        QCOMPARE(CorvidaExperiment(fields[0].chopped(4) + ".exp").getSN(),
+                 QStringLiteral("CV-0042"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestCli)
 #include "tst_cli.moc"

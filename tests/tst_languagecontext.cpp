@@ -1,7 +1,5 @@
 #include "toolkit/LanguageContext.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -10,103 +8,57 @@ class TestLanguageContext : public QObject
 {
     Q_OBJECT
 private slots:
-    void bothLanguagesAreCompiledIn();
-    void startupLanguageFromSettingsFile_data();
-    void startupLanguageFromSettingsFile();
-    void startupLanguageWithoutUsableFile();
-    void translatesIntoALanguageThatIsNotRunning();
-    void unknownLanguageKeepsTheRunningOne();
+    void startupLanguageFromSettingsFile_data()
+    {
+        QTest::addColumn<QByteArray>("content"); // empty: no file
+        QTest::addColumn<QString>("expected");
+        const auto file = [](const QByteArray &inside) {
+            return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CorvidaSettings>\n    " + inside +
+                   "\n</CorvidaSettings>\n";
+        };
+        const QString fallback = QStringLiteral("fallback");
+        QTest::newRow("en_US") << file("<Language>en_US</Language>") << "en_US";
+        QTest::newRow("ru_RU") << file("<Language>ru_RU</Language>") << "ru_RU";
+        QTest::newRow("two letters") << file("<Language>en</Language>") << fallback;
+        QTest::newRow("hyphen") << file("<Language>en-US</Language>") << fallback;
+        QTest::newRow("no translation") << file("<Language>de_DE</Language>") << fallback;
+        QTest::newRow("padded") << file("<Language> en_US </Language>") << fallback;
+        QTest::newRow("no language") << file("<ColorTheme>Dark</ColorTheme>") << fallback;
+        QTest::newRow("unclosed") << file("<Language>ru_RU").chopped(20) << fallback;
+        QTest::newRow("at the very start") << QByteArray("<Language>ru_RU</Language>") << fallback;
+        QTest::newRow("lower-case tag") << file("<language>ru_RU</language>") << fallback;
+        QTest::newRow("first of two")
+            << file("<Language>ru_RU</Language><Language>en_US</Language>") << "ru_RU";
+        QTest::newRow("binary junk") << QByteArray("\xff\xfe\x00<Language>\x01", 14) << fallback;
+        QTest::newRow("no file") << QByteArray() << fallback;
+    }
+    void startupLanguageFromSettingsFile()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, expected);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("Settings.xml"));
+        QFile file(path);
+        if (!content.isEmpty())
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        file.close();
+        QCOMPARE(LanguageContext::startupLanguage(path, QStringLiteral("fallback")), expected);
+    }
+
+    void translatesIntoALanguageThatIsNotRunning()
+    {
+        LanguageContext *languages = LanguageContext::instance();
+        QVERIFY(languages->setLanguage(QStringLiteral("en_US")));
+        QCOMPARE(languages->translate("ru_RU", "Generic", "Cancel"), QStringLiteral("Отмена"));
+        QCOMPARE(languages->translate("ru_RU", "Generic", "no such"), QStringLiteral("no such"));
+        QVERIFY(languages->setLanguage(QStringLiteral("ru_RU")));
+        QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Отмена"));
+        QVERIFY(!languages->setLanguage(QStringLiteral("de_DE"))); // keeps the running one
+        QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Отмена"));
+        QVERIFY(languages->setLanguage(QStringLiteral("en_US"))); // the Russian translator goes
+        QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Cancel"));
+    }
 };
-
-void TestLanguageContext::bothLanguagesAreCompiledIn()
-{
-    QCOMPARE(LanguageContext::availableLanguages(),
-             (QStringList{QStringLiteral("en_US"), QStringLiteral("ru_RU")}));
-    QVERIFY(LanguageContext::availableLanguages().contains(LanguageContext::systemLanguage()));
-}
-
-void TestLanguageContext::startupLanguageFromSettingsFile_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("expected");
-    const QByteArray head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<CorvidaSettings>\n    ";
-    const QByteArray tail = "\n</CorvidaSettings>\n";
-    const QString fallback = QStringLiteral("fallback");
-    QTest::newRow("en_US") << head + "<Language>en_US</Language>" + tail << "en_US";
-    QTest::newRow("ru_RU") << head + "<Language>ru_RU</Language>" + tail << "ru_RU";
-    QTest::newRow("two letters") << head + "<Language>en</Language>" + tail << fallback;
-    QTest::newRow("hyphen") << head + "<Language>en-US</Language>" + tail << fallback;
-    QTest::newRow("no translation") << head + "<Language>de_DE</Language>" + tail << fallback;
-    QTest::newRow("padded") << head + "<Language> en_US </Language>" + tail << fallback;
-    QTest::newRow("empty") << head + "<Language></Language>" + tail << fallback;
-    QTest::newRow("no language") << head + "<ColorTheme>Dark</ColorTheme>" + tail << fallback;
-    QTest::newRow("unclosed") << head + "<Language>ru_RU" << fallback;
-    QTest::newRow("at the very start") << QByteArray("<Language>ru_RU</Language>") << fallback;
-    QTest::newRow("lower-case tag") << head + "<language>ru_RU</language>" + tail << fallback;
-    QTest::newRow("first of two") << head + "<Language>ru_RU</Language><Language>en_US</Language>" +
-                                         tail
-                                  << "ru_RU";
-    QTest::newRow("binary junk") << QByteArray("\xff\xfe\x00<Language>\x01", 14) << fallback;
-}
-
-void TestLanguageContext::startupLanguageFromSettingsFile()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(QString, expected);
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("Settings.xml"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-    file.close();
-    QCOMPARE(LanguageContext::startupLanguage(path, QStringLiteral("fallback")), expected);
-}
-
-void TestLanguageContext::startupLanguageWithoutUsableFile()
-{
-    QTemporaryDir dir;
-    QCOMPARE(LanguageContext::startupLanguage(dir.filePath(QStringLiteral("Settings.xml")),
-                                              QStringLiteral("ru_RU")),
-             QStringLiteral("ru_RU"));
-    // A folder where the file should be cannot be read as a file.
-    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Settings.xml")));
-    QCOMPARE(LanguageContext::startupLanguage(dir.filePath(QStringLiteral("Settings.xml")),
-                                              QStringLiteral("en_US")),
-             QStringLiteral("en_US"));
-}
-
-void TestLanguageContext::translatesIntoALanguageThatIsNotRunning()
-{
-    LanguageContext *languages = LanguageContext::instance();
-    QVERIFY(languages->setLanguage(QStringLiteral("en_US")));
-    QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Cancel"));
-    QCOMPARE(languages->translate(QStringLiteral("ru_RU"), "Generic", "Cancel"),
-             QStringLiteral("Отмена"));
-    // Untranslated texts and unknown languages give the text back.
-    QCOMPARE(languages->translate(QStringLiteral("ru_RU"), "Generic", "no such text"),
-             QStringLiteral("no such text"));
-    QCOMPARE(languages->translate(QStringLiteral("xx_XX"), "Generic", "Cancel"),
-             QStringLiteral("Cancel"));
-
-    QSignalSpy changed(languages, &LanguageContext::languageChanged);
-    QVERIFY(languages->setLanguage(QStringLiteral("ru_RU")));
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Отмена"));
-    QCOMPARE(languages->translate(QStringLiteral("en_US"), "Generic", "Cancel"),
-             QStringLiteral("Cancel"));
-    // Switching back removes the Russian translator again.
-    QVERIFY(languages->setLanguage(QStringLiteral("en_US")));
-    QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Cancel"));
-}
-
-void TestLanguageContext::unknownLanguageKeepsTheRunningOne()
-{
-    LanguageContext *languages = LanguageContext::instance();
-    QVERIFY(languages->setLanguage(QStringLiteral("ru_RU")));
-    QVERIFY(!languages->setLanguage(QStringLiteral("de_DE")));
-    QCOMPARE(languages->currentLanguage(), QStringLiteral("ru_RU"));
-    QCOMPARE(QCoreApplication::translate("Generic", "Cancel"), QStringLiteral("Отмена"));
-}
 
 QTEST_GUILESS_MAIN(TestLanguageContext)
 #include "tst_languagecontext.moc"
