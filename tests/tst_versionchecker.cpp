@@ -87,6 +87,7 @@ private slots:
         const VersionInfo info = checker->findNewVersion(5000);
         QVERIFY(info.valid);
         QCOMPARE(info.version, QStringLiteral("1.10.0"));
+        QVERIFY(!info.critical); // the reply does not say, so the update is not pressing
         QVERIFY(checker->newVersionAvailable());
         QCOMPARE(server.requestLines.size(), 1);
         QVERIFY(server.requestLines[0].startsWith("GET /v?app=Corvida&version=1.9.5&locale="));
