@@ -51,6 +51,42 @@ class TestEDFReader : public QObject
 {
     Q_OBJECT
 private slots:
+    // Reads that ask for what is not there give zeros, never a crash or another signal's samples.
+    void readsOutsideTheFileGiveZeros()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("std.edf"));
+        writeStandard(path);
+        EDFReader reader(path);
+        QVERIFY(reader.open());
+        const QList<double> zeros(10, 0.0);
+        QCOMPARE(reader.getChannelData(3, 0, 10), zeros); // past the last signal
+        QCOMPARE(reader.getChannelData(-1, 0, 10), zeros);
+        QCOMPARE(reader.getChannelData(0, 400, 10), zeros); // past the end
+        QVERIFY(std::fabs(reader.getChannelData(1, 340, 1).value(0) - 44.0) < 0.05);
+        reader.close();
+        QCOMPARE(reader.getChannelData(0, 0, 10), zeros); // closed
+    }
+
+    // Marks at the same millisecond are all kept, in the order they were written.
+    void collidingMarkOnsetsAreAllKept()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("marks.edf"));
+        {
+            EDFWriter writer(path, QStringList{"Pressure"}, 100, {}, {1000.0});
+            writer.writeData(QList<float>(500, 1.0f));
+            writer.addAnnotation(QStringLiteral("first"), 1200, -1);
+            writer.addAnnotation(QStringLiteral("second"), 1200, -1);
+            QVERIFY(writer.close(true));
+        }
+        EDFReader reader(path);
+        QVERIFY(reader.open());
+        const QMap<qint64, QString> marks = reader.getAnnotations();
+        QCOMPARE(marks.values(), (QStringList{"first", "second"}));
+        QCOMPARE(marks.firstKey(), 1200);
+    }
+
     void roundTrip_data()
     {
         QTest::addColumn<QString>("name");
