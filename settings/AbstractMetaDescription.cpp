@@ -255,24 +255,14 @@ QString editorKind(QMetaType type, const QMetaEnum &enumerator)
 {
     if (enumerator.isValid())
         return enumerator.isFlag() ? QStringLiteral("flags") : QStringLiteral("enum");
+    if (SettingsValueText::isInteger(type))
+        return QStringLiteral("int");
     switch (type.id()) {
     case QMetaType::Bool:
         return QStringLiteral("bool");
     case QMetaType::Double:
     case QMetaType::Float:
         return QStringLiteral("double");
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-        return QStringLiteral("int");
     case QMetaType::QString:
         return QStringLiteral("text");
     case QMetaType::QColor:

@@ -130,7 +130,7 @@ QVariant jsonFromText(const QString &text, bool wantObject, bool *ok)
 
 } // namespace
 
-bool SettingsValueText::isNumeric(QMetaType type)
+bool SettingsValueText::isInteger(QMetaType type)
 {
     switch (type.id()) {
     case QMetaType::Int:
@@ -144,12 +144,15 @@ bool SettingsValueText::isNumeric(QMetaType type)
     case QMetaType::Char:
     case QMetaType::SChar:
     case QMetaType::UChar:
-    case QMetaType::Double:
-    case QMetaType::Float:
         return true;
     default:
         return false;
     }
+}
+
+bool SettingsValueText::isNumeric(QMetaType type)
+{
+    return isInteger(type) || type.id() == QMetaType::Double || type.id() == QMetaType::Float;
 }
 
 QString SettingsValueText::toText(const QVariant &value, const QMetaEnum &enumerator)

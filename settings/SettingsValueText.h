@@ -45,4 +45,6 @@ public:
     static bool enumValueFromText(const QString &text, const QMetaEnum &enumerator, int *value);
 
     static bool isNumeric(QMetaType type);
+    // Whole-number types, one-byte characters included (they are stored as numbers).
+    static bool isInteger(QMetaType type);
 };
