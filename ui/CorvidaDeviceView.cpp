@@ -149,7 +149,7 @@ void CorvidaDeviceView::buildHeader()
                        tr("Start pressure pumping and start recording"));
     m_abort = button(QStringLiteral("abortButton"), tr("Abort"),
                      tr("Abort pressure pumping and stop recording"));
-    m_save = button(QStringLiteral("saveButton"), generic("Save"), tr("Save record"));
+    m_save = button(QStringLiteral("saveButton"), generic(QT_TRANSLATE_NOOP("Generic", "Save")), tr("Save record"));
     m_save->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; } "
                                          "QPushButton:!disabled { background: #3C0; }"));
     m_connections << connect(m_turnOn, &QPushButton::clicked, this, &CorvidaDeviceView::turnOn);
@@ -316,7 +316,7 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
     equalisePair(m_measure, m_abort);
-    m_save->setText(longTexts ? generic("Save") : QString());
+    m_save->setText(longTexts ? generic(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
     m_rodent->setFixedWidth(editorWidth);
@@ -381,7 +381,7 @@ void CorvidaDeviceView::save()
     } else if (m_recorder->save(folder, &error)) {
         setEditablesEnabled(false);
         setRecordedFileName(QFileInfo(savedRecordPath()).fileName());
-        m_recordedFile->setToolTip(generic("Open") + QLatin1Char(' ') + m_recordedFileName);
+        m_recordedFile->setToolTip(generic(QT_TRANSLATE_NOOP("Generic", "Open")) + QLatin1Char(' ') + m_recordedFileName);
         m_recordedFile->setFlat(false);
         m_recordedFile->setEnabled(true);
         m_recordedFile->show();

@@ -183,7 +183,7 @@ QWidget *PageExperimentMulti::buildHeader()
 
     if (m_settings) {
         m_dropDowns << new SettingDropDownButton(
-            QStringLiteral(":/resources/images/pressure-gauge.svg"), generic("Pressure limits"),
+            QStringLiteral(":/resources/images/pressure-gauge.svg"), generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")),
             m_settings, QStringLiteral("PressureLimit"), header);
         m_dropDowns << new SettingDropDownButton(QStringLiteral(":/icons/arrow-left-right.svg"),
                                                  tr("Horizontal scale"), m_settings,
@@ -199,7 +199,7 @@ QWidget *PageExperimentMulti::buildHeader()
     }
     row->addStretch(100);
 
-    m_suggestionsButton = new QPushButton(generic("Suggestions"), header);
+    m_suggestionsButton = new QPushButton(generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")), header);
     m_suggestionsButton->setObjectName(QStringLiteral("suggestionsButton"));
     m_suggestionsButton->setCheckable(true);
     m_suggestionsButton->setIconSize(QSize(24, 24));
@@ -260,10 +260,10 @@ void PageExperimentMulti::retranslate()
     m_stopAll->setToolTip(tr("Stop data acquisition for all available devices"));
     m_measureAll->setToolTip(tr("Begin pressure pumping and recording for all started devices"));
     m_abortAll->setToolTip(tr("Abort pressure pumping and stop record for all available devices"));
-    m_suggestionsButton->setText(m_headerIconsOnly ? QString() : generic("Suggestions"));
+    m_suggestionsButton->setText(m_headerIconsOnly ? QString() : generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
     m_suggestionsButton->setToolTip(tr("Show experiment tips and recommendations"));
     if (m_dropDowns.size() == 3) {
-        const QStringList texts = {generic("Pressure limits"), tr("Horizontal scale"),
+        const QStringList texts = {generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")), tr("Horizontal scale"),
                                    tr("Vertical scale")};
         for (int i = 0; i < 3; ++i) {
             m_dropDowns[i]->setText(m_headerIconsOnly ? QString() : texts[i]);
