@@ -117,16 +117,18 @@ void LiveRecorder::dropOldest()
 {
     // A unit left turned on for a long time would otherwise grow its live record without end.
     // Like the unit's own history, the record keeps its newest stretch; the start time moves
-    // with it, so a record saved later still begins at its first sample. Removing from the
-    // front of a list advances its start without moving the samples.
+    // with it, so a record saved later still begins at its first sample. The oldest samples go
+    // ten seconds at a time: in between, the record only grows at its end, which is what the
+    // viewers redraw cheaply.
     const qsizetype cap = m_device ? m_device->historyLength() : 0;
-    if (cap <= 0 || m_pressure.size() <= cap)
+    const double rate = m_experiment->getSamplingRate();
+    const qsizetype slack = rate > 0 ? qsizetype(rate * DropSeconds) : 0;
+    if (cap <= 0 || m_pressure.size() <= cap + slack)
         return;
     const qsizetype drop = m_pressure.size() - cap;
     m_pressure.remove(0, drop);
     m_pulse.remove(0, std::min(drop, m_pulse.size()));
     m_infrared.remove(0, std::min(drop, m_infrared.size()));
-    const double rate = m_experiment->getSamplingRate();
     if (rate > 0) {
         m_droppedMs += double(drop) * 1000.0 / rate;
         const qint64 whole = qint64(m_droppedMs);

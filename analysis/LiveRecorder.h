@@ -12,7 +12,7 @@ class CorvidaOnlineExperiment;
 // Records one unit's stream into its live experiment: the steps behind "Turn on", "Measure",
 // "Abort" and "Save", shared by the device panel and the command-line tool.
 //
-// The record keeps at most the unit's history length (two minutes), its newest part.
+// The record keeps about the unit's history length (two minutes), its newest part.
 //
 // The accumulated series are handed to the live experiment (and from there to the viewers) as
 // shared lists. Before each append the experiment lets go of them, so appending never copies the
@@ -21,6 +21,9 @@ class LiveRecorder : public QObject
 {
     Q_OBJECT
 public:
+    // Beyond the unit's history length the oldest samples are dropped this many seconds at a time.
+    static constexpr double DropSeconds = 10.0;
+
     explicit LiveRecorder(BaseCorvidaDevice *device, QObject *parent = nullptr);
     ~LiveRecorder() override;
 

@@ -130,6 +130,7 @@ void TestCorvidaDeviceView::buttonsFollowAWholeMeasurementToTheRecordsPage()
     QPushButton *file = m_view->recordedFileButton();
     QVERIFY(file->isVisibleTo(m_view.get()));
     QCOMPARE(m_view->recordedFileName(), QFileInfo(edf).fileName());
+    QVERIFY(edf.contains(m_device->deviceId())); // units saving in the same second stay apart
 
     file->click();
     QCOMPARE(opened.count(), 1);

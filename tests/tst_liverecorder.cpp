@@ -128,12 +128,14 @@ void TestLiveRecorder::aUnitLeftOnKeepsItsNewestTwoMinutes()
     Rig rig;
     rig.recorder.turnOn();
     const QDateTime start = rig.recorder.experiment()->startDateTime();
-    rig.run(125'000);
+    rig.run(130'000);
+    QCOMPARE(rig.recorder.recordedSamples(), 130'000); // ten seconds of slack first
+    rig.run(50);
     QCOMPARE(rig.recorder.recordedSamples(), 120'000);
     QCOMPARE(rig.recorder.experiment()->getPressure().size(), 120'000);
     QCOMPARE(rig.recorder.experiment()->getPulse().size(), 120'000);
-    // The record now begins five seconds after the unit was turned on.
-    QCOMPARE(start.msecsTo(rig.recorder.experiment()->startDateTime()), 5'000);
+    // The record now begins ten seconds and one frame after the unit was turned on.
+    QCOMPARE(start.msecsTo(rig.recorder.experiment()->startDateTime()), 10'050);
 }
 
 QTEST_GUILESS_MAIN(TestLiveRecorder)

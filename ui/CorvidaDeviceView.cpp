@@ -85,6 +85,9 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
     viewerLayout->addWidget(m_viewer);
     box->addWidget(viewerBox, 100);
     m_viewer->setExperiment(experiment());
+    // Units measuring side by side save in the same second: the unit's name in the file name
+    // keeps their records apart.
+    experiment()->setNameWithSerial(true);
 
     CorvidaOnlineExperiment *live = experiment();
     m_connections << connect(live, &CorvidaOnlineExperiment::pulseCalculated, m_heartRate,
