@@ -1,0 +1,78 @@
+#include "ui/SettingDropDownButton.h"
+
+#include "toolkit/widgets/PropertyListControl.h"
+#include "toolkit/widgets/StyleHelper.h"
+
+#include <QEvent>
+#include <QFrame>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <algorithm>
+
+SettingDropDownButton::SettingDropDownButton(const QString &iconPath, const QString &text,
+                                             VTSettings *settings, const QString &propertyName,
+                                             QWidget *parent)
+    : QPushButton(text, parent)
+    , m_iconPath(iconPath)
+    , m_propertyName(propertyName)
+    , m_popup(new QFrame(this, Qt::Popup))
+    , m_editor(new PropertyListControl(settings, QString(), m_popup))
+{
+    setObjectName(QStringLiteral("settingDropDown"));
+    setCursor(Qt::PointingHandCursor);
+    setIconSize(QSize(18, 18));
+    updateIcon();
+
+    m_popup->setObjectName(QStringLiteral("settingDropDownPopup"));
+    m_popup->setFrameShape(QFrame::StyledPanel);
+    auto *box = new QVBoxLayout(m_popup);
+    box->setContentsMargins(10, 10, 10, 10);
+    box->addWidget(m_editor);
+    m_editor->setShowDefaultButtons(false);
+    m_editor->setShowHeaders(false);
+    m_editor->setPropertyFilter({propertyName});
+
+    connect(this, &QPushButton::clicked, this, &SettingDropDownButton::showPopup);
+}
+
+void SettingDropDownButton::setIconColor(const QColor &color)
+{
+    m_iconColor = color;
+    updateIcon();
+}
+
+void SettingDropDownButton::showPopup()
+{
+    m_popup->adjustSize();
+    const QSize size = m_popup->sizeHint().expandedTo(QSize(width(), 0));
+    m_popup->resize(size);
+    // Below the button, or above it when the screen ends first; never off the screen's sides.
+    QPoint pos = mapToGlobal(QPoint(0, height()));
+    if (const QScreen *s = screen()) {
+        const QRect area = s->availableGeometry();
+        if (pos.y() + size.height() > area.bottom())
+            pos.setY(mapToGlobal(QPoint(0, 0)).y() - size.height());
+        pos.setX(
+            std::clamp(pos.x(), area.left(), std::max(area.left(), area.right() - size.width())));
+    }
+    m_popup->move(pos);
+    m_popup->show();
+}
+
+void SettingDropDownButton::changeEvent(QEvent *event)
+{
+    QPushButton::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
+        updateIcon();
+}
+
+void SettingDropDownButton::updateIcon()
+{
+    const QColor color =
+        m_iconColor.isValid() ? m_iconColor : palette().color(QPalette::ButtonText);
+    // Setting the icon can itself bring a style change; draw only when the colour changed.
+    if (color == m_drawnColor)
+        return;
+    m_drawnColor = color;
+    setIcon(StyleHelper::tintedIcon(m_iconPath, color, iconSize()));
+}
