@@ -16,6 +16,13 @@ add_library(corvida_ui STATIC ${corvida_ui_sources})
 target_link_libraries(corvida_ui PUBLIC corvida_core Qt6::Widgets Qt6::Svg)
 corvida_autogen_follows_sources(corvida_ui)
 
+# On freedesktop systems the file manager is asked over D-Bus to show a file selected.
+if(UNIX AND NOT APPLE)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+    target_link_libraries(corvida_ui PRIVATE Qt6::DBus)
+    target_compile_definitions(corvida_ui PRIVATE CORVIDA_HAS_DBUS)
+endif()
+
 # Resources keep the paths the code names: ":/icons/..." and ":/themes/..." at the root,
 # ":/resources/images/..." and ":/resources/css/..." below "/resources".
 file(GLOB corvida_root_resources CONFIGURE_DEPENDS
