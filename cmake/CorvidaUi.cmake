@@ -36,11 +36,14 @@ qt_add_resources(corvida_ui corvida_prefixed_resources PREFIX "/resources"
     BASE ${PROJECT_SOURCE_DIR}/resources FILES ${corvida_prefixed_resources})
 
 # lrelease compiles the .ts files during the build; the .qm files land in ":/i18n/".
-# "cmake --build build --target update_translations" runs lupdate over the sources.
+# "cmake --build build --target update_translations" runs lupdate over the sources. The lower
+# layers' texts are scanned too: the pages show the questions and messages of the record
+# database and the export.
 qt_add_translations(corvida_ui
     TS_FILES
         ${PROJECT_SOURCE_DIR}/resources/translations/corvida_en_US.ts
         ${PROJECT_SOURCE_DIR}/resources/translations/corvida_ru_RU.ts
+    SOURCES ${corvida_ui_sources} ${corvida_core_sources}
     RESOURCE_PREFIX "/i18n"
     LUPDATE_OPTIONS -no-obsolete -locations none)
 
