@@ -57,20 +57,24 @@ RecordPreview::RecordPreview(CorvidaSettings *settings, QWidget *parent)
                                   QStringLiteral("PulseAxisLimit"), this);
     horizontal->setObjectName(QStringLiteral("horizontalScale"));
     vertical->setObjectName(QStringLiteral("verticalScale"));
+    m_scales = {horizontal, vertical};
 
-    m_overlayNote->setObjectName(QStringLiteral("subtext"));
-    m_overlayNote->hide();
-
-    auto *actions = new QHBoxLayout;
+    // The bar never makes the page wider than the window: short of room, the scales give up
+    // their texts (fitActions).
+    m_actionBar = new QWidget(this);
+    m_actionBar->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    auto *actions = new QHBoxLayout(m_actionBar);
     actions->setContentsMargins(0, 0, 0, 0);
     actions->setSpacing(8);
     actions->addWidget(m_recalculate);
     actions->addWidget(m_export);
-    actions->addSpacing(12);
-    actions->addWidget(m_overlayNote);
     actions->addStretch(100);
     actions->addWidget(horizontal);
     actions->addWidget(vertical);
+
+    m_overlayNote->setObjectName(QStringLiteral("subtext"));
+    m_overlayNote->setWordWrap(true);
+    m_overlayNote->hide();
 
     m_message->setText(tr("No data"));
     m_message->setAlignment(Qt::AlignCenter);
@@ -84,7 +88,8 @@ RecordPreview::RecordPreview(CorvidaSettings *settings, QWidget *parent)
     auto *box = new QVBoxLayout(this);
     box->setContentsMargins(8, 0, 0, 0);
     box->setSpacing(8);
-    box->addLayout(actions);
+    box->addWidget(m_actionBar);
+    box->addWidget(m_overlayNote);
     box->addWidget(m_stack, 100);
     showRecords({});
 }
@@ -135,6 +140,25 @@ void RecordPreview::updateGraphics()
         m_single->updateGraphics();
     else if (m_stack->currentWidget() == m_multi)
         m_multi->updateGraphics();
+}
+
+void RecordPreview::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitActions();
+}
+
+void RecordPreview::fitActions()
+{
+    const QLayout *bar = m_actionBar->layout();
+    int needed =
+        m_recalculate->sizeHint().width() + m_export->sizeHint().width() + bar->spacing() * 4;
+    for (const SettingDropDownButton *scale : std::as_const(m_scales))
+        needed += scale->widthWithText();
+    const QMargins margins = layout()->contentsMargins();
+    const bool compact = width() - margins.left() - margins.right() < needed;
+    for (SettingDropDownButton *scale : std::as_const(m_scales))
+        scale->setCompact(compact);
 }
 
 QWidget *RecordPreview::currentView() const

@@ -42,8 +42,13 @@ signals:
     void recalculateRequested();
     void exportRequested();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void showMessage(const QString &text);
+    // Without room for the scales' texts they show their icons only.
+    void fitActions();
     void setActionsEnabled(bool enabled);
 
     QStackedWidget *m_stack;
@@ -53,4 +58,6 @@ private:
     MultiExperimentViewer *m_multi;
     QPushButton *m_recalculate;
     QPushButton *m_export;
+    QWidget *m_actionBar;
+    QList<SettingDropDownButton *> m_scales;
 };
