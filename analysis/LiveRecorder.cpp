@@ -3,6 +3,8 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "device/BaseCorvidaDevice.h"
 
+#include <algorithm>
+
 LiveRecorder::LiveRecorder(BaseCorvidaDevice *device, QObject *parent)
     : QObject(parent)
     , m_device(device)
@@ -33,6 +35,7 @@ void LiveRecorder::startNewRecording()
     m_pulse.clear();
     m_infrared.clear();
     m_lastHeartRate = 0.0;
+    m_droppedMs = 0.0;
     m_savedPath.clear();
     if (m_device) {
         // Every record carries the identity of the unit it was measured with.
@@ -105,8 +108,31 @@ void LiveRecorder::onFrame(const QList<QList<float>> &frame)
         for (float v : frame[2])
             m_infrared.append(v);
     }
+    dropOldest();
     m_experiment->updateData({m_pressure, m_pulse, m_infrared});
     emit dataUpdated();
+}
+
+void LiveRecorder::dropOldest()
+{
+    // A unit left turned on for a long time would otherwise grow its live record without end.
+    // Like the unit's own history, the record keeps its newest stretch; the start time moves
+    // with it, so a record saved later still begins at its first sample. Removing from the
+    // front of a list advances its start without moving the samples.
+    const qsizetype cap = m_device ? m_device->historyLength() : 0;
+    if (cap <= 0 || m_pressure.size() <= cap)
+        return;
+    const qsizetype drop = m_pressure.size() - cap;
+    m_pressure.remove(0, drop);
+    m_pulse.remove(0, std::min(drop, m_pulse.size()));
+    m_infrared.remove(0, std::min(drop, m_infrared.size()));
+    const double rate = m_experiment->getSamplingRate();
+    if (rate > 0) {
+        m_droppedMs += double(drop) * 1000.0 / rate;
+        const qint64 whole = qint64(m_droppedMs);
+        m_droppedMs -= double(whole);
+        m_experiment->setStartDateTime(m_experiment->startDateTime().addMSecs(whole));
+    }
 }
 
 void LiveRecorder::onRawFrame(const QList<QList<double>> &frame)

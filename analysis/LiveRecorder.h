@@ -12,6 +12,8 @@ class CorvidaOnlineExperiment;
 // Records one unit's stream into its live experiment: the steps behind "Turn on", "Measure",
 // "Abort" and "Save", shared by the device panel and the command-line tool.
 //
+// The record keeps at most the unit's history length (two minutes), its newest part.
+//
 // The accumulated series are handed to the live experiment (and from there to the viewers) as
 // shared lists. Before each append the experiment lets go of them, so appending never copies the
 // recording.
@@ -54,6 +56,7 @@ private:
     void startNewRecording();
     void onFrame(const QList<QList<float>> &frame);
     void onRawFrame(const QList<QList<double>> &frame);
+    void dropOldest();
 
     QPointer<BaseCorvidaDevice> m_device;
     CorvidaOnlineExperiment *m_experiment;
@@ -63,5 +66,6 @@ private:
     QList<double> m_infrared;
     bool m_recordRaw = false;
     double m_lastHeartRate = 0.0;
+    double m_droppedMs = 0.0;
     QString m_savedPath;
 };

@@ -118,6 +118,8 @@ int main(int argc, char *argv[])
 
     QApplication app(argc, argv);
     describeApplication();
+    // Lets the desktop pair the window with corvida.desktop and show its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("corvida"));
     QCommandLineParser parser;
     setUpParser(parser, options);
     parser.process(app);

@@ -28,7 +28,8 @@ endif()
 file(GLOB corvida_root_resources CONFIGURE_DEPENDS
     ${PROJECT_SOURCE_DIR}/resources/icons/*.svg ${PROJECT_SOURCE_DIR}/resources/themes/*.css)
 file(GLOB corvida_prefixed_resources CONFIGURE_DEPENDS
-    ${PROJECT_SOURCE_DIR}/resources/images/*.svg ${PROJECT_SOURCE_DIR}/resources/css/*.css
+    ${PROJECT_SOURCE_DIR}/resources/images/*.svg ${PROJECT_SOURCE_DIR}/resources/images/docs/*.png
+    ${PROJECT_SOURCE_DIR}/resources/css/*.css
     ${PROJECT_SOURCE_DIR}/resources/fonts/OpenSans/*.ttf)
 qt_add_resources(corvida_ui corvida_root_resources PREFIX "/"
     BASE ${PROJECT_SOURCE_DIR}/resources FILES ${corvida_root_resources})

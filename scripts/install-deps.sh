@@ -13,6 +13,7 @@ packages=(
     python3-openpyxl biosig-tools
     xvfb xauth
     fonts-open-sans
+    dpkg-dev desktop-file-utils   # the Debian package (cpack -G DEB) and its desktop entry
 )
 
 missing=()

@@ -40,6 +40,7 @@ private slots:
     void measureStartsANewRecording();
     void rawChannelsOnlyWhenAsked();
     void tooShortIsNotSaveable();
+    void aUnitLeftOnKeepsItsNewestTwoMinutes();
 };
 
 void TestLiveRecorder::buttonsFollowTheUnitState()
@@ -120,6 +121,19 @@ void TestLiveRecorder::tooShortIsNotSaveable()
     rig.run(100);
     QVERIFY(rig.recorder.isSaveable());
     QVERIFY(rig.recorder.save(dir.path(), &error));
+}
+
+void TestLiveRecorder::aUnitLeftOnKeepsItsNewestTwoMinutes()
+{
+    Rig rig;
+    rig.recorder.turnOn();
+    const QDateTime start = rig.recorder.experiment()->startDateTime();
+    rig.run(125'000);
+    QCOMPARE(rig.recorder.recordedSamples(), 120'000);
+    QCOMPARE(rig.recorder.experiment()->getPressure().size(), 120'000);
+    QCOMPARE(rig.recorder.experiment()->getPulse().size(), 120'000);
+    // The record now begins five seconds after the unit was turned on.
+    QCOMPARE(start.msecsTo(rig.recorder.experiment()->startDateTime()), 5'000);
 }
 
 QTEST_GUILESS_MAIN(TestLiveRecorder)

@@ -174,6 +174,37 @@ private slots:
         QTest::mouseMove(&rig.viewer, QPoint(rig.viewer.margin() + 300, 100));
         QCOMPARE(updated.count(), 1);
     }
+
+    // A growing live trace repaints only its newest columns; what that leaves on screen must be
+    // what a full paint would draw.
+    void repaintOfTheNewestColumnsMatchesAFullPaint()
+    {
+        QList<double> pulse;
+        auto grow = [&pulse](int samples) {
+            for (int i = 0; i < samples; ++i) {
+                const double t = pulse.size() / 1000.0;
+                pulse.append(std::sin(t * 2 * M_PI * 8.0) * (0.3 + 0.2 * std::sin(t)));
+            }
+        };
+        SignalViewer viewer;
+        viewer.resize(2 * viewer.margin() + 700, 240);
+        viewer.setValueRange(-0.6, 0.6);
+        viewer.setSeries(
+            {SignalViewerSeries::fromSampleSource([&pulse] { return pulse; }, 1000.0, Qt::red)});
+        grow(20'000);
+        viewer.updateData();
+        QImage screen(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+        viewer.render(&screen);
+        const double before = viewer.margin() + 20.0 * viewer.pixelsPerSecond();
+        grow(1'500);
+        viewer.updateData();
+        const double after = viewer.margin() + 21.5 * viewer.pixelsPerSecond();
+        const QRect columns(int(before) - 3, 0, int(after - before) + 7, viewer.height());
+        viewer.render(&screen, columns.topLeft(), QRegion(columns));
+        QImage full(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+        viewer.render(&full);
+        QCOMPARE(screen, full);
+    }
 };
 
 QTEST_MAIN(TestSignalViewer)

@@ -195,6 +195,8 @@ QRect SignalViewer::plotRect() const
 
 void SignalViewer::updateData()
 {
+    const double previousTotal = m_totalLength;
+    const double previousOffset = m_offset;
     double total = 0.0;
     for (const SignalViewerSeries &s : std::as_const(m_series))
         total = std::max(total, s.length());
@@ -218,6 +220,18 @@ void SignalViewer::updateData()
         // A shorter series (a recording started over) may no longer reach the window's offset.
         setOffset(m_offset);
     }
+    // New samples at the end of a window that did not move change only the columns they
+    // fall in: repaint those (live traces grow by a column or less between repaints).
+    const QRect plot = plotRect();
+    if (grew && m_offset == previousOffset && !plot.isEmpty() && m_windowLength > 0) {
+        const double pps = plot.width() / m_windowLength;
+        const int from = int(std::floor(plot.left() + (previousTotal - m_offset) * pps)) - 3;
+        const int to = int(std::ceil(plot.left() + (m_totalLength - m_offset) * pps)) + 3;
+        if (to < plot.left() || from > plot.right())
+            return;
+        update(QRect(from, plot.top() - 3, to - from, plot.height() + 6) & rect());
+        return;
+    }
     update();
 }
 
@@ -240,7 +254,12 @@ void SignalViewer::placeScrollBar()
     const bool shown = m_scrollMode && scrollMaximum() > 0;
     m_scrollBar->setGeometry(0, height() - ScrollBarHeight, width(), ScrollBarHeight);
     m_scrollBar->setVisible(shown);
-    setContentsMargins(0, 0, 0, shown ? ScrollBarHeight : 0);
+    // Live data calls this at every refresh; only a change of the plot's size needs a full
+    // repaint.
+    const QMargins margins(0, 0, 0, shown ? ScrollBarHeight : 0);
+    if (contentsMargins() == margins)
+        return;
+    setContentsMargins(margins);
     update();
 }
 
@@ -333,7 +352,7 @@ void SignalViewer::release()
     emit markerMoveStopped();
 }
 
-void SignalViewer::paintEvent(QPaintEvent *)
+void SignalViewer::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     SignalViewerPainter::Frame frame;
@@ -346,6 +365,8 @@ void SignalViewer::paintEvent(QPaintEvent *)
     frame.title = m_title;
     frame.unit = m_unit;
     frame.timeTitle = m_timeTitle;
+    if (event->rect() != rect())
+        frame.clip = event->rect();
     m_painter.paint(painter, frame, m_series, m_markers);
 }
 

@@ -262,16 +262,32 @@ void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
     map.columns = int(std::ceil(frame.plot.width()));
     map.yScale = -frame.plot.height() / (frame.upper - frame.lower);
     map.yOrigin = frame.plot.bottom() - frame.lower * map.yScale;
+    const int allColumns = map.columns;
+    if (!frame.clip.isEmpty()) {
+        // Only the columns being repainted (a live trace's newest few), with two on each side
+        // so that the line joins what is already on screen. Whole columns keep the same
+        // column boundaries as a full paint.
+        const int first =
+            std::clamp(int(std::floor(frame.clip.left() - frame.plot.left())) - 2, 0, allColumns);
+        const int last = std::clamp(int(std::ceil(frame.clip.right() + 1 - frame.plot.left())) + 2,
+                                    first, allColumns);
+        map.left += first;
+        map.offset += first / map.pixelsPerSecond;
+        map.columns = last - first;
+    }
     ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, m_points);
     if (m_points.empty())
         return;
 
     // How far the line travels up and down decides how to draw it. A calm trace (the cuff
     // pressure) is drawn as a smooth line. A busy one (a minute of pulse waves) is a band of
-    // vertical strokes anyway, and drawing it as a line would cost tens of milliseconds.
+    // vertical strokes anyway, and drawing it as a line would cost tens of milliseconds. A
+    // partial repaint judges by the travel its columns would have over the whole plot, so it
+    // draws the same way as a full paint.
     double travel = 0.0;
     for (size_t i = 1; i < m_points.size(); ++i)
         travel += std::fabs(m_points[i].y() - m_points[i - 1].y());
+    travel *= double(allColumns) / std::max(1, map.columns);
     const bool dense = map.rate / map.pixelsPerSecond >= 2.0;
     if (dense && travel * linePasses(series.width()) > kSmoothLineBudget)
         drawSpans(painter, series.color(), series.width());

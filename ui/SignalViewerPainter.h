@@ -33,6 +33,8 @@ public:
         QString title;
         QString unit;
         QString timeTitle;
+        // The part of the widget to repaint; empty for all of it.
+        QRect clip;
     };
 
     // Text and axis colours for light and dark backgrounds.

@@ -64,6 +64,105 @@
     </message>
 </context>
 <context>
+    <name>CorvidaDeviceView</name>
+    <message>
+        <source>Corvida device found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Corvida device not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Turn on</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start the device and turn on data acquisition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Turn off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop data acquisition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Measure</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start pressure pumping and start recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Abort</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Abort pressure pumping and stop recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save record</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rodent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Comment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Включить</source>
+        <translation>Turn on</translation>
+    </message>
+    <message>
+        <source>Вкл</source>
+        <translation>On</translation>
+    </message>
+    <message>
+        <source>Выключить</source>
+        <translation>Turn off</translation>
+    </message>
+    <message>
+        <source>Выкл</source>
+        <translation>Off</translation>
+    </message>
+    <message>
+        <source>Измерение</source>
+        <translation>Measure</translation>
+    </message>
+    <message>
+        <source>Изм</source>
+        <translation>Meas.</translation>
+    </message>
+    <message>
+        <source>Прервать</source>
+        <translation>Abort</translation>
+    </message>
+    <message>
+        <source>Стоп</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>There is no records folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Запись не сохранена!</source>
+        <translation>The record was not saved!</translation>
+    </message>
+    <message>
+        <source>Recorded file</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>CorvidaSettings</name>
     <message>
         <source>Language</source>
@@ -231,6 +330,13 @@
     </message>
 </context>
 <context>
+    <name>DimensionRR</name>
+    <message>
+        <source>BPM</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>EDFReader</name>
     <message>
         <source>Duration</source>
@@ -349,6 +455,22 @@ Restart now?</source>
     </message>
     <message>
         <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pressure limits</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Suggestions</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -495,10 +617,6 @@ Restart now?</source>
 <context>
     <name>PageExperimentMulti</name>
     <message>
-        <source>Measuring units</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>No devices found</source>
         <translation type="unfinished"></translation>
     </message>
@@ -507,19 +625,39 @@ Restart now?</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Simulated unit</source>
+        <source>Horizontal scale</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Unit</source>
+        <source>Vertical scale</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>serial number</source>
+        <source>Shows devices in grid</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Live measurement is not available in this version yet. The units the program finds are listed below; they cannot be turned on or measured from this window.</source>
+        <source>Shows devices in tabs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start all available devices and turn on data acquisition</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop data acquisition for all available devices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Begin pressure pumping and recording for all started devices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Abort pressure pumping and stop record for all available devices</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show experiment tips and recommendations</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -630,6 +768,108 @@ Continue?</source>
     </message>
     <message>
         <source>The first %1 of %2 selected records are shown</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SerialNumberDialog</name>
+    <message>
+        <source>Today</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Production date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Write</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The serial number could not be written: the unit is not connected.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SuggestionsWidget</name>
+    <message>
+        <source>Before conducting an experiment:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Heat the rodent properly for at least 10 minutes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do not heat the rodent more than 20-30 minutes to avoid thermal shock.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do not place rodent&apos;s tail on the heating platform.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose the corresponding cuff size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check the cuff&apos;s tidiness</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose the corresponding silicone insert for the sensor</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Firmly place the cuff and then the sensor onto rodent&apos;s tail</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&apos;Turn on&apos; the device (without measurement)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the PPG signal should be stable, otherwise heat the rodent or check sensor&apos;s position.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do not start the actual experiment, until the PPG signal is stable in amplitude!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>When the PPG signal is stable, press &apos;Measure&apos;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>During a common experiment:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In the beggining the PPG should diminish to zero when rodent&apos;s tail is constricted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>When the pressure lowers down - the PPG amplitude should begin to rise (this is the systolic pressure point)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>After a while the PPG amplitude should go to a plateau (the inflection point is the diastolic pressure)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>If the experiment is not as described above - it is invalid. Try:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Heating the rodent if the PPG amplitude is low</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Habitate the rodent to the procedure (in case of tail inflicted artifacts)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -64,6 +64,105 @@
     </message>
 </context>
 <context>
+    <name>CorvidaDeviceView</name>
+    <message>
+        <source>Corvida device found</source>
+        <translation>Устройство Corvida найдено</translation>
+    </message>
+    <message>
+        <source>Corvida device not found</source>
+        <translation>Устройство Corvida не найдено</translation>
+    </message>
+    <message>
+        <source>Turn on</source>
+        <translation>Включить</translation>
+    </message>
+    <message>
+        <source>Start the device and turn on data acquisition</source>
+        <translation>Запустить устройство и включить сбор данных</translation>
+    </message>
+    <message>
+        <source>Turn off</source>
+        <translation>Выключить</translation>
+    </message>
+    <message>
+        <source>Stop data acquisition</source>
+        <translation>Остановить сбор данных</translation>
+    </message>
+    <message>
+        <source>Measure</source>
+        <translation>Измерение</translation>
+    </message>
+    <message>
+        <source>Start pressure pumping and start recording</source>
+        <translation>Начать нагнетание давления и запись</translation>
+    </message>
+    <message>
+        <source>Abort</source>
+        <translation>Прервать</translation>
+    </message>
+    <message>
+        <source>Abort pressure pumping and stop recording</source>
+        <translation>Прервать нагнетание давления и остановить запись</translation>
+    </message>
+    <message>
+        <source>Save record</source>
+        <translation>Сохранить запись</translation>
+    </message>
+    <message>
+        <source>Rodent</source>
+        <translation>Животное</translation>
+    </message>
+    <message>
+        <source>Comment</source>
+        <translation>Комментарий</translation>
+    </message>
+    <message>
+        <source>Включить</source>
+        <translation>Включить</translation>
+    </message>
+    <message>
+        <source>Вкл</source>
+        <translation>Вкл</translation>
+    </message>
+    <message>
+        <source>Выключить</source>
+        <translation>Выключить</translation>
+    </message>
+    <message>
+        <source>Выкл</source>
+        <translation>Выкл</translation>
+    </message>
+    <message>
+        <source>Измерение</source>
+        <translation>Измерение</translation>
+    </message>
+    <message>
+        <source>Изм</source>
+        <translation>Изм</translation>
+    </message>
+    <message>
+        <source>Прервать</source>
+        <translation>Прервать</translation>
+    </message>
+    <message>
+        <source>Стоп</source>
+        <translation>Стоп</translation>
+    </message>
+    <message>
+        <source>There is no records folder.</source>
+        <translation>Нет папки записей.</translation>
+    </message>
+    <message>
+        <source>Запись не сохранена!</source>
+        <translation>Запись не сохранена!</translation>
+    </message>
+    <message>
+        <source>Recorded file</source>
+        <translation>Записанный файл</translation>
+    </message>
+</context>
+<context>
     <name>CorvidaSettings</name>
     <message>
         <source>Language</source>
@@ -231,6 +330,13 @@
     </message>
 </context>
 <context>
+    <name>DimensionRR</name>
+    <message>
+        <source>BPM</source>
+        <translation>уд/мин</translation>
+    </message>
+</context>
+<context>
     <name>EDFReader</name>
     <message>
         <source>Duration</source>
@@ -269,11 +375,11 @@
     </message>
     <message>
         <source>Place SBP marker here</source>
-        <translation>Поставить метку САД здесь</translation>
+        <translation>Поставить маркер САД здесь</translation>
     </message>
     <message>
         <source>Place DBP marker here</source>
-        <translation>Поставить метку ДАД здесь</translation>
+        <translation>Поставить маркер ДАД здесь</translation>
     </message>
     <message>
         <source>Recalculate experiment</source>
@@ -353,6 +459,22 @@ Restart now?</source>
         <translation>ДАД</translation>
     </message>
     <message>
+        <source>Save</source>
+        <translation>Сохранить</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Открыть</translation>
+    </message>
+    <message>
+        <source>Pressure limits</source>
+        <translation>Пределы давления</translation>
+    </message>
+    <message>
+        <source>Suggestions</source>
+        <translation>Подсказки</translation>
+    </message>
+    <message>
         <source>Horizontal scale</source>
         <translation>Горизонтальный масштаб</translation>
     </message>
@@ -390,7 +512,7 @@ Restart now?</source>
     </message>
     <message>
         <source>Rodent</source>
-        <translation>Грызун</translation>
+        <translation>Животное</translation>
     </message>
     <message>
         <source>Comment</source>
@@ -496,10 +618,6 @@ Restart now?</source>
 <context>
     <name>PageExperimentMulti</name>
     <message>
-        <source>Measuring units</source>
-        <translation>Измерительные устройства</translation>
-    </message>
-    <message>
         <source>No devices found</source>
         <translation>Устройства не найдены</translation>
     </message>
@@ -508,20 +626,40 @@ Restart now?</source>
         <translation>Эксперимент</translation>
     </message>
     <message>
-        <source>Simulated unit</source>
-        <translation>Виртуальное устройство</translation>
+        <source>Horizontal scale</source>
+        <translation>Горизонтальный масштаб</translation>
     </message>
     <message>
-        <source>Unit</source>
-        <translation>Устройство</translation>
+        <source>Vertical scale</source>
+        <translation>Вертикальный масштаб</translation>
     </message>
     <message>
-        <source>serial number</source>
-        <translation>серийный номер</translation>
+        <source>Shows devices in grid</source>
+        <translation>Показать устройства сеткой</translation>
     </message>
     <message>
-        <source>Live measurement is not available in this version yet. The units the program finds are listed below; they cannot be turned on or measured from this window.</source>
-        <translation>Измерение в этой версии пока недоступно. Найденные устройства перечислены ниже; включить их и провести измерение из этого окна нельзя.</translation>
+        <source>Shows devices in tabs</source>
+        <translation>Показать устройства во вкладках</translation>
+    </message>
+    <message>
+        <source>Start all available devices and turn on data acquisition</source>
+        <translation>Запустить все доступные устройства и включить сбор данных</translation>
+    </message>
+    <message>
+        <source>Stop data acquisition for all available devices</source>
+        <translation>Остановить сбор данных на всех доступных устройствах</translation>
+    </message>
+    <message>
+        <source>Begin pressure pumping and recording for all started devices</source>
+        <translation>Начать нагнетание давления и запись на всех запущенных устройствах</translation>
+    </message>
+    <message>
+        <source>Abort pressure pumping and stop record for all available devices</source>
+        <translation>Прервать нагнетание давления и остановить запись на всех доступных устройствах</translation>
+    </message>
+    <message>
+        <source>Show experiment tips and recommendations</source>
+        <translation>Показать советы и рекомендации по эксперименту</translation>
     </message>
 </context>
 <context>
@@ -634,6 +772,108 @@ Continue?</source>
     <message>
         <source>The first %1 of %2 selected records are shown</source>
         <translation>Показаны первые %1 из %2 выбранных записей</translation>
+    </message>
+</context>
+<context>
+    <name>SerialNumberDialog</name>
+    <message>
+        <source>Today</source>
+        <translation>Сегодня</translation>
+    </message>
+    <message>
+        <source>Production date</source>
+        <translation>Дата изготовления</translation>
+    </message>
+    <message>
+        <source>Write</source>
+        <translation>Записать</translation>
+    </message>
+    <message>
+        <source>The serial number could not be written: the unit is not connected.</source>
+        <translation>Не удалось записать серийный номер: устройство не подключено.</translation>
+    </message>
+</context>
+<context>
+    <name>SuggestionsWidget</name>
+    <message>
+        <source>Before conducting an experiment:</source>
+        <translation>Перед проведением эксперимента:</translation>
+    </message>
+    <message>
+        <source>Heat the rodent properly for at least 10 minutes</source>
+        <translation>Хорошо прогрейте животное, не менее 10 минут</translation>
+    </message>
+    <message>
+        <source>Do not heat the rodent more than 20-30 minutes to avoid thermal shock.</source>
+        <translation>Не грейте животное дольше 20–30 минут, чтобы избежать теплового удара.</translation>
+    </message>
+    <message>
+        <source>Do not place rodent&apos;s tail on the heating platform.</source>
+        <translation>Не кладите хвост животного на нагревательную платформу.</translation>
+    </message>
+    <message>
+        <source>Choose the corresponding cuff size</source>
+        <translation>Подберите манжету подходящего размера</translation>
+    </message>
+    <message>
+        <source>Check the cuff&apos;s tidiness</source>
+        <translation>Проверьте чистоту и исправность манжеты</translation>
+    </message>
+    <message>
+        <source>Choose the corresponding silicone insert for the sensor</source>
+        <translation>Подберите подходящую силиконовую вставку для датчика</translation>
+    </message>
+    <message>
+        <source>Firmly place the cuff and then the sensor onto rodent&apos;s tail</source>
+        <translation>Плотно наденьте на хвост животного сначала манжету, затем датчик</translation>
+    </message>
+    <message>
+        <source>&apos;Turn on&apos; the device (without measurement)</source>
+        <translation>«Включите» устройство (без измерения)</translation>
+    </message>
+    <message>
+        <source>the PPG signal should be stable, otherwise heat the rodent or check sensor&apos;s position.</source>
+        <translation>сигнал ФПГ должен быть стабильным, иначе прогрейте животное или проверьте положение датчика.</translation>
+    </message>
+    <message>
+        <source>Do not start the actual experiment, until the PPG signal is stable in amplitude!</source>
+        <translation>Не начинайте эксперимент, пока амплитуда сигнала ФПГ не станет стабильной!</translation>
+    </message>
+    <message>
+        <source>When the PPG signal is stable, press &apos;Measure&apos;</source>
+        <translation>Когда сигнал ФПГ стабилен, нажмите «Измерение»</translation>
+    </message>
+    <message>
+        <source>During a common experiment:</source>
+        <translation>При обычном эксперименте:</translation>
+    </message>
+    <message>
+        <source>In the beggining the PPG should diminish to zero when rodent&apos;s tail is constricted</source>
+        <translation>В начале, когда хвост пережат манжетой, ФПГ должна упасть до нуля</translation>
+    </message>
+    <message>
+        <source>When the pressure lowers down - the PPG amplitude should begin to rise (this is the systolic pressure point)</source>
+        <translation>Когда давление снижается, амплитуда ФПГ должна начать расти (это точка систолического давления)</translation>
+    </message>
+    <message>
+        <source>After a while the PPG amplitude should go to a plateau (the inflection point is the diastolic pressure)</source>
+        <translation>Через некоторое время амплитуда ФПГ должна выйти на плато (точка перегиба — диастолическое давление)</translation>
+    </message>
+    <message>
+        <source>If the experiment is not as described above - it is invalid. Try:</source>
+        <translation>Если эксперимент проходит не так, как описано выше, он недостоверен. Попробуйте:</translation>
+    </message>
+    <message>
+        <source>Heating the rodent if the PPG amplitude is low</source>
+        <translation>Прогреть животное, если амплитуда ФПГ мала</translation>
+    </message>
+    <message>
+        <source>Habitate the rodent to the procedure (in case of tail inflicted artifacts)</source>
+        <translation>Приучить животное к процедуре (если хвост даёт артефакты движения)</translation>
+    </message>
+    <message>
+        <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
+        <translation>Немного сдвинуть манжету и датчик вдоль хвоста, если хвост не пережимается (кости могут защищать сосуд хвоста)</translation>
     </message>
 </context>
 </TS>

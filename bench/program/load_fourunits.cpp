@@ -1,0 +1,89 @@
+// The whole program under load: the main window with four simulated units turned on, drawing
+// live, for a given time. Prints the processor share (CPU time over wall time) and the resident
+// memory every ten seconds, so that growth shows.
+//
+//   load_fourunits [seconds=60] [--measure]   (run under xvfb-run; bench/four-units.sh does)
+#include "app/AppStartup.h"
+#include "app/MainWindow.h"
+#include "device/CorvidaModel.h"
+#include "settings/CorvidaSettings.h"
+#include "ui/PageExperimentMulti.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+
+namespace {
+double cpuSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+double residentMiB()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields[1].toDouble() * double(sysconf(_SC_PAGESIZE)) / 1048576.0
+                             : 0.0;
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const int seconds = args.size() > 1 ? std::max(10, args[1].toInt()) : 60;
+    const bool measure = args.contains(QStringLiteral("--measure"));
+
+    AppStartup::setupFonts();
+    AppStartup::setupStyles();
+    QTemporaryDir data;
+    CorvidaModel model(data.path());
+    model.settings()->setStartFullscreen(false);
+    model.settings()->setUseVirtualCorvida(4);
+    MainWindow window;
+    window.resize(1600, 900);
+    window.show();
+    window.experimentPage()->startAllButton()->click();
+
+    QElapsedTimer wall;
+    QTimer sample;
+    double cpu0 = 0.0;
+    double cpuLast = 0.0;
+    qint64 wallLast = 0;
+    // The first second is start-up; the share is measured from there.
+    QTimer::singleShot(1000, &app, [&] {
+        wall.start();
+        cpu0 = cpuLast = cpuSeconds();
+        std::printf("%8s %10s %10s\n", "time s", "cpu %", "RSS MiB");
+        sample.start(10'000);
+    });
+    QObject::connect(&sample, &QTimer::timeout, &app, [&] {
+        const double cpu = cpuSeconds();
+        const qint64 now = wall.elapsed();
+        std::printf("%8.0f %10.1f %10.1f\n", now / 1000.0,
+                    100.0 * (cpu - cpuLast) / ((now - wallLast) / 1000.0), residentMiB());
+        std::fflush(stdout);
+        cpuLast = cpu;
+        wallLast = now;
+        if (measure)
+            window.experimentPage()->measureAllButton()->click();
+        if (now >= seconds * 1000LL) {
+            std::printf("whole run: %.1f %% of one core over %.0f s\n",
+                        100.0 * (cpu - cpu0) / (now / 1000.0), now / 1000.0);
+            QCoreApplication::exit(0);
+        }
+    });
+    return app.exec();
+}
