@@ -389,8 +389,9 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
     writer.takeStartTime(startMs);
     if (!writer.isOpen()) {
         if (error)
-            *error = generic("Cannot open") + QStringLiteral(" \"") + edfPath +
-                     QStringLiteral("\" ") + generic("for record");
+            *error = generic(QT_TRANSLATE_NOOP("Generic", "Cannot open")) + QStringLiteral(" \"") +
+                     edfPath + QStringLiteral("\" ") +
+                     generic(QT_TRANSLATE_NOOP("Generic", "for record"));
         return false;
     }
 
@@ -421,7 +422,8 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
         marked &= writer.addAnnotation(QStringLiteral("DBP"), int(m_DBPTime * 1000.0), -1) >= 0;
     if (!writer.close(true) || !marked) {
         if (error)
-            *error = generic("Error saving") + QStringLiteral(" \"") + edfPath + QLatin1Char('"');
+            *error = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) + QStringLiteral(" \"") +
+                     edfPath + QLatin1Char('"');
         return false;
     }
     return true;
@@ -432,12 +434,12 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
     const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
     if (m_samplingRate < 1.0) {
         if (error)
-            *error = generic("Invalid sampling rate");
+            *error = generic(QT_TRANSLATE_NOOP("Generic", "Invalid sampling rate"));
         return false;
     }
     if (m_samplingRate > double(n)) {
         if (error)
-            *error = generic("Experiment is too short");
+            *error = generic(QT_TRANSLATE_NOOP("Generic", "Experiment is too short"));
         return false;
     }
 
@@ -473,7 +475,8 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
         setFilepath(previousPath);
         setAutoSave(previousAutoSave);
         if (error)
-            *error = generic("Error saving") + QStringLiteral(" \"") + expPath + QLatin1Char('"');
+            *error = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) + QStringLiteral(" \"") +
+                     expPath + QLatin1Char('"');
         return false;
     }
     return true;
@@ -482,18 +485,26 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
 QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
 {
     QList<QList<QVariant>> rows = {
-        {generic("SBP"), m_SBP, generic("mmHg")},  {generic("DBP"), m_DBP, generic("mmHg")},
-        {generic("Pulse"), m_BPM, generic("bpm")}, {generic("Rodent"), m_Rodent},
-        {generic("Comment"), m_Comment},
+        {generic(QT_TRANSLATE_NOOP("Generic", "SBP")), m_SBP,
+         generic(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
+        {generic(QT_TRANSLATE_NOOP("Generic", "DBP")), m_DBP,
+         generic(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
+        {generic(QT_TRANSLATE_NOOP("Generic", "Pulse")), m_BPM,
+         generic(QT_TRANSLATE_NOOP("Generic", "bpm"))},
+        {generic(QT_TRANSLATE_NOOP("Generic", "Rodent")), m_Rodent},
+        {generic(QT_TRANSLATE_NOOP("Generic", "Comment")), m_Comment},
     };
     if (essentialOnly)
         return rows;
     const QList<double> pressure = getPressure();
     const QList<double> pulse = getPulse();
     rows << QList<QVariant>();
-    rows << QList<QVariant>{generic("Sampling rate"), m_samplingRate};
-    rows << QList<QVariant>{generic("Pressure") + QStringLiteral(", ") + generic("mmHg"),
-                            generic("PPG") + QStringLiteral(", ") + generic("V")};
+    rows << QList<QVariant>{generic(QT_TRANSLATE_NOOP("Generic", "Sampling rate")), m_samplingRate};
+    rows << QList<QVariant>{generic(QT_TRANSLATE_NOOP("Generic", "Pressure")) +
+                                QStringLiteral(", ") +
+                                generic(QT_TRANSLATE_NOOP("Generic", "mmHg")),
+                            generic(QT_TRANSLATE_NOOP("Generic", "PPG")) + QStringLiteral(", ") +
+                                generic(QT_TRANSLATE_NOOP("Generic", "V"))};
     const qsizetype n = std::min(pressure.size(), pulse.size());
     rows.reserve(rows.size() + n);
     for (qsizetype i = 0; i < n; ++i)

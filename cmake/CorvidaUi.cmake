@@ -16,6 +16,13 @@ add_library(corvida_ui STATIC ${corvida_ui_sources})
 target_link_libraries(corvida_ui PUBLIC corvida_core Qt6::Widgets Qt6::Svg)
 corvida_autogen_follows_sources(corvida_ui)
 
+# On freedesktop systems the file manager is asked over D-Bus to show a file selected.
+if(UNIX AND NOT APPLE)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+    target_link_libraries(corvida_ui PRIVATE Qt6::DBus)
+    target_compile_definitions(corvida_ui PRIVATE CORVIDA_HAS_DBUS)
+endif()
+
 # Resources keep the paths the code names: ":/icons/..." and ":/themes/..." at the root,
 # ":/resources/images/..." and ":/resources/css/..." below "/resources".
 file(GLOB corvida_root_resources CONFIGURE_DEPENDS
@@ -30,11 +37,14 @@ qt_add_resources(corvida_ui corvida_prefixed_resources PREFIX "/resources"
     BASE ${PROJECT_SOURCE_DIR}/resources FILES ${corvida_prefixed_resources})
 
 # lrelease compiles the .ts files during the build; the .qm files land in ":/i18n/".
-# "cmake --build build --target update_translations" runs lupdate over the sources.
+# "cmake --build build --target update_translations" runs lupdate over the sources. The lower
+# layers' texts are scanned too: the pages show the questions and messages of the record
+# database and the export.
 qt_add_translations(corvida_ui
     TS_FILES
         ${PROJECT_SOURCE_DIR}/resources/translations/corvida_en_US.ts
         ${PROJECT_SOURCE_DIR}/resources/translations/corvida_ru_RU.ts
+    SOURCES ${corvida_ui_sources} ${corvida_core_sources}
     RESOURCE_PREFIX "/i18n"
     LUPDATE_OPTIONS -no-obsolete -locations none)
 

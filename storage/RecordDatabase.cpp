@@ -295,7 +295,10 @@ RecordDatabase::inListOrder(const QList<CorvidaExperiment *> &records) const
 
 QStringList RecordDatabase::columnHeaders()
 {
-    return {generic("Title"), generic("Rodent"), generic("Comment"), generic("Pressure")};
+    return {generic(QT_TRANSLATE_NOOP("Generic", "Title")),
+            generic(QT_TRANSLATE_NOOP("Generic", "Rodent")),
+            generic(QT_TRANSLATE_NOOP("Generic", "Comment")),
+            generic(QT_TRANSLATE_NOOP("Generic", "Pressure"))};
 }
 
 QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
@@ -550,8 +553,8 @@ bool RecordDatabase::recalculate(const QList<CorvidaExperiment *> &records, QStr
         // Only the properties: the recording keeps its name and bytes, and the results stored in
         // the ".exp" file take precedence over the marks inside it.
         if (!record->getFilepath().isEmpty() && !record->VTSettings::save()) {
-            const QString text = generic("Error saving") + QStringLiteral(" \"") +
-                                 record->getFilepath() + QLatin1Char('"');
+            const QString text = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
+                                 QStringLiteral(" \"") + record->getFilepath() + QLatin1Char('"');
             qDebug().noquote() << "RECORDS:" << text;
             if (errors)
                 *errors << text;

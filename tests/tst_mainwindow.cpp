@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "support/RecordFiles.h"
 #include "toolkit/LanguageContext.h"
 #include "ui/PageAboutApp.h"
 #include "ui/PageDatabase.h"
@@ -11,6 +12,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
@@ -204,6 +206,29 @@ private slots:
         m_window->resize(300, 200);
         QVERIFY(m_window->width() >= 800);
         QVERIFY(m_window->height() >= 600);
+    }
+
+    void openRecordShowsItsRowInTheRecordsPage()
+    {
+        QStringList paths;
+        for (int i = 0; i < 40; ++i) {
+            const QDateTime start(QDate(2026, 11, 21), QTime(8, i, 0));
+            paths << RecordFiles::write(m_model->recordsFolder(), {start});
+        }
+        makeWindow();
+        PageDatabase *page = m_window->databasePage();
+        QTest::mouseClick(m_window->pageButton(page), Qt::LeftButton);
+        page->selectRecords({paths[20], paths[21]});
+        QTest::mouseClick(m_window->pageButtons()[0], Qt::LeftButton);
+
+        // Newest first: the oldest record is the last row, out of view until scrolled to.
+        emit m_model->onOpenRecord(paths[0]);
+        QCOMPARE(m_window->currentPage(), page);
+        QCOMPARE(page->selectedRecordPaths(), QStringList{paths[0]});
+        QCOMPARE(page->currentRecordPath(), paths[0]);
+        QTableView *table = page->table();
+        const QRect row = table->visualRect(table->currentIndex());
+        QVERIFY(row.top() >= 0 && row.bottom() <= table->viewport()->height());
     }
 };
 

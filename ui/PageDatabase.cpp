@@ -1,18 +1,31 @@
 #include "ui/PageDatabase.h"
 
+#include "analysis/CorvidaExperiment.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "storage/RecordDatabase.h"
+#include "storage/RecordExport.h"
 #include "toolkit/widgets/StyleHelper.h"
+#include "ui/FileBrowser.h"
+#include "ui/RecordPreview.h"
+#include "ui/RecordTableModel.h"
+#include "ui/WorkProgress.h"
 
-#include <QDesktopServices>
+#include <QAction>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
-#include <QListWidget>
-#include <QLocale>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
-#include <QUrl>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
 
 namespace {
 QPushButton *headerButton(const QString &icon, const QString &tip, QWidget *parent)
@@ -25,32 +38,91 @@ QPushButton *headerButton(const QString &icon, const QString &tip, QWidget *pare
     button->setCursor(Qt::PointingHandCursor);
     return button;
 }
+
+// A white symbol on a dark square, readable on the menu in either theme.
+QIcon menuIcon(const QString &path)
+{
+    constexpr int kSize = 48; // drawn at twice the shown size for sharp high-density screens
+    QPixmap pixmap(kSize, kSize);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x30, 0x30, 0x30));
+    painter.drawRoundedRect(pixmap.rect(), 8, 8);
+    painter.drawPixmap(8, 8, StyleHelper::tintedPixmap(path, Qt::white, QSize(32, 32)));
+    painter.end();
+    pixmap.setDevicePixelRatio(2.0);
+    return QIcon(pixmap);
+}
 } // namespace
 
 PageDatabase::PageDatabase(QWidget *parent)
     : CorvidaBasePage(parent)
 {
+    CorvidaModel *app = CorvidaModel::instance();
+    m_settings = app ? app->settings() : nullptr;
+    m_database = new RecordDatabase(app ? app->recordsFolder() : QString(), m_settings, this);
+    m_model = new RecordTableModel(m_database, this);
+    m_connections << connect(
+        m_model, &RecordTableModel::saveFailed, this,
+        [this](const QString &path) { warn(tr("Records"), RecordExport::errorText(path)); });
+
+    m_table = new QTableView(this);
+    m_table->setObjectName(QStringLiteral("recordTable"));
+    m_table->setModel(m_model);
+    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                             QAbstractItemView::SelectedClicked);
+    m_table->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_table->setWordWrap(false);
+    m_table->setAlternatingRowColors(true);
+    m_table->verticalHeader()->hide();
+    // Enough for the title and a glimpse of the other columns, whatever the stored ratio.
+    m_table->setMinimumWidth(400);
+    QHeaderView *header = m_table->horizontalHeader();
+    header->setSectionResizeMode(RecordDatabase::TitleColumn, QHeaderView::ResizeToContents);
+    for (int c : {RecordDatabase::RodentColumn, RecordDatabase::CommentColumn,
+                  RecordDatabase::PressureColumn})
+        header->setSectionResizeMode(c, QHeaderView::Stretch);
+    // Sorting starts from the stored column and order; clicking a header sorts and stores.
+    header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
+    m_table->setSortingEnabled(true);
+    m_connections << connect(m_table->selectionModel(), &QItemSelectionModel::selectionChanged,
+                             this, &PageDatabase::onSelectionChanged);
+    m_connections << connect(m_table, &QWidget::customContextMenuRequested, this,
+                             [this](const QPoint &pos) {
+                                 QMenu *menu = createContextMenu();
+                                 if (!menu)
+                                     return;
+                                 menu->exec(m_table->viewport()->mapToGlobal(pos));
+                                 delete menu;
+                             });
+    auto *removeKey = new QAction(m_table);
+    removeKey->setShortcut(QKeySequence::Delete);
+    removeKey->setShortcutContext(Qt::WidgetShortcut);
+    m_table->addAction(removeKey);
+    m_connections << connect(removeKey, &QAction::triggered, this,
+                             [this] { removeExperiments(selectedRecordPaths()); });
+
+    m_preview = new RecordPreview(m_settings, this);
+    m_connections << connect(m_preview, &RecordPreview::recalculateRequested, this,
+                             &PageDatabase::recalculateSelected);
+    m_connections << connect(m_preview, &RecordPreview::exportRequested, this,
+                             &PageDatabase::exportSelected);
+
+    m_splitter = new QSplitter(Qt::Horizontal, this);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->addWidget(m_table);
+    m_splitter->addWidget(m_preview);
+    m_connections << connect(m_splitter, &QSplitter::splitterMoved, this,
+                             &PageDatabase::storeSplitterRatio);
+    applySplitterRatio();
+
     auto *box = new QVBoxLayout(this);
-    box->setContentsMargins(24, 20, 24, 20);
-    box->setSpacing(12);
-    auto *title = new QLabel(tr("Records"), this);
-    title->setObjectName(QStringLiteral("pageTitle"));
-    box->addWidget(title);
-    auto *notice = new QLabel(tr("Viewing, recalculating, importing and exporting records are not "
-                                 "available in this version yet. The recordings in the records "
-                                 "folder are listed below."),
-                              this);
-    notice->setObjectName(QStringLiteral("notice"));
-    notice->setWordWrap(true);
-    box->addWidget(notice);
-    m_list = new QListWidget(this);
-    m_list->setObjectName(QStringLiteral("recordList"));
-    box->addWidget(m_list, 1);
-    m_empty = new QLabel(tr("No data"), this);
-    m_empty->setObjectName(QStringLiteral("subtext"));
-    m_empty->setStyleSheet(QStringLiteral("font-size: 20px"));
-    m_empty->setAlignment(Qt::AlignCenter);
-    box->addWidget(m_empty, 1);
+    box->setContentsMargins(8, 8, 8, 8);
+    box->addWidget(m_splitter);
 
     QPushButton *reloadButton =
         headerButton(QStringLiteral(":/icons/refresh.svg"), tr("Reload records"), this);
@@ -61,6 +133,20 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_connections << connect(folderButton, &QPushButton::clicked, this,
                              &PageDatabase::openRecordsFolder);
     addHeaderWidget(folderButton);
+    QPushButton *importButton = headerButton(QStringLiteral(":/resources/images/add_record.svg"),
+                                             tr("Import record"), this);
+    m_connections << connect(importButton, &QPushButton::clicked, this,
+                             &PageDatabase::importRecords);
+    addHeaderWidget(importButton);
+
+    manageSelection();
+}
+
+PageDatabase::~PageDatabase()
+{
+    // The viewers hold records the database owns; let them go first.
+    m_restoringSelection = true;
+    m_preview->showRecords({});
 }
 
 QString PageDatabase::name() const
@@ -75,51 +161,325 @@ QString PageDatabase::iconPath() const
 
 QString PageDatabase::currentRecordPath() const
 {
-    const QListWidgetItem *item = m_list->currentItem();
-    return item ? item->data(Qt::UserRole).toString() : QString();
+    const QModelIndex current = m_table->currentIndex();
+    if (current.isValid() && m_table->selectionModel()->isRowSelected(current.row()))
+        return m_model->path(current.row());
+    const QStringList paths = selectedRecordPaths();
+    return paths.isEmpty() ? QString() : paths.first();
+}
+
+QStringList PageDatabase::selectedRecordPaths() const
+{
+    QList<int> rows;
+    for (const QModelIndex &i : m_table->selectionModel()->selectedRows())
+        rows << i.row();
+    std::sort(rows.begin(), rows.end());
+    QStringList paths;
+    for (int row : std::as_const(rows))
+        paths << m_model->path(row);
+    return paths;
+}
+
+QList<CorvidaExperiment *> PageDatabase::selectedRecords() const
+{
+    QList<CorvidaExperiment *> records;
+    for (const QString &path : selectedRecordPaths()) {
+        if (CorvidaExperiment *r = m_model->record(m_model->rowOf(path)))
+            records << r;
+    }
+    return records;
+}
+
+void PageDatabase::selectRecords(const QStringList &paths)
+{
+    QItemSelection selection;
+    QModelIndex first;
+    for (const QString &path : paths) {
+        const int row = m_model->rowOf(path);
+        if (row < 0)
+            continue;
+        const QModelIndex index = m_model->index(row, 0);
+        if (!first.isValid())
+            first = index;
+        selection.select(index, index);
+    }
+    QItemSelectionModel *model = m_table->selectionModel();
+    if (first.isValid())
+        model->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+    model->select(selection, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+QMenu *PageDatabase::createContextMenu()
+{
+    const QStringList paths = selectedRecordPaths();
+    if (paths.isEmpty())
+        return nullptr;
+    auto *menu = new QMenu(this);
+    const QIcon remove = menuIcon(QStringLiteral(":/icons/delete.svg"));
+    if (paths.size() == 1) {
+        const QString path = paths.first();
+        QPointer<CorvidaExperiment> record = m_model->record(m_model->rowOf(path));
+        menu->addAction(menuIcon(QStringLiteral(":/resources/images/calculate.svg")),
+                        tr("Recalculate experiment"), this, [this, record] {
+                            if (record)
+                                recalcExperiment(record);
+                        });
+        menu->addAction(menuIcon(QStringLiteral(":/icons/folder.svg")), tr("Show in folder"), this,
+                        [this, path] { showInFolder(path); });
+        menu->addAction(remove, tr("Remove experiment"), this,
+                        [this, paths] { removeExperiments(paths); });
+    } else {
+        menu->addAction(remove, tr("Remove experiments"), this,
+                        [this, paths] { removeExperiments(paths); });
+    }
+    return menu;
 }
 
 void PageDatabase::reload()
 {
     m_needsReload = false;
-    m_list->clear();
-    CorvidaModel *model = CorvidaModel::instance();
-    if (!model)
+    if (!CorvidaModel::instance() || m_database->recordsFolder().isEmpty())
         return;
-    const QString wanted = QFileInfo(model->settings()->getLastExperimentPath()).absoluteFilePath();
-    const QFileInfoList files =
-        QDir(model->recordsFolder())
-            .entryInfoList({QStringLiteral("*.edf")}, QDir::Files, QDir::Time);
-    const QLocale locale;
-    for (const QFileInfo &file : files) {
-        const QString text = QStringLiteral("%1    %2    %3")
-                                 .arg(file.completeBaseName(),
-                                      locale.toString(file.lastModified(), QLocale::ShortFormat),
-                                      locale.formattedDataSize(file.size()));
-        auto *item = new QListWidgetItem(text, m_list);
-        item->setData(Qt::UserRole, file.absoluteFilePath());
-        if (file.absoluteFilePath() == wanted)
-            m_list->setCurrentItem(item);
+    QStringList wanted = selectedRecordPaths();
+    const QString last = m_settings ? m_settings->getLastExperimentPath() : QString();
+    m_restoringSelection = true;
+    {
+        WorkProgress progress(this, tr("Reading the records folder"));
+        m_model->reload(progress.callback());
     }
-    m_list->setVisible(m_list->count() > 0);
-    m_empty->setVisible(m_list->count() == 0);
+    if (!last.isEmpty() && m_model->rowOf(last) >= 0)
+        wanted = {last};
+    selectRecords(wanted);
+    m_restoringSelection = false;
+    manageSelection();
+    scrollToCurrentRow();
 }
 
 void PageDatabase::scrollToCurrentRow()
 {
-    if (QListWidgetItem *item = m_list->currentItem())
-        m_list->scrollToItem(item, QAbstractItemView::PositionAtCenter);
+    const QModelIndex current = m_table->currentIndex();
+    if (!current.isValid())
+        return;
+    // Right after a reload the view has not laid out the new rows yet and would scroll by the
+    // old ones.
+    m_table->doItemsLayout();
+    m_table->scrollTo(current, QAbstractItemView::PositionAtCenter);
+}
+
+void PageDatabase::manageSelection()
+{
+    const QStringList paths = selectedRecordPaths();
+    QList<CorvidaExperiment *> records;
+    QList<CorvidaExperiment *> readable;
+    QString problem;
+    for (const QString &path : paths) {
+        const int row = m_model->rowOf(path);
+        CorvidaExperiment *r = m_model->record(row);
+        if (!r)
+            continue;
+        records << r;
+        if (m_database->damage(row) == RecordDatabase::Damage::Recording)
+            problem = m_database->damageText(row);
+        else
+            readable << r;
+    }
+    // A recording that cannot be read has nothing to draw; say so for one, leave it out of an
+    // overlay of several.
+    if (records.size() == 1)
+        m_preview->showRecords(records, problem);
+    else
+        m_preview->showRecords(readable.isEmpty() ? records.mid(0, 1) : readable, problem);
+}
+
+void PageDatabase::onSelectionChanged()
+{
+    if (m_restoringSelection)
+        return;
+    manageSelection();
+    // The record looked at last is the one to come back to, after a reload or at the next
+    // start. Several selected are no single record: a reload then keeps them as they are.
+    if (m_settings) {
+        const QStringList paths = selectedRecordPaths();
+        m_settings->setLastExperimentPath(paths.size() == 1 ? paths.first() : QString());
+    }
+}
+
+void PageDatabase::importRecords()
+{
+    if (m_database->recordsFolder().isEmpty())
+        return;
+    const QString folder = m_settings ? m_settings->getLastImportFolder() : QString();
+    const QStringList files =
+        askImportFiles(RecordDatabase::importDialogTitle(), folder, RecordDatabase::importFilter());
+    if (files.isEmpty())
+        return;
+    m_restoringSelection = true;
+    RecordDatabase::ImportResult result;
+    {
+        WorkProgress progress(this, tr("Importing records"));
+        result = m_model->importRecords(files, progress.callback());
+    }
+    m_restoringSelection = false;
+    // The new records are what the user wants to see next.
+    selectRecords(result.imported);
+    manageSelection();
+    scrollToCurrentRow();
+    if (!result.notes.isEmpty())
+        warn(tr("Import warning"), result.notesText());
+}
+
+void PageDatabase::removeExperiments(const QStringList &paths)
+{
+    if (paths.isEmpty() ||
+        !ask(RecordDatabase::removeTitle(), RecordDatabase::removeQuestion(int(paths.size()))))
+        return;
+    QString error;
+    const bool removed = m_model->removeRecords(paths, &error);
+    manageSelection();
+    if (!removed)
+        warn(RecordDatabase::removeTitle(), error);
+}
+
+void PageDatabase::recalcExperiment(CorvidaExperiment *exp)
+{
+    if (exp)
+        recalculate({exp});
+}
+
+void PageDatabase::recalculateSelected()
+{
+    recalculate(selectedRecords());
+}
+
+void PageDatabase::recalculate(const QList<CorvidaExperiment *> &records)
+{
+    if (records.isEmpty() ||
+        !ask(RecordDatabase::recalculateTitle(), RecordDatabase::recalculateQuestion()))
+        return;
+    QStringList errors;
+    {
+        WorkProgress progress(this, tr("Recalculating records"));
+        RecordDatabase::recalculate(records, &errors, progress.callback());
+    }
+    // The rows follow their records; the plots are drawn once, now.
+    m_preview->updateGraphics();
+    if (!errors.isEmpty())
+        warn(RecordDatabase::recalculateTitle(), errors.join(QLatin1Char('\n')));
+}
+
+void PageDatabase::exportSelected()
+{
+    const QList<CorvidaExperiment *> records = selectedRecords();
+    if (records.isEmpty())
+        return;
+    QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (documents.isEmpty() || !QDir(documents).exists())
+        documents = QDir::homePath();
+    const QString folder = RecordExport::startFolder(m_settings, documents);
+    QString filter = RecordExport::preselectedFilter(m_settings);
+    QString path =
+        askExportPath(tr("Export"), QDir(folder).filePath(RecordExport::suggestedFileName(records)),
+                      RecordExport::filterString(), &filter);
+    if (path.isEmpty())
+        return;
+    if (!RecordExport::filters().contains(filter))
+        filter = RecordExport::preselectedFilter(m_settings);
+    path = RecordExport::withSuffix(path, filter);
+    RecordExport::storeChoice(m_settings, path, filter);
+
+    QString error;
+    RecordExport::Result result;
+    {
+        WorkProgress progress(this, tr("Exporting records"));
+        result = RecordExport::write(records, path, filter, &error, progress.callback());
+    }
+    if (result == RecordExport::Result::Failed) {
+        warn(tr("Export"), error);
+        return;
+    }
+    if (result != RecordExport::Result::Written)
+        return;
+    switch (RecordExport::afterExport(m_settings)) {
+    case RecordExport::AfterExport::OpenFile:
+        openFile(path);
+        break;
+    case RecordExport::AfterExport::ShowInFolder:
+        showInFolder(path);
+        break;
+    case RecordExport::AfterExport::Nothing:
+        break;
+    }
 }
 
 void PageDatabase::openRecordsFolder()
 {
-    if (CorvidaModel *model = CorvidaModel::instance())
-        QDesktopServices::openUrl(QUrl::fromLocalFile(model->recordsFolder()));
+    if (!m_database->recordsFolder().isEmpty())
+        openFolder(m_database->recordsFolder());
 }
 
 void PageDatabase::showEvent(QShowEvent *event)
 {
+    CorvidaBasePage::showEvent(event);
+    if (!m_splitterApplied && m_splitter->width() > 0) {
+        applySplitterRatio();
+        m_splitterApplied = true;
+    }
     if (m_needsReload)
         reload();
-    CorvidaBasePage::showEvent(event);
+}
+
+bool PageDatabase::ask(const QString &title, const QString &text)
+{
+    return QMessageBox::question(this, title, text, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
+void PageDatabase::warn(const QString &title, const QString &text)
+{
+    QMessageBox::warning(this, title, text);
+}
+
+QStringList PageDatabase::askImportFiles(const QString &title, const QString &folder,
+                                         const QString &filter)
+{
+    return QFileDialog::getOpenFileNames(this, title, folder, filter);
+}
+
+QString PageDatabase::askExportPath(const QString &title, const QString &suggestedPath,
+                                    const QString &filters, QString *filter)
+{
+    return QFileDialog::getSaveFileName(this, title, suggestedPath, filters, filter);
+}
+
+void PageDatabase::showInFolder(const QString &path)
+{
+    FileBrowser::showInFolder(path);
+}
+
+void PageDatabase::openFolder(const QString &folder)
+{
+    FileBrowser::openFolder(folder);
+}
+
+void PageDatabase::openFile(const QString &path)
+{
+    FileBrowser::openFile(path);
+}
+
+void PageDatabase::applySplitterRatio()
+{
+    const double stored = m_settings ? m_settings->getDatabaseSplitterRatio() : 0.2;
+    const double ratio = stored > 0.0 && stored < 1.0 ? stored : 0.2;
+    const QList<int> sizes = m_splitter->sizes();
+    const int total = sizes.size() == 2 && sizes[0] + sizes[1] > 0 ? sizes[0] + sizes[1] : 10000;
+    const int left = int(std::lround(ratio * total));
+    m_splitter->setSizes({left, total - left});
+}
+
+void PageDatabase::storeSplitterRatio()
+{
+    const QList<int> sizes = m_splitter->sizes();
+    if (!m_settings || sizes.size() != 2 || sizes[0] + sizes[1] <= 0)
+        return;
+    m_settings->setDatabaseSplitterRatio(double(sizes[0]) / (sizes[0] + sizes[1]));
 }

@@ -2,17 +2,30 @@
 
 #include "ui/CorvidaBasePage.h"
 
-class QLabel;
-class QListWidget;
+#include <QPointer>
+#include <QStringList>
 
-// The second page. Reviewing, recalculating and exporting records are not part of this build
-// yet: until they are, the page lists the recordings of the records folder and can show the
-// folder, and says what is missing.
+class CorvidaExperiment;
+class CorvidaSettings;
+class QMenu;
+class QSplitter;
+class QTableView;
+class RecordDatabase;
+class RecordPreview;
+class RecordTableModel;
+
+// The second page: the records of the records folder in a table on the left, the selected
+// record (or several laid over one another) on the right. From here records are renamed by
+// rodent and comment, recalculated, imported, removed and exported.
+//
+// Every question and file dialog goes through a protected virtual method, so a test can answer
+// in place of a person.
 class PageDatabase : public CorvidaBasePage
 {
     Q_OBJECT
 public:
     explicit PageDatabase(QWidget *parent = nullptr);
+    ~PageDatabase() override;
 
     QString name() const override;
     QString iconPath() const override;
@@ -20,20 +33,67 @@ public:
     // Set when a record was saved while the page was not shown; the next show reloads.
     void setNeedsReload(bool needed) { m_needsReload = needed; }
     bool needsReload() const { return m_needsReload; }
-    // Path of the record selected in the list; empty without a selection.
+    // Path of the current record when it is selected, else of the first selected one; empty
+    // without a selection.
     QString currentRecordPath() const;
+    // The selected records' ".edf" paths and the records themselves, in list order.
+    QStringList selectedRecordPaths() const;
+    QList<CorvidaExperiment *> selectedRecords() const;
+    // Selects the records given by their ".edf" or ".exp" paths; the first becomes current.
+    void selectRecords(const QStringList &paths);
+
+    QTableView *table() const { return m_table; }
+    RecordTableModel *model() const { return m_model; }
+    RecordPreview *preview() const { return m_preview; }
+    QSplitter *splitter() const { return m_splitter; }
+
+    // The table's context menu for the selection; null without one. The caller owns it.
+    QMenu *createContextMenu();
 
 public slots:
-    // Lists the folder again and selects the record named by "LastExperimentPath".
+    // Lists the folder again. Selects the record named by "LastExperimentPath" when it is
+    // listed, and otherwise keeps the selection.
     void reload();
     void scrollToCurrentRow();
+    // Shows what is selected on the right.
+    void manageSelection();
+    void importRecords();
+    void removeExperiments(const QStringList &paths);
+    void recalcExperiment(CorvidaExperiment *exp);
+    void recalculateSelected();
+    void exportSelected();
     void openRecordsFolder();
 
 protected:
     void showEvent(QShowEvent *event) override;
 
+    // A yes/no question; true for yes.
+    virtual bool ask(const QString &title, const QString &text);
+    virtual void warn(const QString &title, const QString &text);
+    virtual QStringList askImportFiles(const QString &title, const QString &folder,
+                                       const QString &filter);
+    // The path to export to, empty when cancelled; `filter` comes in preselected and goes out
+    // as chosen.
+    virtual QString askExportPath(const QString &title, const QString &suggestedPath,
+                                  const QString &filters, QString *filter);
+    virtual void showInFolder(const QString &path);
+    virtual void openFolder(const QString &folder);
+    virtual void openFile(const QString &path);
+
 private:
-    QListWidget *m_list;
-    QLabel *m_empty;
+    void recalculate(const QList<CorvidaExperiment *> &records);
+    void onSelectionChanged();
+    void applySplitterRatio();
+    void storeSplitterRatio();
+
+    QPointer<CorvidaSettings> m_settings;
+    RecordDatabase *m_database;
+    RecordTableModel *m_model;
+    QTableView *m_table;
+    RecordPreview *m_preview;
+    QSplitter *m_splitter;
     bool m_needsReload = true;
+    // Set while the page itself rebuilds the selection, which is no choice of the user's.
+    bool m_restoringSelection = false;
+    bool m_splitterApplied = false;
 };

@@ -6,6 +6,8 @@
 #include <QEvent>
 #include <QFrame>
 #include <QScreen>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -13,6 +15,7 @@ SettingDropDownButton::SettingDropDownButton(const QString &iconPath, const QStr
                                              VTSettings *settings, const QString &propertyName,
                                              QWidget *parent)
     : QPushButton(text, parent)
+    , m_text(text)
     , m_iconPath(iconPath)
     , m_propertyName(propertyName)
     , m_popup(new QFrame(this, Qt::Popup))
@@ -39,6 +42,27 @@ void SettingDropDownButton::setIconColor(const QColor &color)
 {
     m_iconColor = color;
     updateIcon();
+}
+
+void SettingDropDownButton::setCompact(bool compact)
+{
+    if (compact == m_compact)
+        return;
+    m_compact = compact;
+    setText(compact ? QString() : m_text);
+    setToolTip(compact ? m_text : QString());
+}
+
+int SettingDropDownButton::widthWithText() const
+{
+    // What QPushButton::sizeHint() measures, with the text whether it is shown or not.
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    option.text = m_text;
+    const QSize text = fontMetrics().size(Qt::TextShowMnemonic, m_text);
+    const QSize contents(iconSize().width() + 4 + text.width(),
+                         std::max(iconSize().height(), text.height()));
+    return style()->sizeFromContents(QStyle::CT_PushButton, &option, contents, this).width();
 }
 
 void SettingDropDownButton::showPopup()

@@ -27,6 +27,12 @@ public:
     // palette and theme changes.
     void setIconColor(const QColor &color);
 
+    // Icon only, the text as tooltip: for a bar that is short of room.
+    void setCompact(bool compact);
+    bool isCompact() const { return m_compact; }
+    // The width the button wants with its text shown, compact or not.
+    int widthWithText() const;
+
 public slots:
     void showPopup();
 
@@ -36,10 +42,12 @@ protected:
 private:
     void updateIcon();
 
+    QString m_text;
     QString m_iconPath;
     QString m_propertyName;
     QColor m_iconColor;
     QColor m_drawnColor;
+    bool m_compact = false;
     QFrame *m_popup;
     PropertyListControl *m_editor;
 };

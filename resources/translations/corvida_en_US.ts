@@ -53,6 +53,17 @@
     </message>
 </context>
 <context>
+    <name>ComCorvidaDevice</name>
+    <message>
+        <source>Port</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Produced</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>CorvidaDeviceView</name>
     <message>
         <source>Corvida device found</source>
@@ -326,6 +337,29 @@
     </message>
 </context>
 <context>
+    <name>EDFReader</name>
+    <message>
+        <source>Duration</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sampling rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Subject</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start time</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ExperimentViewer</name>
     <message>
         <source>s</source>
@@ -439,6 +473,66 @@ Restart now?</source>
         <source>Suggestions</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Horizontal scale</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Vertical scale</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>for record</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Error saving</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid sampling rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Experiment is too short</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pulse</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>bpm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rodent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Comment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sampling rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>V</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Hz</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -468,19 +562,55 @@ Restart now?</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Viewing, recalculating, importing and exporting records are not available in this version yet. The recordings in the records folder are listed below.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>No data</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Reload records</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Open in explorer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import record</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recalculate experiment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove experiment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove experiments</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading the records folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Importing records</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import warning</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recalculating records</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Exporting records</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -535,6 +665,109 @@ Restart now?</source>
     <name>PageSettings</name>
     <message>
         <source>Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RecordDatabase</name>
+    <message>
+        <source>The recording cannot be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The record&apos;s properties cannot be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>was imported as</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import records</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Corvida records</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot move to the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove selected experiment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>selected experiments</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot read the recording of</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recalculate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All blood pressure data
+in this experiment will be reset.
+Continue?</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RecordExport</name>
+    <message>
+        <source>Essential data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Full data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Summary</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing to export</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>RecordPreview</name>
+    <message>
+        <source>Recalculate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find the blood pressure of the selected records anew</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export to spreadsheet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No data</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The first %1 of %2 selected records are shown</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

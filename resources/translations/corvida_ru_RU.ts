@@ -53,6 +53,17 @@
     </message>
 </context>
 <context>
+    <name>ComCorvidaDevice</name>
+    <message>
+        <source>Port</source>
+        <translation>Порт</translation>
+    </message>
+    <message>
+        <source>Produced</source>
+        <translation>Изготовлено</translation>
+    </message>
+</context>
+<context>
     <name>CorvidaDeviceView</name>
     <message>
         <source>Corvida device found</source>
@@ -326,6 +337,29 @@
     </message>
 </context>
 <context>
+    <name>EDFReader</name>
+    <message>
+        <source>Duration</source>
+        <translation>Длительность</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>Каналы</translation>
+    </message>
+    <message>
+        <source>Sampling rate</source>
+        <translation>Частота дискретизации</translation>
+    </message>
+    <message>
+        <source>Subject</source>
+        <translation>Субъект</translation>
+    </message>
+    <message>
+        <source>Start time</source>
+        <translation>Время начала</translation>
+    </message>
+</context>
+<context>
     <name>ExperimentViewer</name>
     <message>
         <source>s</source>
@@ -440,6 +474,66 @@ Restart now?</source>
         <source>Suggestions</source>
         <translation>Подсказки</translation>
     </message>
+    <message>
+        <source>Horizontal scale</source>
+        <translation>Горизонтальный масштаб</translation>
+    </message>
+    <message>
+        <source>Vertical scale</source>
+        <translation>Вертикальный масштаб</translation>
+    </message>
+    <message>
+        <source>Cannot open</source>
+        <translation>Не удаётся открыть</translation>
+    </message>
+    <message>
+        <source>for record</source>
+        <translation>для записи</translation>
+    </message>
+    <message>
+        <source>Error saving</source>
+        <translation>Ошибка сохранения</translation>
+    </message>
+    <message>
+        <source>Invalid sampling rate</source>
+        <translation>Неверная частота дискретизации</translation>
+    </message>
+    <message>
+        <source>Experiment is too short</source>
+        <translation>Эксперимент слишком короткий</translation>
+    </message>
+    <message>
+        <source>Pulse</source>
+        <translation>Пульс</translation>
+    </message>
+    <message>
+        <source>bpm</source>
+        <translation>уд/мин</translation>
+    </message>
+    <message>
+        <source>Rodent</source>
+        <translation>Животное</translation>
+    </message>
+    <message>
+        <source>Comment</source>
+        <translation>Комментарий</translation>
+    </message>
+    <message>
+        <source>Sampling rate</source>
+        <translation>Частота дискретизации</translation>
+    </message>
+    <message>
+        <source>V</source>
+        <translation>В</translation>
+    </message>
+    <message>
+        <source>Hz</source>
+        <translation>Гц</translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation>Название</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -469,20 +563,56 @@ Restart now?</source>
         <translation>Записи</translation>
     </message>
     <message>
-        <source>Viewing, recalculating, importing and exporting records are not available in this version yet. The recordings in the records folder are listed below.</source>
-        <translation>Просмотр, пересчёт, импорт и экспорт записей в этой версии пока недоступны. Ниже перечислены записи из папки записей.</translation>
-    </message>
-    <message>
-        <source>No data</source>
-        <translation>Нет данных</translation>
-    </message>
-    <message>
         <source>Reload records</source>
         <translation>Обновить список записей</translation>
     </message>
     <message>
         <source>Open in explorer</source>
         <translation>Открыть в проводнике</translation>
+    </message>
+    <message>
+        <source>Import record</source>
+        <translation>Импортировать запись</translation>
+    </message>
+    <message>
+        <source>Recalculate experiment</source>
+        <translation>Пересчитать эксперимент</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Показать в папке</translation>
+    </message>
+    <message>
+        <source>Remove experiment</source>
+        <translation>Удалить эксперимент</translation>
+    </message>
+    <message>
+        <source>Remove experiments</source>
+        <translation>Удалить эксперименты</translation>
+    </message>
+    <message>
+        <source>Reading the records folder</source>
+        <translation>Чтение папки записей</translation>
+    </message>
+    <message>
+        <source>Importing records</source>
+        <translation>Импорт записей</translation>
+    </message>
+    <message>
+        <source>Import warning</source>
+        <translation>Предупреждение об импорте</translation>
+    </message>
+    <message>
+        <source>Recalculating records</source>
+        <translation>Пересчёт записей</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Экспорт</translation>
+    </message>
+    <message>
+        <source>Exporting records</source>
+        <translation>Экспорт записей</translation>
     </message>
 </context>
 <context>
@@ -537,6 +667,111 @@ Restart now?</source>
     <message>
         <source>Settings</source>
         <translation>Настройки</translation>
+    </message>
+</context>
+<context>
+    <name>RecordDatabase</name>
+    <message>
+        <source>The recording cannot be read</source>
+        <translation>Не удаётся прочитать запись</translation>
+    </message>
+    <message>
+        <source>The record&apos;s properties cannot be read</source>
+        <translation>Не удаётся прочитать свойства записи</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Файл</translation>
+    </message>
+    <message>
+        <source>was imported as</source>
+        <translation>импортирован как</translation>
+    </message>
+    <message>
+        <source>Import records</source>
+        <translation>Импорт записей</translation>
+    </message>
+    <message>
+        <source>Corvida records</source>
+        <translation>Записи Corvida</translation>
+    </message>
+    <message>
+        <source>Cannot move to the trash</source>
+        <translation>Не удаётся переместить в корзину</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Remove selected experiment</source>
+        <translation>Удалить выбранный эксперимент</translation>
+    </message>
+    <message>
+        <source>selected experiments</source>
+        <translation>выбранных экспериментов</translation>
+    </message>
+    <message>
+        <source>Cannot read the recording of</source>
+        <translation>Не удаётся прочитать запись</translation>
+    </message>
+    <message>
+        <source>Recalculate</source>
+        <translation>Пересчитать</translation>
+    </message>
+    <message>
+        <source>All blood pressure data
+in this experiment will be reset.
+Continue?</source>
+        <translation>Все данные об артериальном давлении
+в этом эксперименте будут сброшены.
+Продолжить?</translation>
+    </message>
+</context>
+<context>
+    <name>RecordExport</name>
+    <message>
+        <source>Essential data</source>
+        <translation>Основные данные</translation>
+    </message>
+    <message>
+        <source>Full data</source>
+        <translation>Полные данные</translation>
+    </message>
+    <message>
+        <source>Summary</source>
+        <translation>Сводка</translation>
+    </message>
+    <message>
+        <source>Nothing to export</source>
+        <translation>Нечего экспортировать</translation>
+    </message>
+</context>
+<context>
+    <name>RecordPreview</name>
+    <message>
+        <source>Recalculate</source>
+        <translation>Пересчитать</translation>
+    </message>
+    <message>
+        <source>Find the blood pressure of the selected records anew</source>
+        <translation>Заново определить давление в выбранных записях</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Экспорт</translation>
+    </message>
+    <message>
+        <source>Export to spreadsheet</source>
+        <translation>Экспорт в электронную таблицу</translation>
+    </message>
+    <message>
+        <source>No data</source>
+        <translation>Нет данных</translation>
+    </message>
+    <message>
+        <source>The first %1 of %2 selected records are shown</source>
+        <translation>Показаны первые %1 из %2 выбранных записей</translation>
     </message>
 </context>
 <context>
