@@ -204,7 +204,8 @@ QString CorvidaExperiment::bpText() const
 QString CorvidaExperiment::listLabel() const
 {
     const QString path = getFilepath();
-    return path.isEmpty() ? QStringLiteral("?") : QFileInfo(path).fileName();
+    // The operator knows a record by its name; the suffix of the file behind it says nothing.
+    return path.isEmpty() ? QStringLiteral("?") : QFileInfo(path).completeBaseName();
 }
 
 QString CorvidaExperiment::baseFileName() const

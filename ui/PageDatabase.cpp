@@ -79,8 +79,8 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_table->setWordWrap(false);
     m_table->setAlternatingRowColors(true);
     m_table->verticalHeader()->hide();
-    // Enough for the title and a glimpse of the other columns, whatever the stored ratio.
-    m_table->setMinimumWidth(400);
+    // Room for the title and the three other headers, also in Russian.
+    m_table->setMinimumWidth(500);
     QHeaderView *header = m_table->horizontalHeader();
     header->setSectionResizeMode(RecordDatabase::TitleColumn, QHeaderView::ResizeToContents);
     for (int c : {RecordDatabase::RodentColumn, RecordDatabase::CommentColumn,
