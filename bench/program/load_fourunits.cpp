@@ -3,6 +3,7 @@
 // memory every ten seconds, so that growth shows.
 //
 //   load_fourunits [seconds=60] [--measure]   (run under xvfb-run; bench/four-units.sh does)
+#include "ProcessFigures.h"
 #include "app/AppStartup.h"
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
@@ -11,33 +12,11 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
-#include <ctime>
-#include <unistd.h>
-
-namespace {
-double cpuSeconds()
-{
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
-double residentMiB()
-{
-    QFile statm(QStringLiteral("/proc/self/statm"));
-    if (!statm.open(QIODevice::ReadOnly))
-        return 0.0;
-    const QList<QByteArray> fields = statm.readAll().split(' ');
-    return fields.size() > 1 ? fields[1].toDouble() * double(sysconf(_SC_PAGESIZE)) / 1048576.0
-                             : 0.0;
-}
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -65,15 +44,16 @@ int main(int argc, char **argv)
     // The first second is start-up; the share is measured from there.
     QTimer::singleShot(1000, &app, [&] {
         wall.start();
-        cpu0 = cpuLast = cpuSeconds();
+        cpu0 = cpuLast = ProcessFigures::cpuSeconds();
         std::printf("%8s %10s %10s\n", "time s", "cpu %", "RSS MiB");
         sample.start(10'000);
     });
     QObject::connect(&sample, &QTimer::timeout, &app, [&] {
-        const double cpu = cpuSeconds();
+        const double cpu = ProcessFigures::cpuSeconds();
         const qint64 now = wall.elapsed();
         std::printf("%8.0f %10.1f %10.1f\n", now / 1000.0,
-                    100.0 * (cpu - cpuLast) / ((now - wallLast) / 1000.0), residentMiB());
+                    100.0 * (cpu - cpuLast) / ((now - wallLast) / 1000.0),
+                    ProcessFigures::residentMiB());
         std::fflush(stdout);
         cpuLast = cpu;
         wallLast = now;

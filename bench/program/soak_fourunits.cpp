@@ -3,6 +3,7 @@
 // it reads every saved record back. Exits 1 on any warning, failed save or unreadable record.
 //
 //   soak_fourunits [minutes=30]   (run under xvfb-run; scripts/soak.sh does)
+#include "ProcessFigures.h"
 #include "app/AppStartup.h"
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
@@ -13,14 +14,11 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
-#include <ctime>
-#include <unistd.h>
 
 namespace {
 int g_warnings = 0;
@@ -35,22 +33,6 @@ void countWarnings(QtMsgType type, const QMessageLogContext &, const QString &me
     std::fprintf(stderr, "WARNING: %s\n", qPrintable(message));
 }
 
-double cpuSeconds()
-{
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-
-double residentMiB()
-{
-    QFile statm(QStringLiteral("/proc/self/statm"));
-    if (!statm.open(QIODevice::ReadOnly))
-        return 0.0;
-    const QList<QByteArray> fields = statm.readAll().split(' ');
-    return fields.size() > 1 ? fields[1].toDouble() * double(sysconf(_SC_PAGESIZE)) / 1048576.0
-                             : 0.0;
-}
 } // namespace
 
 int main(int argc, char **argv)
@@ -77,7 +59,7 @@ int main(int argc, char **argv)
     int failedSaves = 0;
     QElapsedTimer wall;
     wall.start();
-    const double cpu0 = cpuSeconds();
+    const double cpu0 = ProcessFigures::cpuSeconds();
     double cpuLast = cpu0;
     qint64 wallLast = 0;
 
@@ -115,10 +97,11 @@ int main(int argc, char **argv)
     std::printf("%8s %8s %10s %8s\n", "minute", "cpu %", "RSS MiB", "records");
     QTimer report;
     QObject::connect(&report, &QTimer::timeout, &app, [&] {
-        const double cpu = cpuSeconds();
+        const double cpu = ProcessFigures::cpuSeconds();
         const qint64 now = wall.elapsed();
         std::printf("%8.0f %8.1f %10.1f %8d\n", now / 60000.0,
-                    100.0 * (cpu - cpuLast) / ((now - wallLast) / 1000.0), residentMiB(), saved);
+                    100.0 * (cpu - cpuLast) / ((now - wallLast) / 1000.0),
+                    ProcessFigures::residentMiB(), saved);
         std::fflush(stdout);
         cpuLast = cpu;
         wallLast = now;
