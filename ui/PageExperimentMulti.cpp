@@ -183,8 +183,9 @@ QWidget *PageExperimentMulti::buildHeader()
 
     if (m_settings) {
         m_dropDowns << new SettingDropDownButton(
-            QStringLiteral(":/resources/images/pressure-gauge.svg"), generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")),
-            m_settings, QStringLiteral("PressureLimit"), header);
+            QStringLiteral(":/resources/images/pressure-gauge.svg"),
+            generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")), m_settings,
+            QStringLiteral("PressureLimit"), header);
         m_dropDowns << new SettingDropDownButton(QStringLiteral(":/icons/arrow-left-right.svg"),
                                                  tr("Horizontal scale"), m_settings,
                                                  QStringLiteral("VisualScale"), header);
@@ -199,7 +200,8 @@ QWidget *PageExperimentMulti::buildHeader()
     }
     row->addStretch(100);
 
-    m_suggestionsButton = new QPushButton(generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")), header);
+    m_suggestionsButton =
+        new QPushButton(generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")), header);
     m_suggestionsButton->setObjectName(QStringLiteral("suggestionsButton"));
     m_suggestionsButton->setCheckable(true);
     m_suggestionsButton->setIconSize(QSize(24, 24));
@@ -223,7 +225,7 @@ bool PageExperimentMulti::eventFilter(QObject *watched, QEvent *event)
 {
     // The header lives in the window's top bar: when the bar gets too narrow for the texts of
     // the drop-downs and the suggestions button, they show their icons only.
-    if (watched == m_header && event->type() == QEvent::ParentChange) {
+    if (m_header && watched == m_header && event->type() == QEvent::ParentChange) {
         if (m_header->parentWidget())
             m_header->parentWidget()->installEventFilter(this);
     } else if (m_header && watched == m_header->parentWidget() && event->type() == QEvent::Resize) {
@@ -234,7 +236,7 @@ bool PageExperimentMulti::eventFilter(QObject *watched, QEvent *event)
 
 void PageExperimentMulti::fitHeader()
 {
-    QWidget *bar = m_header->parentWidget();
+    QWidget *bar = m_header ? m_header->parentWidget() : nullptr;
     if (!bar)
         return;
     if (!m_headerIconsOnly) {
@@ -260,11 +262,12 @@ void PageExperimentMulti::retranslate()
     m_stopAll->setToolTip(tr("Stop data acquisition for all available devices"));
     m_measureAll->setToolTip(tr("Begin pressure pumping and recording for all started devices"));
     m_abortAll->setToolTip(tr("Abort pressure pumping and stop record for all available devices"));
-    m_suggestionsButton->setText(m_headerIconsOnly ? QString() : generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
+    m_suggestionsButton->setText(
+        m_headerIconsOnly ? QString() : generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
     m_suggestionsButton->setToolTip(tr("Show experiment tips and recommendations"));
     if (m_dropDowns.size() == 3) {
-        const QStringList texts = {generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")), tr("Horizontal scale"),
-                                   tr("Vertical scale")};
+        const QStringList texts = {generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")),
+                                   tr("Horizontal scale"), tr("Vertical scale")};
         for (int i = 0; i < 3; ++i) {
             m_dropDowns[i]->setText(m_headerIconsOnly ? QString() : texts[i]);
             m_dropDowns[i]->setToolTip(texts[i]);

@@ -3,6 +3,7 @@
 #include "ui/CorvidaBasePage.h"
 
 #include <QList>
+#include <QPointer>
 
 class BaseCorvidaDevice;
 class CorvidaDeviceView;
@@ -88,7 +89,8 @@ private:
     QPushButton *m_suggestionsButton = nullptr;
     QList<SettingDropDownButton *> m_dropDowns;
     SuggestionsWidget *m_suggestions = nullptr;
-    QWidget *m_header = nullptr;
+    // Owned by the window's top bar once it shows there, which may delete it first.
+    QPointer<QWidget> m_header;
     bool m_headerIconsOnly = false;
     int m_headerFullWidth = 0;
     int m_gridRows = 0;
