@@ -10,15 +10,21 @@
 #include "toolkit/LanguageContext.h"
 #include "toolkit/QuorvexCommon.h"
 #include "ui/CorvidaDeviceView.h"
+#include "ui/ExperimentViewer.h"
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SettingDropDownButton.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -43,8 +49,22 @@ public:
     void shoot(QWidget *widget, const QString &name)
     {
         wait(150);
+        save(widget->grab(), name);
+    }
+    // What the screen shows over the window: pop-ups and menus are windows of their own, which
+    // grabbing the window leaves out.
+    void shootScreen(QWidget *window, const QString &name)
+    {
+        wait(300);
+        const QPoint origin = window->mapToGlobal(QPoint(0, 0));
+        save(window->screen()->grabWindow(0, origin.x(), origin.y(), window->width(),
+                                          window->height()),
+             name);
+    }
+    void save(const QPixmap &picture, const QString &name)
+    {
         const QString file = m_out.filePath(m_prefix + name + QStringLiteral(".png"));
-        const bool saved = widget->grab().save(file);
+        const bool saved = picture.save(file);
         std::fprintf(stderr, "%s %s\n", saved ? "saved" : "could not save", qPrintable(file));
         m_ok = m_ok && saved;
     }
@@ -55,6 +75,106 @@ private:
     QString m_prefix;
     bool m_ok = true;
 };
+
+// ---- Further pictures of the manual: open pop-ups and menus, several records at once and the
+// debug settings. Pages that lack a piece (an older Records page) just give fewer pictures.
+void closePopups()
+{
+    while (QWidget *popup = QApplication::activePopupWidget())
+        popup->close();
+    wait(100);
+}
+
+// Opens the context menu of a widget at a point, takes the picture while it is open, closes it.
+void shootContextMenu(Tour &tour, QWidget *window, QWidget *target, const QPoint &pos,
+                      const QString &name)
+{
+    QTimer::singleShot(600, window, [&tour, window, name] {
+        tour.shootScreen(window, name);
+        closePopups();
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, pos, target->mapToGlobal(pos));
+    QCoreApplication::sendEvent(target, &event);
+    wait(200);
+}
+
+template <typename T>
+T *visibleChild(QWidget *parent, const QString &name = QString())
+{
+    for (T *child : parent->findChildren<T *>(name))
+        if (child->isVisible())
+            return child;
+    return nullptr;
+}
+
+void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QString &firstRecord)
+{
+    CorvidaSettings *settings = model->settings();
+    PageExperimentMulti *experiment = window->experimentPage();
+
+    // The pressure limits drop-down, open with its list of choices.
+    window->pageButton(experiment)->click();
+    for (SettingDropDownButton *dropDown : window->findChildren<SettingDropDownButton *>()) {
+        if (!dropDown->isVisible() || dropDown->propertyName() != QLatin1String("PressureLimit"))
+            continue;
+        dropDown->click();
+        wait(300);
+        if (auto *choices = visibleChild<QComboBox>(dropDown->popup()))
+            choices->showPopup();
+        tour.shootScreen(window, QStringLiteral("experiment-pressure-limits"));
+        closePopups();
+    }
+
+    // Each of the four units measures a whole cuff cycle and saves its record.
+    experiment->startAllButton()->click();
+    wait(1000);
+    experiment->measureAllButton()->click();
+    wait(14000);
+    experiment->abortAllButton()->click();
+    QStringList saved;
+    int number = 0;
+    for (CorvidaDeviceView *panel : experiment->panels()) {
+        const QString rodent = QStringLiteral("Mouse %1").arg(++number);
+        panel->rodentEditor()->setText(rodent);
+        panel->experiment()->setRodent(rodent);
+        panel->saveButton()->click();
+        if (!panel->savedRecordPath().isEmpty())
+            saved << panel->savedRecordPath();
+    }
+
+    // Records page: several records selected, drawn over one another.
+    if (!saved.isEmpty())
+        emit model->onOpenRecord(saved.last());
+    wait(500);
+    if (QTableView *table = window->databasePage()->findChild<QTableView *>()) {
+        table->selectAll();
+        tour.shoot(window, QStringLiteral("records-several"));
+    }
+
+    // One record on a vertical scale that shows its whole pulse wave; then its menus.
+    settings->setPulseAxisLimit(CorvidaSettings::PulseAxisLimits::PulseAxis_1_800_m900);
+    settings->setVisualScale(CorvidaSettings::VisualScales::Scale_20);
+    emit model->onOpenRecord(firstRecord);
+    wait(500);
+    tour.shoot(window, QStringLiteral("records-one"));
+    if (auto *viewer = visibleChild<ExperimentViewer>(window->databasePage())) {
+        const QPoint inPulsePlot(viewer->width() * 45 / 100, viewer->height() * 3 / 4);
+        shootContextMenu(tour, window, viewer, inPulsePlot,
+                         QStringLiteral("records-marker-menu"));
+    }
+    if (QTableView *table = visibleChild<QTableView>(window->databasePage())) {
+        const QRect row = table->visualRect(table->currentIndex());
+        shootContextMenu(tour, window, table->viewport(), row.center(),
+                         QStringLiteral("records-table-menu"));
+    }
+
+    // The settings page with the debug settings shown.
+    settings->setDebugMode(true);
+    if (QPushButton *b = window->pageButton(window->settingsPage()))
+        b->click();
+    tour.shoot(window, QStringLiteral("settings-debug"));
+    settings->setDebugMode(false);
+}
 } // namespace
 
 int main(int argc, char **argv)
@@ -154,6 +274,7 @@ int main(int argc, char **argv)
     if (QPushButton *b = window->pageButton(window->settingsPage()))
         b->click();
     tour.shoot(window, QStringLiteral("settings"));
+    manualExtras(tour, window, model, savedRecord);
 
     const bool ok = tour.ok();
     delete window;
