@@ -63,7 +63,7 @@ bool MeasureCommand::probePort(const QString &port, QString *why)
         break;
     case QSerialPort::PermissionError:
         *why =
-            QStringLiteral("%1: permission denied (is your user in the dialout group?)").arg(port);
+            QStringLiteral("%1: permission denied (is your user in the plugdev group, or logged in at this computer?)").arg(port);
         break;
     default:
         *why = QStringLiteral("%1: port busy or unusable (%2)").arg(port, probe.errorString());

@@ -22,11 +22,18 @@ class AnsweringView : public CorvidaDeviceView
 public:
     using CorvidaDeviceView::CorvidaDeviceView;
     QStringList warnings;
+    QStringList questions;
+    bool discard = false;
     Qt::KeyboardModifiers modifiers = Qt::NoModifier;
 
 protected:
     void showSaveWarning(const QString &text) override { warnings << text; }
     Qt::KeyboardModifiers currentModifiers() const override { return modifiers; }
+    bool confirmDiscard(const QString &text) override
+    {
+        questions << text;
+        return discard;
+    }
 };
 
 struct ButtonState {
@@ -90,6 +97,7 @@ private slots:
     void failedSaveWarnsAndKeepsEverythingForARetry();
     void heartRateOfZeroShowsTheStruckOutHeart();
     void serviceMenuOnlyForSerialUnitsWithCtrlAndAlt();
+    void anUnsavedMeasurementIsOnlyReplacedWhenTheOperatorSaysSo();
 };
 
 void TestCorvidaDeviceView::buttonsFollowAWholeMeasurementToTheRecordsPage()
@@ -244,6 +252,38 @@ void TestCorvidaDeviceView::serviceMenuOnlyForSerialUnitsWithCtrlAndAlt()
     QVERIFY(!view.turnOnButton()->isEnabled());
     QVERIFY(view.notFoundIndicator()->isVisibleTo(&view));
     QVERIFY(!view.foundIndicator()->isVisibleTo(&view));
+}
+
+void TestCorvidaDeviceView::anUnsavedMeasurementIsOnlyReplacedWhenTheOperatorSaysSo()
+{
+    // Turning on and off again without measuring asks nothing.
+    m_view->turnOnButton()->click();
+    run(2000);
+    m_view->turnOffButton()->click();
+    m_view->turnOnButton()->click();
+    QVERIFY(m_view->questions.isEmpty());
+
+    m_view->measureButton()->click();
+    run(3000);
+    m_view->abortButton()->click();
+    m_view->turnOnButton()->click(); // declined: the measurement stays
+    QCOMPARE(m_view->questions.size(), 1);
+    QVERIFY(!m_device->isAcquiring());
+    QCOMPARE(m_view->recorder()->recordedSamples(), 3000);
+
+    m_view->discard = true;
+    m_view->turnOnButton()->click();
+    QCOMPARE(m_view->questions.size(), 2);
+    QVERIFY(m_device->isAcquiring());
+    QCOMPARE(m_view->recorder()->recordedSamples(), 0);
+
+    // A saved measurement goes without a question.
+    m_view->measureButton()->click();
+    run(3000);
+    m_view->abortButton()->click();
+    m_view->saveButton()->click();
+    m_view->turnOnButton()->click();
+    QCOMPARE(m_view->questions.size(), 2);
 }
 
 QTEST_MAIN(TestCorvidaDeviceView)

@@ -152,7 +152,8 @@ void CorvidaDeviceView::buildHeader()
                        tr("Start pressure pumping and start recording"));
     m_abort = button(QStringLiteral("abortButton"), tr("Abort"),
                      tr("Abort pressure pumping and stop recording"));
-    m_save = button(QStringLiteral("saveButton"), generic(QT_TRANSLATE_NOOP("Generic", "Save")), tr("Save record"));
+    m_save = button(QStringLiteral("saveButton"), generic(QT_TRANSLATE_NOOP("Generic", "Save")),
+                    tr("Save record"));
     m_save->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; } "
                                          "QPushButton:!disabled { background: #3C0; }"));
     m_connections << connect(m_turnOn, &QPushButton::clicked, this, &CorvidaDeviceView::turnOn);
@@ -331,7 +332,7 @@ void CorvidaDeviceView::applyWidthLayout(int w)
 
 void CorvidaDeviceView::turnOn()
 {
-    if (!isDeviceConnected() || isDeviceStarted())
+    if (!isDeviceConnected() || isDeviceStarted() || !mayDiscardRecord())
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     m_heartRate->setHeartRate(0);
@@ -347,7 +348,7 @@ void CorvidaDeviceView::turnOff()
 
 void CorvidaDeviceView::measure()
 {
-    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring())
+    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() || !mayDiscardRecord())
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     m_recorder->measure();
@@ -360,8 +361,31 @@ void CorvidaDeviceView::abort()
     m_recorder->abort();
 }
 
+bool CorvidaDeviceView::mayDiscardRecord()
+{
+    // A new recording replaces the record on screen. A measured record that was never saved
+    // is only replaced when the operator says so.
+    if (!m_unsavedMeasurement || !hasUnsavedRecord())
+        return true;
+    if (!confirmDiscard(tr("The last measurement of %1 has not been saved. Discard it and start "
+                           "a new recording?")
+                            .arg(m_title)))
+        return false;
+    m_unsavedMeasurement = false;
+    return true;
+}
+
+bool CorvidaDeviceView::confirmDiscard(const QString &text)
+{
+    return QMessageBox::question(this, tr("Record not saved"), text,
+                                 QMessageBox::Discard | QMessageBox::Cancel,
+                                 QMessageBox::Cancel) == QMessageBox::Discard;
+}
+
 void CorvidaDeviceView::onMeasuringChanged()
 {
+    if (isDeviceMeasuring())
+        m_unsavedMeasurement = true;
     // A finished cuff cycle leaves a record to look at: bring it fully into view.
     m_viewer->refreshData();
     manageButtons();
@@ -382,9 +406,11 @@ void CorvidaDeviceView::save()
     if (folder.isEmpty()) {
         error = tr("There is no records folder.");
     } else if (m_recorder->save(folder, &error)) {
+        m_unsavedMeasurement = false;
         setEditablesEnabled(false);
         setRecordedFileName(QFileInfo(savedRecordPath()).fileName());
-        m_recordedFile->setToolTip(generic(QT_TRANSLATE_NOOP("Generic", "Open")) + QLatin1Char(' ') + m_recordedFileName);
+        m_recordedFile->setToolTip(generic(QT_TRANSLATE_NOOP("Generic", "Open")) +
+                                   QLatin1Char(' ') + m_recordedFileName);
         m_recordedFile->setFlat(false);
         m_recordedFile->setEnabled(true);
         m_recordedFile->show();

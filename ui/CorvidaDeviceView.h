@@ -95,11 +95,14 @@ protected:
     virtual void showSaveWarning(const QString &text);
     virtual Qt::KeyboardModifiers currentModifiers() const;
     virtual void openSerialNumberDialog();
+    // Asked before a new recording would replace a measurement that was not saved.
+    virtual bool confirmDiscard(const QString &text);
 
 private:
     void buildHeader();
     QLineEdit *createTextEditor(const QString &property, const QString &objectName);
     void updateTitle();
+    bool mayDiscardRecord();
     void applyWidthLayout(int width);
     void onMeasuringChanged();
     void onDataUpdated();
@@ -130,5 +133,6 @@ private:
     QList<QWidget *> m_editables;
     ExperimentViewer *m_viewer = nullptr;
     bool m_titleVisible = true;
+    bool m_unsavedMeasurement = false;
     QString m_recordedFileName;
 };

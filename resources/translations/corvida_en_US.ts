@@ -161,6 +161,14 @@
         <source>Recorded file</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and start a new recording?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Record not saved</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>CorvidaSettings</name>

@@ -161,6 +161,14 @@
         <source>Recorded file</source>
         <translation>Записанный файл</translation>
     </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and start a new recording?</source>
+        <translation>Последнее измерение %1 не сохранено. Удалить его и начать новую запись?</translation>
+    </message>
+    <message>
+        <source>Record not saved</source>
+        <translation>Запись не сохранена</translation>
+    </message>
 </context>
 <context>
     <name>CorvidaSettings</name>

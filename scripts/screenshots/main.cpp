@@ -262,6 +262,9 @@ int main(int argc, char **argv)
     experiment->tabsButton()->click();
     tour.shoot(window, QStringLiteral("experiment-four-units-tabs"));
     experiment->abortAllButton()->click();
+    // Saved, so that the next recordings replace nothing unsaved (which would ask first).
+    for (CorvidaDeviceView *unit : experiment->panels())
+        unit->saveButton()->click();
     experiment->gridButton()->click();
 
     // The saved record on the Records page, and the settings.
