@@ -145,46 +145,12 @@ void CorvidaUnitEmulator::setStreamTimerActive(bool active)
         m_streamTimer->stop();
 }
 
-void CorvidaUnitEmulator::setCalibration(float x0, float y0, float x1, float y1)
-{
-    m_calibration[0] = x0;
-    m_calibration[1] = y0;
-    m_calibration[2] = x1;
-    m_calibration[3] = y1;
-}
-
-void CorvidaUnitEmulator::setPulse(double hz, int amplitudeCounts)
-{
-    m_pulseHz = hz;
-    m_pulseCounts = amplitudeCounts;
-}
-
-void CorvidaUnitEmulator::setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS)
-{
-    m_inflateRate = inflateMmHgPerS;
-    m_deflateRate = deflateMmHgPerS;
-}
-
 qint16 CorvidaUnitEmulator::pressureCount(double mmHg) const
 {
     const double x0 = m_calibration[0], y0 = m_calibration[1];
     const double x1 = m_calibration[2], y1 = m_calibration[3];
     const double sensor = x0 + (mmHg - y0) * (x1 - x0) / (y1 - y0);
     return clampCount(sensor / 0.25); // MPX counts are quarter units
-}
-
-QList<int> CorvidaUnitEmulator::receivedTypes() const
-{
-    QList<int> types;
-    for (const Packet &p : m_packets)
-        types.append(p.type);
-    return types;
-}
-
-void CorvidaUnitEmulator::clearReceived()
-{
-    m_received.clear();
-    m_packets.clear();
 }
 
 QByteArray CorvidaUnitEmulator::le64(quint64 value)
@@ -267,7 +233,6 @@ void CorvidaUnitEmulator::parseReceived()
         }
         Packet p{quint8(m_inBuffer[2]), m_inBuffer.mid(4, length)};
         m_inBuffer.remove(0, length + 6);
-        m_packets.append(p);
         handleCommand(p);
     }
 }
