@@ -73,18 +73,17 @@ bool CorvidaUnitEmulator::plug()
     if (master < 0)
         return false;
     char name[128];
-    if (grantpt(master) != 0 || unlockpt(master) != 0 || ptsname_r(master, name, sizeof name)) {
-        ::close(master);
-        return false;
-    }
-    ::fcntl(master, F_SETFL, ::fcntl(master, F_GETFL) | O_NONBLOCK);
     // Holding the slave open keeps the pair from hanging up between port sessions, and setting
     // it raw here means the line discipline never echoes or translates our bytes.
-    const int slave = ::open(name, O_RDWR | O_NOCTTY | O_NONBLOCK);
+    const int slave =
+        grantpt(master) == 0 && unlockpt(master) == 0 && ptsname_r(master, name, sizeof name) == 0
+            ? ::open(name, O_RDWR | O_NOCTTY | O_NONBLOCK)
+            : -1;
     if (slave < 0) {
         ::close(master);
         return false;
     }
+    ::fcntl(master, F_SETFL, ::fcntl(master, F_GETFL) | O_NONBLOCK);
     termios tio;
     if (::tcgetattr(slave, &tio) == 0) {
         ::cfmakeraw(&tio);
@@ -92,15 +91,14 @@ bool CorvidaUnitEmulator::plug()
     }
     m_master = master;
     m_slaveHold = slave;
-    m_slavePath = QString::fromLocal8Bit(name);
     QFile::remove(portPath());
-    QFile::link(m_slavePath, portPath());
+    QFile::link(QString::fromLocal8Bit(name), portPath());
 
     m_readNotifier = new QSocketNotifier(m_master, QSocketNotifier::Read, this);
     connect(m_readNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::onReadable);
     m_writeNotifier = new QSocketNotifier(m_master, QSocketNotifier::Write, this);
     m_writeNotifier->setEnabled(false);
-    connect(m_writeNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::onWritable);
+    connect(m_writeNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::flush);
 
     // A unit that was just plugged in is idle.
     m_streaming = false;
@@ -192,11 +190,6 @@ void CorvidaUnitEmulator::flush()
     // lost: a real unit's USB link does not drop bytes in the middle of a stream either.
     if (m_writeNotifier)
         m_writeNotifier->setEnabled(!m_outBuffer.isEmpty());
-}
-
-void CorvidaUnitEmulator::onWritable()
-{
-    flush();
 }
 
 void CorvidaUnitEmulator::onReadable()

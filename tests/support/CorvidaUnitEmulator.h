@@ -94,7 +94,6 @@ public slots:
 
 private:
     void onReadable();
-    void onWritable();
     void parseReceived();
     void handleCommand(const Packet &packet);
     void sendSamples(int count);
@@ -106,7 +105,6 @@ private:
 
     int m_master = -1;
     int m_slaveHold = -1; // keeps the pair alive and raw while no port has it open
-    QString m_slavePath;
     QTemporaryDir m_linkDir;
     QSocketNotifier *m_readNotifier = nullptr;
     QSocketNotifier *m_writeNotifier = nullptr;
