@@ -34,172 +34,158 @@ class tst_PeakFinder : public QObject
 {
     Q_OBJECT
 private slots:
-    void findsBeatsAndRateOfPulseTrains_data();
-    void findsBeatsAndRateOfPulseTrains();
-    void slopeSumsDecideWhichPeaksAreCandidates_data();
-    void slopeSumsDecideWhichPeaksAreCandidates();
-    void reportsValleysIntervalsAndAmplitudesOfEachBeat();
-    void heartRateUsesTwoBands_data();
-    void heartRateUsesTwoBands();
-    void badInputGivesNoBeats_data();
-    void badInputGivesNoBeats();
-};
-
-void tst_PeakFinder::findsBeatsAndRateOfPulseTrains_data()
-{
-    QTest::addColumn<PulseTrain::Options>("options");
-    const auto row = [](const char *name, double bpm, double seconds, double noise, double wander,
-                        const QList<int> &missing, double amplitude = 1.0, double offset = 0.0) {
-        QTest::newRow(name) << PulseTrain::Options{
-            1000.0, bpm, seconds, amplitude, offset, noise, wander, 0.2, missing, unsigned(bpm)};
-    };
-    row("700/min noisy", 700, 10, 0.02, 0, {});
-    row("400/min missed beats", 400, 15, 0.002, 0, {5, 12, 40, 41, 70});
-    // The live view runs on the last 3 s only.
-    row("3 s at 700/min with wander", 700, 3, 0.01, 0.2, {3});
-    row("small wave 500/min", 500, 10, 0.001, 0, {}, 0.05);
-    row("high baseline 600/min", 600, 10, 0.005, 0, {}, 0.4, 2.5);
-}
-
-// Every true beat clear of the series ends is found within a few samples, nothing else is found,
-// and the heart rate is within 1 % of the true rate. Missed beats leave double intervals that the
-// rate must ignore.
-void tst_PeakFinder::findsBeatsAndRateOfPulseTrains()
-{
-    QFETCH(PulseTrain::Options, options);
-    const double bpm = options.beatsPerMinute, amplitude = options.amplitude;
-    const PulseTrain::Train train = PulseTrain::make(options);
-    const int n = int(train.samples.size());
-
-    PeakFinder finder(1000.0, 0.01, 0.05);
-    const Run run = findAll(finder, train.samples);
-
-    const int tolerance = 8, h = 50; // samples
-    const auto clear = [&](const QList<int> &peaks) {
-        QList<int> inside;
-        for (int p : peaks)
-            if (p > h + tolerance && p < n - h - tolerance)
-                inside.append(p);
-        return inside;
-    };
-    const QList<int> expected = clear(train.peaks), found = clear(run.peaks);
-    QCOMPARE(found.size(), expected.size());
-    for (qsizetype k = 0; k < found.size(); ++k)
-        QVERIFY2(std::abs(found[k] - expected[k]) <= tolerance, qPrintable(QString::number(k)));
-    QVERIFY(std::abs(finder.heartRate() - bpm) <= 0.01 * bpm);
-
-    // Every beat after the first has a valley, so one amplitude of about the wave's height each.
-    QCOMPARE(run.valleys.size(), run.peaks.size() - 1);
-    const QList<QPointF> amplitudes = finder.amplitudeSeries();
-    QCOMPARE(amplitudes.size(), run.valleys.size());
-    for (qsizetype k = 0; k < amplitudes.size(); ++k) {
-        QCOMPARE(amplitudes[k].x(), run.peaks[k + 1] / 1000.0);
-        QVERIFY2(std::abs(amplitudes[k].y() - amplitude) < 0.1 * amplitude + 4 * options.noise,
-                 qPrintable(QString::number(amplitudes[k].y())));
+    void findsBeatsAndRateOfPulseTrains_data()
+    {
+        QTest::addColumn<PulseTrain::Options>("options");
+        const auto row = [](const char *name, double bpm, double seconds, double noise,
+                            double wander, const QList<int> &missing, double amplitude = 1.0,
+                            double offset = 0.0) {
+            QTest::newRow(name) << PulseTrain::Options{1000.0,  bpm,          seconds, amplitude,
+                                                       offset,  noise,        wander,  0.2,
+                                                       missing, unsigned(bpm)};
+        };
+        row("700/min noisy", 700, 10, 0.02, 0, {});
+        row("400/min missed beats", 400, 15, 0.002, 0, {5, 12, 40, 41, 70});
+        // The live view runs on the last 3 s only.
+        row("3 s at 700/min with wander", 700, 3, 0.01, 0.2, {3});
+        row("small wave 500/min", 500, 10, 0.001, 0, {}, 0.05);
+        row("high baseline 600/min", 600, 10, 0.005, 0, {}, 0.4, 2.5);
     }
-}
+    // Every true beat clear of the series ends is found within a few samples, nothing else is
+    // found, and the heart rate is within 1 % of the true rate. Missed beats leave double intervals
+    // that the rate must ignore.
+    void findsBeatsAndRateOfPulseTrains()
+    {
+        QFETCH(PulseTrain::Options, options);
+        const double bpm = options.beatsPerMinute, amplitude = options.amplitude;
+        const PulseTrain::Train train = PulseTrain::make(options);
+        const int n = int(train.samples.size());
 
-void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates_data()
-{
-    QTest::addColumn<double>("threshold");
-    QTest::addColumn<QList<double>>("series");
-    QTest::addColumn<QList<int>>("peaks");
+        PeakFinder finder(1000.0, 0.01, 0.05);
+        const Run run = findAll(finder, train.samples);
 
-    // At 96 Hz and 1/32 s the half-window is exactly 3 samples: indices 4 .. n-4 are judged.
-    QTest::newRow("sums equal to the threshold")
-        << 0.5 << QList<double>{0, 0, 0.5, 0.5, 0.5, 1, 0.75, 0.5, 0.5, 0, 0} << QList<int>{5};
-    QTest::newRow("fall short of the threshold")
-        << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.75, 0.75, 0.625, 0, 0} << QList<int>{};
-    // The fall sum ends where a later sample within reach tops the peak, however low it ends.
-    QTest::newRow("higher sample within reach after")
-        << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{7};
-    QTest::newRow("falling shoulder is no peak")
-        << 0.1 << QList<double>{0, 0, 1, 2, 3, 2.8, 2.9, 2.0, 1.0, 0, 0} << QList<int>{4};
-}
+        const int tolerance = 8, h = 50; // samples
+        const auto clear = [&](const QList<int> &peaks) {
+            QList<int> inside;
+            for (int p : peaks)
+                if (p > h + tolerance && p < n - h - tolerance)
+                    inside.append(p);
+            return inside;
+        };
+        const QList<int> expected = clear(train.peaks), found = clear(run.peaks);
+        QCOMPARE(found.size(), expected.size());
+        for (qsizetype k = 0; k < found.size(); ++k)
+            QVERIFY2(std::abs(found[k] - expected[k]) <= tolerance, qPrintable(QString::number(k)));
+        QVERIFY(std::abs(finder.heartRate() - bpm) <= 0.01 * bpm);
 
-void tst_PeakFinder::slopeSumsDecideWhichPeaksAreCandidates()
-{
-    QFETCH(double, threshold);
-    QFETCH(QList<double>, series);
-    QFETCH(QList<int>, peaks);
+        // Every beat after the first has a valley, so one amplitude of about the wave's height
+        // each.
+        QCOMPARE(run.valleys.size(), run.peaks.size() - 1);
+        const QList<QPointF> amplitudes = finder.amplitudeSeries();
+        QCOMPARE(amplitudes.size(), run.valleys.size());
+        for (qsizetype k = 0; k < amplitudes.size(); ++k) {
+            QCOMPARE(amplitudes[k].x(), run.peaks[k + 1] / 1000.0);
+            QVERIFY2(std::abs(amplitudes[k].y() - amplitude) < 0.1 * amplitude + 4 * options.noise,
+                     qPrintable(QString::number(amplitudes[k].y())));
+        }
+    }
+    void slopeSumsDecideWhichPeaksAreCandidates_data()
+    {
+        QTest::addColumn<double>("threshold");
+        QTest::addColumn<QList<double>>("series");
+        QTest::addColumn<QList<int>>("peaks");
 
-    PeakFinder finder(96.0, threshold, 1.0 / 32.0);
-    QCOMPARE(findAll(finder, series).peaks, peaks);
-}
+        // At 96 Hz and 1/32 s the half-window is exactly 3 samples: indices 4 .. n-4 are judged.
+        QTest::newRow("sums equal to the threshold")
+            << 0.5 << QList<double>{0, 0, 0.5, 0.5, 0.5, 1, 0.75, 0.5, 0.5, 0, 0} << QList<int>{5};
+        QTest::newRow("fall short of the threshold")
+            << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.75, 0.75, 0.625, 0, 0} << QList<int>{};
+        // The fall sum ends where a later sample within reach tops the peak, however low it ends.
+        QTest::newRow("higher sample within reach after")
+            << 0.5 << QList<double>{0, 0, 0, 0, 0, 1, 0.5, 1.5, 0, 0, 0, 0, 0, 0} << QList<int>{7};
+        QTest::newRow("falling shoulder is no peak")
+            << 0.1 << QList<double>{0, 0, 1, 2, 3, 2.8, 2.9, 2.0, 1.0, 0, 0} << QList<int>{4};
+    }
+    void slopeSumsDecideWhichPeaksAreCandidates()
+    {
+        QFETCH(double, threshold);
+        QFETCH(QList<double>, series);
+        QFETCH(QList<int>, peaks);
 
-void tst_PeakFinder::reportsValleysIntervalsAndAmplitudesOfEachBeat()
-{
-    // Four beats at 1000 Hz. Between the second and third the line dips twice to the same
-    // lowest value: the first of them is the valley.
-    QList<double> x = triangles(1000, {100, 260, 430, 700}, 30, 2.0);
-    x[300] = x[360] = -0.5;
-    x[480] = x[481] = -0.25;
-    PeakFinder finder(1000.0, 0.01, 0.05);
-    const Run run = findAll(finder, x);
-    QCOMPARE(run.peaks, (QList<int>{100, 260, 430, 700}));
-    QCOMPARE(run.valleys, (QList<int>{130, 300, 480}));
-    QCOMPARE(run.signedIndices, (QList<int>{-130, 260, -300, 430, -480, 700}));
-    QCOMPARE(finder.intervalSeries(), (QList<QPointF>{{0.26, 0.16}, {0.43, 0.17}, {0.7, 0.27}}));
-    QCOMPARE(finder.amplitudeSeries(), (QList<QPointF>{{0.26, 2.0}, {0.43, 2.5}, {0.7, 2.25}}));
-}
+        PeakFinder finder(96.0, threshold, 1.0 / 32.0);
+        QCOMPARE(findAll(finder, series).peaks, peaks);
+    }
+    void reportsValleysIntervalsAndAmplitudesOfEachBeat()
+    {
+        // Four beats at 1000 Hz. Between the second and third the line dips twice to the same
+        // lowest value: the first of them is the valley.
+        QList<double> x = triangles(1000, {100, 260, 430, 700}, 30, 2.0);
+        x[300] = x[360] = -0.5;
+        x[480] = x[481] = -0.25;
+        PeakFinder finder(1000.0, 0.01, 0.05);
+        const Run run = findAll(finder, x);
+        QCOMPARE(run.peaks, (QList<int>{100, 260, 430, 700}));
+        QCOMPARE(run.valleys, (QList<int>{130, 300, 480}));
+        QCOMPARE(run.signedIndices, (QList<int>{-130, 260, -300, 430, -480, 700}));
+        QCOMPARE(finder.intervalSeries(),
+                 (QList<QPointF>{{0.26, 0.16}, {0.43, 0.17}, {0.7, 0.27}}));
+        QCOMPARE(finder.amplitudeSeries(), (QList<QPointF>{{0.26, 2.0}, {0.43, 2.5}, {0.7, 2.25}}));
+    }
+    void heartRateUsesTwoBands_data()
+    {
+        QTest::addColumn<double>("rate");
+        QTest::addColumn<QList<int>>("intervals"); // samples between successive peaks
+        QTest::addColumn<double>("bpm");
 
-void tst_PeakFinder::heartRateUsesTwoBands_data()
-{
-    QTest::addColumn<double>("rate");
-    QTest::addColumn<QList<int>>("intervals"); // samples between successive peaks
-    QTest::addColumn<double>("bpm");
+        // 60 samples at 180 Hz is exactly 1/3 s.
+        QTest::newRow("minimum rate included") << 180.0 << QList<int>{60, 60, 60} << 180.0;
+        QTest::newRow("missed beat dropped") << 1000.0 << QList<int>{150, 150, 300, 150} << 400.0;
+        // Mean 0.1016 s: 0.068 s is 0.669 times it.
+        QTest::newRow("short interval below 0.69 mean")
+            << 1000.0 << QList<int>{110, 110, 110, 110, 68} << 60.0 / 0.11;
+        // Mean 0.2 s; 0.1 and 0.3 s both lie outside 0.138 .. 0.288 s.
+        QTest::newRow("nothing regular") << 1000.0 << QList<int>{100, 300} << qQNaN();
+    }
+    void heartRateUsesTwoBands()
+    {
+        QFETCH(double, rate);
+        QFETCH(QList<int>, intervals);
+        QFETCH(double, bpm);
 
-    // 60 samples at 180 Hz is exactly 1/3 s.
-    QTest::newRow("minimum rate included") << 180.0 << QList<int>{60, 60, 60} << 180.0;
-    QTest::newRow("missed beat dropped") << 1000.0 << QList<int>{150, 150, 300, 150} << 400.0;
-    // Mean 0.1016 s: 0.068 s is 0.669 times it.
-    QTest::newRow("short interval below 0.69 mean")
-        << 1000.0 << QList<int>{110, 110, 110, 110, 68} << 60.0 / 0.11;
-    // Mean 0.2 s; 0.1 and 0.3 s both lie outside 0.138 .. 0.288 s.
-    QTest::newRow("nothing regular") << 1000.0 << QList<int>{100, 300} << qQNaN();
-}
-
-void tst_PeakFinder::heartRateUsesTwoBands()
-{
-    QFETCH(double, rate);
-    QFETCH(QList<int>, intervals);
-    QFETCH(double, bpm);
-
-    QList<int> at{100};
-    for (int interval : intervals)
-        at.append(at.last() + interval);
-    PeakFinder finder(rate, 0.01, 0.05);
-    QCOMPARE(findAll(finder, triangles(at.last() + 100, at, 10)).peaks, at);
-    const double measured = finder.heartRate();
-    QVERIFY2(std::isnan(bpm) ? std::isnan(measured) : std::abs(measured - bpm) < 1e-9 * bpm,
-             qPrintable(QString::number(measured, 'g', 17)));
-}
-
-void tst_PeakFinder::badInputGivesNoBeats_data()
-{
-    QTest::addColumn<double>("rate");
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<bool>("undefinedSamples"); // every second one
-    QTest::newRow("first after last") << 1000.0 << 5000 << 4000 << false;
-    QTest::newRow("zero rate") << 0.0 << 0 << -1 << false;
-    QTest::newRow("undefined samples") << 1000.0 << 0 << -1 << true;
-}
-
-void tst_PeakFinder::badInputGivesNoBeats()
-{
-    QFETCH(double, rate);
-    QFETCH(int, first);
-    QFETCH(int, last);
-    QFETCH(bool, undefinedSamples);
-    QList<double> x = PulseTrain::make(PulseTrain::Options()).samples;
-    for (qsizetype i = 0; undefinedSamples && i < x.size(); i += 2)
-        x[i] = qQNaN();
-    PeakFinder finder(rate, 0.01, 0.05);
-    const Run run = findAll(finder, x, first, last);
-    QVERIFY(run.peaks.isEmpty() && run.valleys.isEmpty() && run.signedIndices.isEmpty());
-    QCOMPARE(finder.heartRate(), 0.0);
-}
+        QList<int> at{100};
+        for (int interval : intervals)
+            at.append(at.last() + interval);
+        PeakFinder finder(rate, 0.01, 0.05);
+        QCOMPARE(findAll(finder, triangles(at.last() + 100, at, 10)).peaks, at);
+        const double measured = finder.heartRate();
+        QVERIFY2(std::isnan(bpm) ? std::isnan(measured) : std::abs(measured - bpm) < 1e-9 * bpm,
+                 qPrintable(QString::number(measured, 'g', 17)));
+    }
+    void badInputGivesNoBeats_data()
+    {
+        QTest::addColumn<double>("rate");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("last");
+        QTest::addColumn<bool>("undefinedSamples"); // every second one
+        QTest::newRow("first after last") << 1000.0 << 5000 << 4000 << false;
+        QTest::newRow("zero rate") << 0.0 << 0 << -1 << false;
+        QTest::newRow("undefined samples") << 1000.0 << 0 << -1 << true;
+    }
+    void badInputGivesNoBeats()
+    {
+        QFETCH(double, rate);
+        QFETCH(int, first);
+        QFETCH(int, last);
+        QFETCH(bool, undefinedSamples);
+        QList<double> x = PulseTrain::make(PulseTrain::Options()).samples;
+        for (qsizetype i = 0; undefinedSamples && i < x.size(); i += 2)
+            x[i] = qQNaN();
+        PeakFinder finder(rate, 0.01, 0.05);
+        const Run run = findAll(finder, x, first, last);
+        QVERIFY(run.peaks.isEmpty() && run.valleys.isEmpty() && run.signedIndices.isEmpty());
+        QCOMPARE(finder.heartRate(), 0.0);
+    }
+};
 
 QTEST_APPLESS_MAIN(tst_PeakFinder)
 #include "tst_PeakFinder.moc"

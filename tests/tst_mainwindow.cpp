@@ -104,18 +104,16 @@ private slots:
         QTest::addColumn<int>("afterOne");
         QTest::addColumn<int>("afterTwo");
         QTest::newRow("from 0") << 0 << 1 << 0;
-        QTest::newRow("from 1") << 1 << 0 << 1;
         QTest::newRow("from 2") << 2 << 0 << 1;
     }
     void ctrlHomeTogglesSimulatedUnit()
     {
         QFETCH(int, start);
-        QFETCH(int, afterOne);
         QFETCH(int, afterTwo);
         settings()->setUseVirtualCorvida(start);
         makeWindow();
         QTest::keyClick(m_window.get(), Qt::Key_Home, Qt::ControlModifier);
-        QCOMPARE(settings()->getUseVirtualCorvida(), afterOne);
+        QTEST(settings()->getUseVirtualCorvida(), "afterOne");
         QTest::keyClick(m_window.get(), Qt::Key_Home, Qt::ControlModifier);
         QCOMPARE(settings()->getUseVirtualCorvida(), afterTwo);
         // The change reached the file, where the next start reads it.
@@ -208,6 +206,8 @@ private slots:
         QVERIFY(m_window->height() >= 600);
     }
 
+    // From a panel's file button to the Records page: see tst_endtoend. Here the record is one
+    // of many, out of view, and another selection is in place.
     void openRecordShowsItsRowInTheRecordsPage()
     {
         QStringList paths;
@@ -223,9 +223,7 @@ private slots:
 
         // Newest first: the oldest record is the last row, out of view until scrolled to.
         emit m_model->onOpenRecord(paths[0]);
-        QCOMPARE(m_window->currentPage(), page);
         QCOMPARE(page->selectedRecordPaths(), QStringList{paths[0]});
-        QCOMPARE(page->currentRecordPath(), paths[0]);
         QTableView *table = page->table();
         const QRect row = table->visualRect(table->currentIndex());
         QVERIFY(row.top() >= 0 && row.bottom() <= table->viewport()->height());

@@ -56,156 +56,142 @@ private slots:
     }
     void cleanup() { m_page.reset(), m_model.reset(), m_dir.reset(); }
 
-    void gridPlacesPanelsInRowsOfAtMostHalf_data();
-    void gridPlacesPanelsInRowsOfAtMostHalf();
-    void tabBarOnlyFromTwoDevices_data();
-    void tabBarOnlyFromTwoDevices();
-    void allDeviceButtonsLeaveDevicesInTheWrongStateAlone();
-    void aLostUnitKeepsItsPanelOnlyWithAnUnsavedRecord();
-    void suggestionsToggleIsStored();
+    void gridPlacesPanelsInRowsOfAtMostHalf_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QList<QPoint>>("cells"); // (column, row) of each panel
+        QTest::newRow("none") << 0 << QList<QPoint>();
+        QTest::newRow("one") << 1 << QList<QPoint>{{0, 0}};
+        QTest::newRow("two side by side") << 2 << QList<QPoint>{{0, 0}, {1, 0}};
+        QTest::newRow("three in two rows") << 3 << QList<QPoint>{{0, 0}, {1, 0}, {0, 1}};
+        QTest::newRow("five in two rows of three")
+            << 5 << QList<QPoint>{{0, 0}, {1, 0}, {2, 0}, {0, 1}, {1, 1}};
+    }
+    void gridPlacesPanelsInRowsOfAtMostHalf()
+    {
+        QFETCH(int, count);
+        QFETCH(QList<QPoint>, cells);
+        addDevices(count);
+        settings()->setViewMode(CorvidaSettings::CorvidaViewMode::View_Grid);
+        m_page = std::make_unique<PageExperimentMulti>();
+        m_page->show();
+        QCOMPARE(m_page->panels().size(), count);
+        for (int i = 0; i < count; ++i) {
+            const int index = m_page->gridLayout()->indexOf(m_page->panels()[i]);
+            QVERIFY(index >= 0);
+            int row, column, rowSpan, columnSpan;
+            m_page->gridLayout()->getItemPosition(index, &row, &column, &rowSpan, &columnSpan);
+            QCOMPARE(QPoint(column, row), cells[i]);
+            QVERIFY(shown(m_page->panels()[i]->titleLabel()));
+        }
+        QCOMPARE(shown(m_page->emptyLabel()), count == 0);
+        QCOMPARE(shown(m_page->gridButton()), count > 1);
+        QCOMPARE(shown(m_page->tabsButton()), count > 1);
+        QVERIFY(!shown(m_page->tabsContainer()));
+    }
+    void tabBarOnlyFromTwoDevices_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::newRow("one") << 1;
+        QTest::newRow("two") << 2;
+    }
+    void tabBarOnlyFromTwoDevices()
+    {
+        QFETCH(int, count);
+        addDevices(count);
+        settings()->setViewMode(CorvidaSettings::CorvidaViewMode::View_Tabs);
+        m_page = std::make_unique<PageExperimentMulti>();
+        m_page->show();
+        QCOMPARE(m_page->tabWidget()->count(), count);
+        QCOMPARE(shown(m_page->tabWidget()->tabBar()), count >= 2);
+        QCOMPARE(m_page->tabWidget()->tabText(0), m_devices[0]->deviceId());
+        // The tab names the unit; the panel repeats it only when there is no tab bar.
+        QCOMPARE(shown(m_page->panels()[0]->titleLabel()), count == 1);
+        QVERIFY(!shown(m_page->gridContainer()));
+        QVERIFY(m_page->tabsButton()->isChecked() || count == 1);
+
+        // The grid button switches the stored mode and the arrangement.
+        if (count > 1) {
+            m_page->gridButton()->click();
+            QCOMPARE(settings()->getViewMode(), CorvidaSettings::CorvidaViewMode::View_Grid);
+            QCOMPARE(m_page->tabWidget()->count(), 0);
+            QVERIFY(m_page->gridButton()->isChecked() && !m_page->tabsButton()->isChecked());
+            QVERIFY(m_page->gridLayout()->indexOf(m_page->panels().last()) >= 0);
+        }
+    }
+    void allDeviceButtonsLeaveDevicesInTheWrongStateAlone()
+    {
+        addDevices(3);
+        m_page = std::make_unique<PageExperimentMulti>();
+        const QList<CorvidaDeviceView *> panels = m_page->panels();
+        VirtualCorvidaDevice *idle = m_devices[0], *started = m_devices[1],
+                             *measuring = m_devices[2];
+        panels[1]->turnOn();
+        panels[2]->turnOn();
+        panels[2]->measure();
+        run(1500);
+        const qsizetype measured = panels[2]->recorder()->recordedSamples();
+        QVERIFY(measured > 0);
+
+        m_page->measureAllButton()->click();
+        QVERIFY(!idle->isAcquiring());
+        QVERIFY(started->isMeasuring());
+        // The running measurement was not restarted.
+        QCOMPARE(panels[2]->recorder()->recordedSamples(), measured);
+
+        m_page->startAllButton()->click();
+        QVERIFY(idle->isAcquiring() && !idle->isMeasuring());
+        QVERIFY(measuring->isMeasuring());
+        QCOMPARE(panels[2]->recorder()->recordedSamples(), measured);
+
+        m_page->abortAllButton()->click();
+        QVERIFY(!started->isMeasuring() && !measuring->isMeasuring());
+        QVERIFY(idle->isAcquiring()); // only measuring units were aborted
+
+        m_page->stopAllButton()->click();
+        for (VirtualCorvidaDevice *d : std::as_const(m_devices))
+            QVERIFY(!d->isAcquiring());
+    }
+    void aLostUnitKeepsItsPanelOnlyWithAnUnsavedRecord()
+    {
+        addDevices(2);
+        m_page = std::make_unique<PageExperimentMulti>();
+        m_page->panels()[1]->turnOn();
+        m_page->panels()[1]->measure();
+        run(2000);
+        CorvidaDeviceView *withRecord = m_page->panels()[1];
+
+        m_devices[0]->disconnectDevice();
+        m_devices[1]->disconnectDevice();
+        QCOMPARE(m_page->panels(), QList<CorvidaDeviceView *>{withRecord});
+        QVERIFY(shown(withRecord->notFoundIndicator()));
+        QVERIFY(withRecord->hasUnsavedRecord());
+
+        // Back on the line, the first unit gets a panel again, in the order of the device set.
+        m_devices[0]->connectDevice();
+        QCOMPARE(m_page->panels().size(), 2);
+        QCOMPARE(m_page->panels()[0]->device(), m_devices[0]);
+        QCOMPARE(m_page->panels()[1], withRecord);
+    }
+    void suggestionsToggleIsStored()
+    {
+        settings()->setShowSuggestions(false);
+        m_page = std::make_unique<PageExperimentMulti>();
+        m_page->show();
+        QVERIFY(!m_page->suggestionsButton()->isChecked());
+        QVERIFY(!shown(m_page->suggestionsWidget()));
+        m_page->suggestionsButton()->click();
+        QVERIFY(settings()->getShowSuggestions());
+        QVERIFY(shown(m_page->suggestionsWidget()));
+        // Every picture the tips name is in the program.
+        const QString html = SuggestionsWidget::html();
+        QRegularExpression source(QStringLiteral("src=\"([^\"]+)\""));
+        int pictures = 0;
+        for (auto it = source.globalMatch(html); it.hasNext(); ++pictures)
+            QVERIFY2(QFile::exists(it.next().captured(1)), qPrintable(html));
+        QCOMPARE(pictures, 7);
+    }
 };
-
-void TestPageExperimentMulti::gridPlacesPanelsInRowsOfAtMostHalf_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QList<QPoint>>("cells"); // (column, row) of each panel
-    QTest::newRow("none") << 0 << QList<QPoint>();
-    QTest::newRow("one") << 1 << QList<QPoint>{{0, 0}};
-    QTest::newRow("two side by side") << 2 << QList<QPoint>{{0, 0}, {1, 0}};
-    QTest::newRow("three in two rows") << 3 << QList<QPoint>{{0, 0}, {1, 0}, {0, 1}};
-    QTest::newRow("five in two rows of three")
-        << 5 << QList<QPoint>{{0, 0}, {1, 0}, {2, 0}, {0, 1}, {1, 1}};
-}
-
-void TestPageExperimentMulti::gridPlacesPanelsInRowsOfAtMostHalf()
-{
-    QFETCH(int, count);
-    QFETCH(QList<QPoint>, cells);
-    addDevices(count);
-    settings()->setViewMode(CorvidaSettings::CorvidaViewMode::View_Grid);
-    m_page = std::make_unique<PageExperimentMulti>();
-    m_page->show();
-    QCOMPARE(m_page->panels().size(), count);
-    for (int i = 0; i < count; ++i) {
-        const int index = m_page->gridLayout()->indexOf(m_page->panels()[i]);
-        QVERIFY(index >= 0);
-        int row, column, rowSpan, columnSpan;
-        m_page->gridLayout()->getItemPosition(index, &row, &column, &rowSpan, &columnSpan);
-        QCOMPARE(QPoint(column, row), cells[i]);
-        QVERIFY(shown(m_page->panels()[i]->titleLabel()));
-    }
-    QCOMPARE(shown(m_page->emptyLabel()), count == 0);
-    QCOMPARE(shown(m_page->gridButton()), count > 1);
-    QCOMPARE(shown(m_page->tabsButton()), count > 1);
-    QVERIFY(!shown(m_page->tabsContainer()));
-}
-
-void TestPageExperimentMulti::tabBarOnlyFromTwoDevices_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::newRow("one") << 1;
-    QTest::newRow("two") << 2;
-    QTest::newRow("three") << 3;
-}
-
-void TestPageExperimentMulti::tabBarOnlyFromTwoDevices()
-{
-    QFETCH(int, count);
-    addDevices(count);
-    settings()->setViewMode(CorvidaSettings::CorvidaViewMode::View_Tabs);
-    m_page = std::make_unique<PageExperimentMulti>();
-    m_page->show();
-    QCOMPARE(m_page->tabWidget()->count(), count);
-    QCOMPARE(shown(m_page->tabWidget()->tabBar()), count >= 2);
-    QCOMPARE(m_page->tabWidget()->tabText(0), m_devices[0]->deviceId());
-    // The tab names the unit; the panel repeats it only when there is no tab bar.
-    QCOMPARE(shown(m_page->panels()[0]->titleLabel()), count == 1);
-    QVERIFY(!shown(m_page->gridContainer()));
-    QVERIFY(m_page->tabsButton()->isChecked() || count == 1);
-
-    // The grid button switches the stored mode and the arrangement.
-    if (count > 1) {
-        m_page->gridButton()->click();
-        QCOMPARE(settings()->getViewMode(), CorvidaSettings::CorvidaViewMode::View_Grid);
-        QCOMPARE(m_page->tabWidget()->count(), 0);
-        QVERIFY(m_page->gridButton()->isChecked() && !m_page->tabsButton()->isChecked());
-        QVERIFY(m_page->gridLayout()->indexOf(m_page->panels().last()) >= 0);
-    }
-}
-
-void TestPageExperimentMulti::allDeviceButtonsLeaveDevicesInTheWrongStateAlone()
-{
-    addDevices(3);
-    m_page = std::make_unique<PageExperimentMulti>();
-    const QList<CorvidaDeviceView *> panels = m_page->panels();
-    VirtualCorvidaDevice *idle = m_devices[0], *started = m_devices[1], *measuring = m_devices[2];
-    panels[1]->turnOn();
-    panels[2]->turnOn();
-    panels[2]->measure();
-    run(1500);
-    const qsizetype measured = panels[2]->recorder()->recordedSamples();
-    QVERIFY(measured > 0);
-
-    m_page->measureAllButton()->click();
-    QVERIFY(!idle->isAcquiring());
-    QVERIFY(started->isMeasuring());
-    // The running measurement was not restarted.
-    QCOMPARE(panels[2]->recorder()->recordedSamples(), measured);
-
-    m_page->startAllButton()->click();
-    QVERIFY(idle->isAcquiring() && !idle->isMeasuring());
-    QVERIFY(measuring->isMeasuring());
-    QCOMPARE(panels[2]->recorder()->recordedSamples(), measured);
-
-    m_page->abortAllButton()->click();
-    QVERIFY(!started->isMeasuring() && !measuring->isMeasuring());
-    QVERIFY(idle->isAcquiring()); // only measuring units were aborted
-
-    m_page->stopAllButton()->click();
-    for (VirtualCorvidaDevice *d : std::as_const(m_devices))
-        QVERIFY(!d->isAcquiring());
-}
-
-void TestPageExperimentMulti::aLostUnitKeepsItsPanelOnlyWithAnUnsavedRecord()
-{
-    addDevices(2);
-    m_page = std::make_unique<PageExperimentMulti>();
-    m_page->panels()[1]->turnOn();
-    m_page->panels()[1]->measure();
-    run(2000);
-    CorvidaDeviceView *withRecord = m_page->panels()[1];
-
-    m_devices[0]->disconnectDevice();
-    m_devices[1]->disconnectDevice();
-    QCOMPARE(m_page->panels(), QList<CorvidaDeviceView *>{withRecord});
-    QVERIFY(shown(withRecord->notFoundIndicator()));
-    QVERIFY(withRecord->hasUnsavedRecord());
-
-    // Back on the line, the first unit gets a panel again, in the order of the device set.
-    m_devices[0]->connectDevice();
-    QCOMPARE(m_page->panels().size(), 2);
-    QCOMPARE(m_page->panels()[0]->device(), m_devices[0]);
-    QCOMPARE(m_page->panels()[1], withRecord);
-}
-
-void TestPageExperimentMulti::suggestionsToggleIsStored()
-{
-    settings()->setShowSuggestions(false);
-    m_page = std::make_unique<PageExperimentMulti>();
-    m_page->show();
-    QVERIFY(!m_page->suggestionsButton()->isChecked());
-    QVERIFY(!shown(m_page->suggestionsWidget()));
-    m_page->suggestionsButton()->click();
-    QVERIFY(settings()->getShowSuggestions());
-    QVERIFY(shown(m_page->suggestionsWidget()));
-    // Every picture the tips name is in the program.
-    const QString html = SuggestionsWidget::html();
-    QRegularExpression source(QStringLiteral("src=\"([^\"]+)\""));
-    int pictures = 0;
-    for (auto it = source.globalMatch(html); it.hasNext(); ++pictures)
-        QVERIFY2(QFile::exists(it.next().captured(1)), qPrintable(html));
-    QCOMPARE(pictures, 7);
-}
 
 QTEST_MAIN(TestPageExperimentMulti)
 #include "tst_pageexperimentmulti.moc"

@@ -70,7 +70,6 @@ private slots:
         PropertyListControl list(m_settings.get());
         QSpinBox *spin = spinOf(list, QStringLiteral("UseVirtualCorvida"));
         QCOMPARE(spin->minimum(), 0);
-        QCOMPARE(spin->maximum(), 4);
         spin->selectAll();
         QTest::keyClicks(spin, QStringLiteral("9"));
         QCOMPARE(m_settings->getUseVirtualCorvida(), 0);

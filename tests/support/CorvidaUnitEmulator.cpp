@@ -73,18 +73,17 @@ bool CorvidaUnitEmulator::plug()
     if (master < 0)
         return false;
     char name[128];
-    if (grantpt(master) != 0 || unlockpt(master) != 0 || ptsname_r(master, name, sizeof name)) {
-        ::close(master);
-        return false;
-    }
-    ::fcntl(master, F_SETFL, ::fcntl(master, F_GETFL) | O_NONBLOCK);
     // Holding the slave open keeps the pair from hanging up between port sessions, and setting
     // it raw here means the line discipline never echoes or translates our bytes.
-    const int slave = ::open(name, O_RDWR | O_NOCTTY | O_NONBLOCK);
+    const int slave =
+        grantpt(master) == 0 && unlockpt(master) == 0 && ptsname_r(master, name, sizeof name) == 0
+            ? ::open(name, O_RDWR | O_NOCTTY | O_NONBLOCK)
+            : -1;
     if (slave < 0) {
         ::close(master);
         return false;
     }
+    ::fcntl(master, F_SETFL, ::fcntl(master, F_GETFL) | O_NONBLOCK);
     termios tio;
     if (::tcgetattr(slave, &tio) == 0) {
         ::cfmakeraw(&tio);
@@ -92,15 +91,14 @@ bool CorvidaUnitEmulator::plug()
     }
     m_master = master;
     m_slaveHold = slave;
-    m_slavePath = QString::fromLocal8Bit(name);
     QFile::remove(portPath());
-    QFile::link(m_slavePath, portPath());
+    QFile::link(QString::fromLocal8Bit(name), portPath());
 
     m_readNotifier = new QSocketNotifier(m_master, QSocketNotifier::Read, this);
     connect(m_readNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::onReadable);
     m_writeNotifier = new QSocketNotifier(m_master, QSocketNotifier::Write, this);
     m_writeNotifier->setEnabled(false);
-    connect(m_writeNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::onWritable);
+    connect(m_writeNotifier, &QSocketNotifier::activated, this, &CorvidaUnitEmulator::flush);
 
     // A unit that was just plugged in is idle.
     m_streaming = false;
@@ -145,46 +143,12 @@ void CorvidaUnitEmulator::setStreamTimerActive(bool active)
         m_streamTimer->stop();
 }
 
-void CorvidaUnitEmulator::setCalibration(float x0, float y0, float x1, float y1)
-{
-    m_calibration[0] = x0;
-    m_calibration[1] = y0;
-    m_calibration[2] = x1;
-    m_calibration[3] = y1;
-}
-
-void CorvidaUnitEmulator::setPulse(double hz, int amplitudeCounts)
-{
-    m_pulseHz = hz;
-    m_pulseCounts = amplitudeCounts;
-}
-
-void CorvidaUnitEmulator::setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS)
-{
-    m_inflateRate = inflateMmHgPerS;
-    m_deflateRate = deflateMmHgPerS;
-}
-
 qint16 CorvidaUnitEmulator::pressureCount(double mmHg) const
 {
     const double x0 = m_calibration[0], y0 = m_calibration[1];
     const double x1 = m_calibration[2], y1 = m_calibration[3];
     const double sensor = x0 + (mmHg - y0) * (x1 - x0) / (y1 - y0);
     return clampCount(sensor / 0.25); // MPX counts are quarter units
-}
-
-QList<int> CorvidaUnitEmulator::receivedTypes() const
-{
-    QList<int> types;
-    for (const Packet &p : m_packets)
-        types.append(p.type);
-    return types;
-}
-
-void CorvidaUnitEmulator::clearReceived()
-{
-    m_received.clear();
-    m_packets.clear();
 }
 
 QByteArray CorvidaUnitEmulator::le64(quint64 value)
@@ -228,11 +192,6 @@ void CorvidaUnitEmulator::flush()
         m_writeNotifier->setEnabled(!m_outBuffer.isEmpty());
 }
 
-void CorvidaUnitEmulator::onWritable()
-{
-    flush();
-}
-
 void CorvidaUnitEmulator::onReadable()
 {
     char buffer[4096];
@@ -267,7 +226,6 @@ void CorvidaUnitEmulator::parseReceived()
         }
         Packet p{quint8(m_inBuffer[2]), m_inBuffer.mid(4, length)};
         m_inBuffer.remove(0, length + 6);
-        m_packets.append(p);
         handleCommand(p);
     }
 }

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <array>
 
 class QSocketNotifier;
@@ -49,23 +50,34 @@ public:
     // Identity and calibration the unit reports.
     void setSerialNumber(const QByteArray &serialNumber) { m_serialNumber = serialNumber; }
     void setProductionDate(const QDateTime &date) { m_production = date; }
-    void setCalibration(float x0, float y0, float x1, float y1);
+    void setCalibration(float x0, float y0, float x1, float y1)
+    {
+        const float points[4] = {x0, y0, x1, y1};
+        std::copy(points, points + 4, m_calibration);
+    }
 
     // The simulated body and cuff.
     void setRestPressure(double mmHg) { m_restPressure = mmHg; }
     void setSystolic(double mmHg) { m_systolic = mmHg; }
-    void setPulse(double hz, int amplitudeCounts);
-    void setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS);
+    void setPulse(double hz, int amplitudeCounts)
+    {
+        m_pulseHz = hz;
+        m_pulseCounts = amplitudeCounts;
+    }
+    void setCuffRates(double inflateMmHgPerS, double deflateMmHgPerS)
+    {
+        m_inflateRate = inflateMmHgPerS;
+        m_deflateRate = deflateMmHgPerS;
+    }
 
     bool isStreaming() const { return m_streaming; }
     bool isMeasuring() const { return m_measuring; }
     int upperLimit() const { return m_upper; }
     int lowerLimit() const { return m_lower; }
 
-    // Everything the computer sent, as bytes and as packet types.
+    // Everything the computer sent.
     QByteArray receivedBytes() const { return m_received; }
-    QList<int> receivedTypes() const;
-    void clearReceived();
+    void clearReceived() { m_received.clear(); }
 
     // Keeps the counts of every sample sent (for comparing against what the device made).
     void setRecordSamples(bool record) { m_recordSamples = record; }
@@ -82,7 +94,6 @@ public slots:
 
 private:
     void onReadable();
-    void onWritable();
     void parseReceived();
     void handleCommand(const Packet &packet);
     void sendSamples(int count);
@@ -94,7 +105,6 @@ private:
 
     int m_master = -1;
     int m_slaveHold = -1; // keeps the pair alive and raw while no port has it open
-    QString m_slavePath;
     QTemporaryDir m_linkDir;
     QSocketNotifier *m_readNotifier = nullptr;
     QSocketNotifier *m_writeNotifier = nullptr;
@@ -105,7 +115,6 @@ private:
     QByteArray m_inBuffer;
     QByteArray m_outBuffer;
     QByteArray m_received;
-    QList<Packet> m_packets;
 
     QByteArray m_serialNumber = "CRV-0001";
     QDateTime m_production;

@@ -10,9 +10,6 @@ class EDFRawFile
 public:
     explicit EDFRawFile(const QString &path);
 
-    bool isValid() const { return m_bytes.size() >= 256; }
-    const QByteArray &bytes() const { return m_bytes; }
-
     QByteArray fixed(int offset, int length) const { return m_bytes.mid(offset, length); }
     int signalCount() const; // all signals, annotation signals included
     int recordCount() const;

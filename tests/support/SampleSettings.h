@@ -22,23 +22,11 @@ public:
     Q_CLASSINFO("CountDefault", "7")
     Q_CLASSINFO("CountMinimum", "-5")
     Q_CLASSINFO("CountMaximum", "50")
-    // What a generic editor reads (the property editor's tests).
-    Q_CLASSINFO("CountStep", "5")
-    Q_CLASSINFO("CountPrefix", "n=")
-    Q_CLASSINFO("CountSuffix", " pcs")
-    Q_CLASSINFO("CountCategory", "Numbers")
-    Q_CLASSINFO("CountDisplayName", "Count of things")
-    Q_CLASSINFO("CountMinWidth", "40")
-    Q_CLASSINFO("CountMaxWidth", "200")
     Q_PROPERTY(double Ratio MEMBER m_Ratio NOTIFY changedRatio)
     Q_CLASSINFO("RatioDefault", "0.25")
-    Q_CLASSINFO("RatioPrecision", "3")
     Q_PROPERTY(float Gain MEMBER m_Gain NOTIFY changedGain)
     Q_CLASSINFO("GainVisibleBound", "Kind:Beta")
     Q_PROPERTY(QString Name MEMBER m_Name NOTIFY changedName)
-    Q_CLASSINFO("NamePlaceholder", "nobody")
-    Q_PROPERTY(QString Owner MEMBER m_Owner NOTIFY changedOwner)
-    Q_CLASSINFO("OwnerEnum", "lab;clinic")
     Q_PROPERTY(QColor Tint MEMBER m_Tint NOTIFY changedTint)
     Q_CLASSINFO("TintDefault", "#102030")
     Q_PROPERTY(Mode Kind MEMBER m_Kind NOTIFY changedKind)
@@ -62,7 +50,6 @@ signals:
     void changedRatio(double);
     void changedGain(float);
     void changedName(QString);
-    void changedOwner(QString);
     void changedTint(QColor);
     void changedKind(SampleSettings::Mode);
     void changedBlob(QByteArray);
@@ -79,7 +66,6 @@ private:
     double m_Ratio = 0;
     float m_Gain = 0;
     QString m_Name;
-    QString m_Owner;
     QColor m_Tint;
     Mode m_Kind = Mode::Alpha;
     QByteArray m_Blob;
