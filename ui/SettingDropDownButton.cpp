@@ -18,24 +18,36 @@ SettingDropDownButton::SettingDropDownButton(const QString &iconPath, const QStr
     , m_text(text)
     , m_iconPath(iconPath)
     , m_propertyName(propertyName)
-    , m_popup(new QFrame(this, Qt::Popup))
-    , m_editor(new PropertyListControl(settings, QString(), m_popup))
+    , m_settings(settings)
 {
     setObjectName(QStringLiteral("settingDropDown"));
     setCursor(Qt::PointingHandCursor);
     setIconSize(QSize(18, 18));
     updateIcon();
+    connect(this, &QPushButton::clicked, this, &SettingDropDownButton::showPopup);
+}
 
+QFrame *SettingDropDownButton::popup()
+{
+    if (m_popup)
+        return m_popup;
+    m_popup = new QFrame(this, Qt::Popup);
     m_popup->setObjectName(QStringLiteral("settingDropDownPopup"));
     m_popup->setFrameShape(QFrame::StyledPanel);
     auto *box = new QVBoxLayout(m_popup);
     box->setContentsMargins(10, 10, 10, 10);
+    m_editor = new PropertyListControl(m_settings, QString(), m_popup);
     box->addWidget(m_editor);
     m_editor->setShowDefaultButtons(false);
     m_editor->setShowHeaders(false);
-    m_editor->setPropertyFilter({propertyName});
+    m_editor->setPropertyFilter({m_propertyName});
+    return m_popup;
+}
 
-    connect(this, &QPushButton::clicked, this, &SettingDropDownButton::showPopup);
+PropertyListControl *SettingDropDownButton::editor()
+{
+    popup();
+    return m_editor;
 }
 
 void SettingDropDownButton::setIconColor(const QColor &color)
@@ -67,6 +79,7 @@ int SettingDropDownButton::widthWithText() const
 
 void SettingDropDownButton::showPopup()
 {
+    popup();
     m_popup->adjustSize();
     const QSize size = m_popup->sizeHint().expandedTo(QSize(width(), 0));
     m_popup->resize(size);

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "settings/VTSettings.h"
+
 #include <QColor>
+#include <QPointer>
 #include <QPushButton>
 
 class PropertyListControl;
 class QFrame;
-class VTSettings;
 
 // A button with an icon and a text that opens a small pop-up holding the editor of one setting,
 // without the default button and the headers of the settings page. Pages use it for settings
@@ -19,9 +21,11 @@ public:
                           const QString &propertyName, QWidget *parent = nullptr);
 
     QString propertyName() const { return m_propertyName; }
-    // The pop-up and the editor in it exist from the start; the pop-up is hidden until clicked.
-    QFrame *popup() const { return m_popup; }
-    PropertyListControl *editor() const { return m_editor; }
+    // The pop-up and the editor in it are made when first needed (a window holds several of
+    // these buttons, and building their editors up front slowed the start); the pop-up is
+    // hidden until clicked.
+    QFrame *popup();
+    PropertyListControl *editor();
 
     // The icon's colour. Without one the icon takes the button's text colour and follows
     // palette and theme changes.
@@ -48,6 +52,7 @@ private:
     QColor m_iconColor;
     QColor m_drawnColor;
     bool m_compact = false;
-    QFrame *m_popup;
-    PropertyListControl *m_editor;
+    QPointer<VTSettings> m_settings;
+    QFrame *m_popup = nullptr;
+    PropertyListControl *m_editor = nullptr;
 };
