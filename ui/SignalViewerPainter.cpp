@@ -224,15 +224,28 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
     if (!frame.unit.isEmpty()) {
         const QString unit = frame.title.isEmpty() ? frame.unit : QStringLiteral(", ") + frame.unit;
         painter.drawText(QPointF(x, baseline), unit);
+        x += fm.horizontalAdvance(unit);
     }
 
-    // Legend, right-aligned, for the series that have a name.
+    // Legend, right-aligned, for the series that have a name. Entries that would run into the
+    // title are left out, and a count says how many.
     double right = frame.plot.right();
+    const double titleEnd = x + 12;
     painter.setRenderHint(QPainter::Antialiasing, true);
+    int left = 0;
+    for (const SignalViewerSeries &s : series)
+        left += s.name().isEmpty() ? 0 : 1;
     for (auto it = series.crbegin(); it != series.crend(); ++it) {
         if (it->name().isEmpty())
             continue;
         const double w = fm.horizontalAdvance(it->name());
+        const QString more = QStringLiteral("+%1").arg(left);
+        if (right - w - 22 - fm.horizontalAdvance(more) - 8 < titleEnd && left > 1) {
+            painter.setPen(text);
+            painter.drawText(QPointF(right - fm.horizontalAdvance(more), baseline), more);
+            break;
+        }
+        --left;
         painter.setPen(text);
         painter.drawText(QPointF(right - w, baseline), it->name());
         const double y = baseline - fm.ascent() / 2 + 1;
