@@ -126,9 +126,19 @@ void LiveRecorder::dropOldest()
     if (cap <= 0 || m_pressure.size() <= cap + slack)
         return;
     const qsizetype drop = m_pressure.size() - cap;
-    m_pressure.remove(0, drop);
-    m_pulse.remove(0, std::min(drop, m_pulse.size()));
-    m_infrared.remove(0, std::min(drop, m_infrared.size()));
+    // Copied into lists sized for the next ten seconds: they fill without growing, and the old
+    // ones are freed, so memory stays where it is from here on.
+    const qsizetype room = cap + slack + slack / 10;
+    for (QList<double> *series : {&m_pressure, &m_pulse, &m_infrared}) {
+        if (series->isEmpty())
+            continue;
+        const qsizetype from = std::min(drop, series->size());
+        QList<double> kept;
+        kept.reserve(room);
+        kept.resize(series->size() - from);
+        std::copy(series->cbegin() + from, series->cend(), kept.begin());
+        *series = std::move(kept);
+    }
     if (rate > 0) {
         m_droppedMs += double(drop) * 1000.0 / rate;
         const qint64 whole = qint64(m_droppedMs);

@@ -3,7 +3,10 @@
 #include "toolkit/widgets/AppHelper.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QFrame>
+#include <QUrl>
 #include <QVBoxLayout>
 
 PageAboutApp::PageAboutApp(QWidget *parent)
@@ -32,6 +35,21 @@ QString PageAboutApp::iconPath() const
     return QStringLiteral(":/icons/information.svg");
 }
 
+QString PageAboutApp::manualUrl()
+{
+    // The package puts the manual beside the other documentation; a build from the source tree
+    // finds the tree's own.
+    const QDir program(QCoreApplication::applicationDirPath());
+    for (const QString &relative :
+         {QStringLiteral("../share/doc/corvida/manual.md"), QStringLiteral("../docs/manual.md"),
+          QStringLiteral("../../docs/manual.md")}) {
+        const QString path = program.absoluteFilePath(relative);
+        if (QFile::exists(path))
+            return QUrl::fromLocalFile(QDir::cleanPath(path)).toString();
+    }
+    return QString();
+}
+
 AboutAppWidget::Info PageAboutApp::productInfo()
 {
     AboutAppWidget::Info info;
@@ -40,7 +58,8 @@ AboutAppWidget::Info PageAboutApp::productInfo()
     info.buildDate = AppHelper::buildDate();
     info.iconPath = QStringLiteral(":/resources/images/pressure.svg");
     info.maker = QStringLiteral("Quorvex");
-    // The product has no public manual, API, change-log or contact pages yet and no developer
-    // list is kept; the panel leaves out what it has no data for.
+    info.manualUrl = manualUrl();
+    // The product has no public API, change-log or contact pages yet and no developer list is
+    // kept; the panel leaves out what it has no data for.
     return info;
 }

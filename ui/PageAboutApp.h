@@ -15,4 +15,6 @@ public:
 
     // What the about panel shows for this program.
     static AboutAppWidget::Info productInfo();
+    // A file URL of the manual that comes with the program; empty when there is none.
+    static QString manualUrl();
 };
