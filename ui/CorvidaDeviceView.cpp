@@ -262,7 +262,6 @@ bool CorvidaDeviceView::hasUnsavedRecord() const
 
 void CorvidaDeviceView::setTitleVisible(bool visible)
 {
-    m_titleVisible = visible;
     m_titleLabel->setVisible(visible);
 }
 

@@ -132,7 +132,6 @@ private:
     QLineEdit *m_comment = nullptr;
     QList<QWidget *> m_editables;
     ExperimentViewer *m_viewer = nullptr;
-    bool m_titleVisible = true;
     bool m_unsavedMeasurement = false;
     QString m_recordedFileName;
 };
