@@ -165,7 +165,7 @@ private slots:
         m_devices[1]->disconnectDevice();
         QCOMPARE(m_page->panels(), QList<CorvidaDeviceView *>{withRecord});
         QVERIFY(shown(withRecord->notFoundIndicator()));
-        QVERIFY(withRecord->hasUnsavedRecord());
+        QVERIFY(withRecord->hasUnsavedMeasurement());
 
         // Back on the line, the first unit gets a panel again, in the order of the device set.
         m_devices[0]->connectDevice();

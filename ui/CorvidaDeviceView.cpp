@@ -255,9 +255,9 @@ bool CorvidaDeviceView::isDeviceMeasuring() const
     return m_device && m_device->isMeasuring();
 }
 
-bool CorvidaDeviceView::hasUnsavedRecord() const
+bool CorvidaDeviceView::hasUnsavedMeasurement() const
 {
-    return m_recorder->isSaveable() && m_recorder->savedPath().isEmpty();
+    return m_unsavedMeasurement && m_recorder->isSaveable() && m_recorder->savedPath().isEmpty();
 }
 
 void CorvidaDeviceView::setTitleVisible(bool visible)
@@ -364,7 +364,7 @@ bool CorvidaDeviceView::mayDiscardRecord()
 {
     // A new recording replaces the record on screen. A measured record that was never saved
     // is only replaced when the operator says so.
-    if (!m_unsavedMeasurement || !hasUnsavedRecord())
+    if (!hasUnsavedMeasurement())
         return true;
     if (!confirmDiscard(tr("The last measurement of %1 has not been saved. Discard it and start "
                            "a new recording?")

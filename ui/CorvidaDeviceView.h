@@ -44,8 +44,8 @@ public:
     bool isDeviceConnected() const;
     bool isDeviceStarted() const;
     bool isDeviceMeasuring() const;
-    // A record long enough to save was made and has not been saved.
-    bool hasUnsavedRecord() const;
+    // A measurement (a cuff cycle) was recorded and has not been saved.
+    bool hasUnsavedMeasurement() const;
     // The ".edf" file of the last saved record; empty before a save.
     QString savedRecordPath() const;
 

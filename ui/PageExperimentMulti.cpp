@@ -323,7 +323,7 @@ void PageExperimentMulti::onDeviceDisconnected(const QString &id)
             continue;
         // A record that was measured but not saved outlives its unit's link: the panel stays
         // (showing the unit as not found) until the operator has saved or discarded it.
-        if (keepAll || panel->hasUnsavedRecord()) {
+        if (keepAll || panel->hasUnsavedMeasurement()) {
             panel->manageButtons();
             continue;
         }
