@@ -3,6 +3,7 @@
 #include "analysis/PeakFinder.h"
 #include "storage/EDFReader.h"
 #include "storage/EDFWriter.h"
+#include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
@@ -24,10 +25,6 @@ constexpr double kIrVoltsPerCount = 0.000040283203125;
 // Markers earlier than this are not believed: the cuff has not even finished inflating.
 constexpr double kEarliestMarker = 4.0;
 
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
 } // namespace
 
 CorvidaExperiment::CorvidaExperiment(QObject *parent)
@@ -390,9 +387,9 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
     writer.takeStartTime(startMs);
     if (!writer.isOpen()) {
         if (error)
-            *error = generic(QT_TRANSLATE_NOOP("Generic", "Cannot open")) + QStringLiteral(" \"") +
-                     edfPath + QStringLiteral("\" ") +
-                     generic(QT_TRANSLATE_NOOP("Generic", "for record"));
+            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Cannot open")) +
+                     QStringLiteral(" \"") + edfPath + QStringLiteral("\" ") +
+                     genericText(QT_TRANSLATE_NOOP("Generic", "for record"));
         return false;
     }
 
@@ -423,8 +420,8 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
         marked &= writer.addAnnotation(QStringLiteral("DBP"), int(m_DBPTime * 1000.0), -1) >= 0;
     if (!writer.close(true) || !marked) {
         if (error)
-            *error = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) + QStringLiteral(" \"") +
-                     edfPath + QLatin1Char('"');
+            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
+                     QStringLiteral(" \"") + edfPath + QLatin1Char('"');
         return false;
     }
     return true;
@@ -435,12 +432,12 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
     const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
     if (m_samplingRate < 1.0) {
         if (error)
-            *error = generic(QT_TRANSLATE_NOOP("Generic", "Invalid sampling rate"));
+            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Invalid sampling rate"));
         return false;
     }
     if (m_samplingRate > double(n)) {
         if (error)
-            *error = generic(QT_TRANSLATE_NOOP("Generic", "Experiment is too short"));
+            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Experiment is too short"));
         return false;
     }
 
@@ -476,8 +473,8 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
         setFilepath(previousPath);
         setAutoSave(previousAutoSave);
         if (error)
-            *error = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) + QStringLiteral(" \"") +
-                     expPath + QLatin1Char('"');
+            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
+                     QStringLiteral(" \"") + expPath + QLatin1Char('"');
         return false;
     }
     return true;
@@ -486,26 +483,27 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
 QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
 {
     QList<QList<QVariant>> rows = {
-        {generic(QT_TRANSLATE_NOOP("Generic", "SBP")), m_SBP,
-         generic(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
-        {generic(QT_TRANSLATE_NOOP("Generic", "DBP")), m_DBP,
-         generic(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
-        {generic(QT_TRANSLATE_NOOP("Generic", "Pulse")), m_BPM,
-         generic(QT_TRANSLATE_NOOP("Generic", "bpm"))},
-        {generic(QT_TRANSLATE_NOOP("Generic", "Rodent")), m_Rodent},
-        {generic(QT_TRANSLATE_NOOP("Generic", "Comment")), m_Comment},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "SBP")), m_SBP,
+         genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "DBP")), m_DBP,
+         genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "Pulse")), m_BPM,
+         genericText(QT_TRANSLATE_NOOP("Generic", "bpm"))},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "Rodent")), m_Rodent},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "Comment")), m_Comment},
     };
     if (essentialOnly)
         return rows;
     const QList<double> pressure = getPressure();
     const QList<double> pulse = getPulse();
     rows << QList<QVariant>();
-    rows << QList<QVariant>{generic(QT_TRANSLATE_NOOP("Generic", "Sampling rate")), m_samplingRate};
-    rows << QList<QVariant>{generic(QT_TRANSLATE_NOOP("Generic", "Pressure")) +
-                                QStringLiteral(", ") +
-                                generic(QT_TRANSLATE_NOOP("Generic", "mmHg")),
-                            generic(QT_TRANSLATE_NOOP("Generic", "PPG")) + QStringLiteral(", ") +
-                                generic(QT_TRANSLATE_NOOP("Generic", "V"))};
+    rows << QList<QVariant>{genericText(QT_TRANSLATE_NOOP("Generic", "Sampling rate")),
+                            m_samplingRate};
+    rows << QList<QVariant>{
+        genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")) + QStringLiteral(", ") +
+            genericText(QT_TRANSLATE_NOOP("Generic", "mmHg")),
+        genericText(QT_TRANSLATE_NOOP("Generic", "PPG")) + QStringLiteral(", ") +
+            genericText(QT_TRANSLATE_NOOP("Generic", "V"))};
     const qsizetype n = std::min(pressure.size(), pulse.size());
     rows.reserve(rows.size() + n);
     for (qsizetype i = 0; i < n; ++i)

@@ -3,6 +3,7 @@
 #include "analysis/CorvidaExperiment.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/EDFFixedHeader.h"
+#include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
@@ -18,11 +19,6 @@
 namespace {
 const QLatin1String kEdf(".edf");
 const QLatin1String kExp(".exp");
-
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
 
 // The path without its ".edf" or ".exp" suffix (in any case), so either file names the record.
 QString basePath(const QString &path)
@@ -295,10 +291,10 @@ RecordDatabase::inListOrder(const QList<CorvidaExperiment *> &records) const
 
 QStringList RecordDatabase::columnHeaders()
 {
-    return {generic(QT_TRANSLATE_NOOP("Generic", "Title")),
-            generic(QT_TRANSLATE_NOOP("Generic", "Rodent")),
-            generic(QT_TRANSLATE_NOOP("Generic", "Comment")),
-            generic(QT_TRANSLATE_NOOP("Generic", "Pressure"))};
+    return {genericText(QT_TRANSLATE_NOOP("Generic", "Title")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "Rodent")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "Comment")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "Pressure"))};
 }
 
 QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
@@ -553,7 +549,7 @@ bool RecordDatabase::recalculate(const QList<CorvidaExperiment *> &records, QStr
         // Only the properties: the recording keeps its name and bytes, and the results stored in
         // the ".exp" file take precedence over the marks inside it.
         if (!record->getFilepath().isEmpty() && !record->VTSettings::save()) {
-            const QString text = generic(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
+            const QString text = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
                                  QStringLiteral(" \"") + record->getFilepath() + QLatin1Char('"');
             qDebug().noquote() << "RECORDS:" << text;
             if (errors)

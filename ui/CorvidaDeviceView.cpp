@@ -6,6 +6,7 @@
 #include "device/ComCorvidaDevice.h"
 #include "device/CorvidaModel.h"
 #include "device/VirtualCorvidaDevice.h"
+#include "toolkit/GenericText.h"
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/HeartRateWidget.h"
@@ -37,11 +38,6 @@ const QString kTurnOffIcon = QStringLiteral(":/icons/stop.svg");
 const QString kMeasureIcon = QStringLiteral(":/resources/images/play_circle.svg");
 const QString kAbortIcon = QStringLiteral(":/resources/images/stop_circle.svg");
 const QString kSaveIcon = QStringLiteral(":/resources/images/save.svg");
-
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
 
 QPushButton *indicator(const QString &background, QWidget *parent)
 {
@@ -152,7 +148,7 @@ void CorvidaDeviceView::buildHeader()
                        tr("Start pressure pumping and start recording"));
     m_abort = button(QStringLiteral("abortButton"), tr("Abort"),
                      tr("Abort pressure pumping and stop recording"));
-    m_save = button(QStringLiteral("saveButton"), generic(QT_TRANSLATE_NOOP("Generic", "Save")),
+    m_save = button(QStringLiteral("saveButton"), genericText(QT_TRANSLATE_NOOP("Generic", "Save")),
                     tr("Save record"));
     m_save->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; } "
                                          "QPushButton:!disabled { background: #3C0; }"));
@@ -319,7 +315,7 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
     equalisePair(m_measure, m_abort);
-    m_save->setText(longTexts ? generic(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
+    m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
     m_rodent->setFixedWidth(editorWidth);
@@ -408,7 +404,7 @@ void CorvidaDeviceView::save()
         m_unsavedMeasurement = false;
         setEditablesEnabled(false);
         setRecordedFileName(QFileInfo(savedRecordPath()).fileName());
-        m_recordedFile->setToolTip(generic(QT_TRANSLATE_NOOP("Generic", "Open")) +
+        m_recordedFile->setToolTip(genericText(QT_TRANSLATE_NOOP("Generic", "Open")) +
                                    QLatin1Char(' ') + m_recordedFileName);
         m_recordedFile->setFlat(false);
         m_recordedFile->setEnabled(true);

@@ -4,6 +4,7 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "toolkit/GenericText.h"
 #include "ui/SignalViewer.h"
 
 #include <QContextMenuEvent>
@@ -38,12 +39,6 @@ QColor traceColor(Trace trace, bool dark)
         return dark ? QColor(0xe0, 0x8a, 0x50) : QColor(0x66, 0x11, 0x00);
     }
     return QColor();
-}
-
-// The shared words; the call sites mark them for the translation tools.
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
 }
 
 // Systolic orange and diastolic violet stand apart from the red PPG and the blue pressure.
@@ -91,11 +86,11 @@ ExperimentViewer::ExperimentViewer(CorvidaSettings *settings, QWidget *parent)
     m_splitter->addWidget(m_ppgViewer);
     m_splitter->setChildrenCollapsible(false);
 
-    m_pressureViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Pressure")));
-    m_pressureViewer->setUnit(generic(QT_TRANSLATE_NOOP("Generic", "mmHg")));
-    m_ppgViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
-    m_ppgViewer->setTimeTitle(generic(QT_TRANSLATE_NOOP("Generic", "Time")) + QStringLiteral(", ") +
-                              tr("s"));
+    m_pressureViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")));
+    m_pressureViewer->setUnit(genericText(QT_TRANSLATE_NOOP("Generic", "mmHg")));
+    m_ppgViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
+    m_ppgViewer->setTimeTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Time")) +
+                              QStringLiteral(", ") + tr("s"));
     m_ppgViewer->setScrollMode(true);
     for (SignalViewer *v : {m_pressureViewer, m_ppgViewer}) {
         v->setMarkersMovable(true);
@@ -204,11 +199,11 @@ void ExperimentViewer::updateGraphics()
             [p] { return p ? p->getPressure() : QList<double>(); }, rate, pressureColor, 2.0);
         ppg << SignalViewerSeries::fromSampleSource(
                    [p] { return p ? p->getPulse() : QList<double>(); }, rate, ppgColor, 1.5)
-                   .named(generic(QT_TRANSLATE_NOOP("Generic", "PPG")));
+                   .named(genericText(QT_TRANSLATE_NOOP("Generic", "PPG")));
     } else {
         pressure << SignalViewerSeries::fromSamples(e->getPressure(), rate, pressureColor, 2.0);
         ppg << SignalViewerSeries::fromSamples(e->getPulse(), rate, ppgColor, 1.5)
-                   .named(generic(QT_TRANSLATE_NOOP("Generic", "PPG")));
+                   .named(genericText(QT_TRANSLATE_NOOP("Generic", "PPG")));
     }
     // The amplitude of each beat drawn half above and half below the zero line: an envelope
     // that hugs the pulse wave, so its growth towards the diastolic bend can be seen in place.
@@ -312,8 +307,8 @@ void ExperimentViewer::updatePressureAxis()
 
 QString ExperimentViewer::markerText(const QString &tag, double time)
 {
-    QString text = generic(tag == kSBP ? QT_TRANSLATE_NOOP("Generic", "SBP")
-                                       : QT_TRANSLATE_NOOP("Generic", "DBP"));
+    QString text = genericText(tag == kSBP ? QT_TRANSLATE_NOOP("Generic", "SBP")
+                                           : QT_TRANSLATE_NOOP("Generic", "DBP"));
     const double pressure = m_experiment ? m_experiment->pressureAt(time) : 0.0;
     if (pressure > 0.0)
         text += QLatin1Char(' ') + QString::number(qRound(pressure));

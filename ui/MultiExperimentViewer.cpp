@@ -1,11 +1,11 @@
 #include "ui/MultiExperimentViewer.h"
 
 #include "analysis/CorvidaExperiment.h"
+#include "toolkit/GenericText.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/SignalViewer.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -13,17 +13,11 @@
 #include <cmath>
 
 namespace {
-// The shared words; the call sites mark them for the translation tools.
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
-
 QString recordName(CorvidaExperiment *e)
 {
     if (!e->getRodent().trimmed().isEmpty())
         return e->getRodent().trimmed();
-    return QFileInfo(e->listLabel()).completeBaseName();
+    return e->listLabel();
 }
 } // namespace
 
@@ -40,11 +34,11 @@ MultiExperimentViewer::MultiExperimentViewer(QWidget *parent)
     m_splitter->addWidget(m_ppgViewer);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setSizes({4000, 6000});
-    m_pressureViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Pressure")));
-    m_pressureViewer->setUnit(generic(QT_TRANSLATE_NOOP("Generic", "mmHg")));
-    m_ppgViewer->setTitle(generic(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
-    m_ppgViewer->setTimeTitle(generic(QT_TRANSLATE_NOOP("Generic", "Time")) + QStringLiteral(", ") +
-                              tr("s"));
+    m_pressureViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")));
+    m_pressureViewer->setUnit(genericText(QT_TRANSLATE_NOOP("Generic", "mmHg")));
+    m_ppgViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
+    m_ppgViewer->setTimeTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Time")) +
+                              QStringLiteral(", ") + tr("s"));
     m_ppgViewer->setScrollMode(true);
     for (SignalViewer *v : {m_pressureViewer, m_ppgViewer})
         v->setFollowPaused(true);
@@ -134,7 +128,7 @@ void MultiExperimentViewer::updateGraphics()
             if (m.time <= 0.0)
                 continue;
             const SignalViewerMarker marker(QLatin1String(m.label) + suffix,
-                                            generic(m.label) + suffix, m.time,
+                                            genericText(m.label) + suffix, m.time,
                                             SignalViewerMarker::Kind::Fixed, color);
             m_pressureViewer->setMarker(marker);
             m_ppgViewer->setMarker(marker);

@@ -3,6 +3,7 @@
 #include "device/BaseCorvidaDevice.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "toolkit/GenericText.h"
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/SettingDropDownButton.h"
@@ -28,11 +29,6 @@ const QString kStopAllIcon = QStringLiteral(":/resources/images/stop-all.svg");
 const QString kMeasureAllIcon = QStringLiteral(":/resources/images/measure-all.svg");
 const QString kAbortAllIcon = QStringLiteral(":/resources/images/stopmeasure-all.svg");
 const QString kSuggestionsIcon = QStringLiteral(":/resources/images/suggestions.svg");
-
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
 
 QPushButton *iconButton(QWidget *parent)
 {
@@ -184,7 +180,7 @@ QWidget *PageExperimentMulti::buildHeader()
     if (m_settings) {
         m_dropDowns << new SettingDropDownButton(
             QStringLiteral(":/resources/images/pressure-gauge.svg"),
-            generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")), m_settings,
+            genericText(QT_TRANSLATE_NOOP("Generic", "Pressure limits")), m_settings,
             QStringLiteral("PressureLimit"), header);
         m_dropDowns << new SettingDropDownButton(QStringLiteral(":/icons/arrow-left-right.svg"),
                                                  tr("Horizontal scale"), m_settings,
@@ -201,7 +197,7 @@ QWidget *PageExperimentMulti::buildHeader()
     row->addStretch(100);
 
     m_suggestionsButton =
-        new QPushButton(generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")), header);
+        new QPushButton(genericText(QT_TRANSLATE_NOOP("Generic", "Suggestions")), header);
     m_suggestionsButton->setObjectName(QStringLiteral("suggestionsButton"));
     m_suggestionsButton->setCheckable(true);
     m_suggestionsButton->setIconSize(QSize(24, 24));
@@ -263,10 +259,10 @@ void PageExperimentMulti::retranslate()
     m_measureAll->setToolTip(tr("Begin pressure pumping and recording for all started devices"));
     m_abortAll->setToolTip(tr("Abort pressure pumping and stop record for all available devices"));
     m_suggestionsButton->setText(
-        m_headerIconsOnly ? QString() : generic(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
+        m_headerIconsOnly ? QString() : genericText(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
     m_suggestionsButton->setToolTip(tr("Show experiment tips and recommendations"));
     if (m_dropDowns.size() == 3) {
-        const QStringList texts = {generic(QT_TRANSLATE_NOOP("Generic", "Pressure limits")),
+        const QStringList texts = {genericText(QT_TRANSLATE_NOOP("Generic", "Pressure limits")),
                                    tr("Horizontal scale"), tr("Vertical scale")};
         for (int i = 0; i < 3; ++i) {
             m_dropDowns[i]->setText(m_headerIconsOnly ? QString() : texts[i]);

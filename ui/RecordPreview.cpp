@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "settings/CorvidaSettings.h"
+#include "toolkit/GenericText.h"
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/MultiExperimentViewer.h"
@@ -15,11 +16,6 @@
 #include <QVBoxLayout>
 
 namespace {
-QString generic(const char *text)
-{
-    return QCoreApplication::translate("Generic", text);
-}
-
 QPushButton *actionButton(const QString &icon, const QString &text, QWidget *parent)
 {
     auto *button =
@@ -49,12 +45,12 @@ RecordPreview::RecordPreview(CorvidaSettings *settings, QWidget *parent)
 
     auto *horizontal =
         new SettingDropDownButton(QStringLiteral(":/icons/arrow-left-right.svg"),
-                                  generic(QT_TRANSLATE_NOOP("Generic", "Horizontal scale")),
+                                  genericText(QT_TRANSLATE_NOOP("Generic", "Horizontal scale")),
                                   settings, QStringLiteral("VisualScale"), this);
     auto *vertical =
         new SettingDropDownButton(QStringLiteral(":/icons/arrow-up-down.svg"),
-                                  generic(QT_TRANSLATE_NOOP("Generic", "Vertical scale")), settings,
-                                  QStringLiteral("PulseAxisLimit"), this);
+                                  genericText(QT_TRANSLATE_NOOP("Generic", "Vertical scale")),
+                                  settings, QStringLiteral("PulseAxisLimit"), this);
     horizontal->setObjectName(QStringLiteral("horizontalScale"));
     vertical->setObjectName(QStringLiteral("verticalScale"));
     m_scales = {horizontal, vertical};
