@@ -31,14 +31,9 @@ QString AnalyzeCommand::header()
 
 QString AnalyzeCommand::resultLine(const QString &file, CorvidaExperiment &e)
 {
-    return QStringList{file,
-                       number(e.getSBP()),
-                       number(e.getSBPTime()),
-                       number(e.getDBP()),
-                       number(e.getDBPTime()),
-                       number(e.getBPM()),
-                       QString::number(e.beats().size())}
-        .join(QLatin1Char(';'));
+    return CliContext::tableLine({file, number(e.getSBP()), number(e.getSBPTime()),
+                                  number(e.getDBP()), number(e.getDBPTime()), number(e.getBPM()),
+                                  QString::number(e.beats().size())});
 }
 
 QJsonObject AnalyzeCommand::resultObject(const QString &file, CorvidaExperiment &e)

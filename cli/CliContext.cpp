@@ -2,6 +2,7 @@
 
 #include "settings/CorvidaSettings.h"
 #include "storage/EDFReader.h"
+#include "storage/XLSXHelper.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QDir>
@@ -77,4 +78,13 @@ QString CliContext::expPathFor(const QString &edfPath)
 {
     const QFileInfo info(edfPath);
     return info.dir().filePath(info.completeBaseName() + QStringLiteral(".exp"));
+}
+
+QString CliContext::tableLine(const QStringList &cells)
+{
+    QStringList quoted;
+    quoted.reserve(cells.size());
+    for (const QString &cell : cells)
+        quoted << XLSXHelper::csvCell(cell, QStringLiteral(";"));
+    return quoted.join(QLatin1Char(';'));
 }

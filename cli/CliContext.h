@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QTextStream>
 #include <memory>
 
@@ -28,6 +29,10 @@ public:
     static bool checkRecord(const QString &edfPath, QString *why);
     // The ".exp" file that belongs to a record's ".edf" file.
     static QString expPathFor(const QString &edfPath);
+
+    // One line of a ";"-separated table, each cell quoted as the CSV export quotes it, so a
+    // comment holding ";" or "," never adds a column.
+    static QString tableLine(const QStringList &cells);
 
     // Whether stderr is a terminal (progress lines are shown only there).
     static bool stderrIsTerminal();

@@ -18,9 +18,9 @@ int ListCommand::run(const QStringList &arguments, CliContext &context)
     for (int row = 0; row < database.count(); ++row) {
         QStringList cells;
         for (int column = 0; column < RecordDatabase::ColumnCount; ++column)
-            cells << database.text(row, column).replace(QLatin1Char('\n'), QLatin1Char(' '));
+            cells << database.text(row, column);
         cells << database.edfPath(row) << database.damageText(row);
-        context.out() << cells.join(QLatin1Char(';')) << '\n';
+        context.out() << CliContext::tableLine(cells) << '\n';
     }
     context.out().flush();
     return 0;

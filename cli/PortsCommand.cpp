@@ -10,8 +10,10 @@ int PortsCommand::run(const QStringList &arguments, CliContext &context)
     context.out() << "port;description;manufacturer;unit\n";
     for (const SerialPortList::Entry &e : SerialPortList::system()()) {
         const bool unit = !SerialPortList::isBluetooth(e) && SerialPortList::describesUnit(e);
-        context.out() << e.portName << ';' << e.description << ';' << e.manufacturer << ';'
-                      << (unit ? "yes" : "no") << '\n';
+        context.out() << CliContext::tableLine(
+                             {e.portName, e.description, e.manufacturer,
+                              unit ? QStringLiteral("yes") : QStringLiteral("no")})
+                      << '\n';
     }
     context.out().flush();
     return 0;

@@ -10,6 +10,11 @@
 #include <QtTest>
 
 namespace {
+QString expOf(const QString &edf)
+{
+    return edf.chopped(4) + QStringLiteral(".exp");
+}
+
 struct Result {
     int status = -1;
     QString out;
@@ -130,6 +135,8 @@ private slots:
         QTemporaryDir dir;
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
         const QString edf = makeRecord(dir.filePath(QStringLiteral("Records")));
+        // A comment with both separators must stay one cell for a spreadsheet or a script.
+        CorvidaExperiment(expOf(edf)).setComment(QStringLiteral("calm; tail \"warm\", 30 °C"));
         QFile broken(dir.filePath(QStringLiteral("Records/broken.edf")));
         QVERIFY(broken.open(QIODevice::WriteOnly));
         broken.write("not a recording");
@@ -139,6 +146,7 @@ private slots:
         const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), 3);
         QCOMPARE(lines[0], QStringLiteral("Title;Rodent;Comment;Pressure;file;problem"));
+        QVERIFY(r.out.contains(QStringLiteral(";\"calm; tail \"\"warm\"\", 30 °C\";")));
         QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
         QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
     }
