@@ -3,10 +3,12 @@
 #include "analysis/CorvidaExperiment.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/RecordDatabase.h"
+#include "toolkit/GenericText.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -96,14 +98,53 @@ XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
     QList<QVariant> header;
     for (const QString &title : RecordDatabase::columnHeaders())
         header << title;
+    // Beside the list's texts, the values a statistician computes with: numbers, a real date,
+    // and an empty cell for what was not found (a 0 would pull a mean down).
+    const auto withUnit = [](const char *name, const char *unit) {
+        return genericText(name) + QStringLiteral(", ") + genericText(unit);
+    };
+    header << withUnit(QT_TRANSLATE_NOOP("Generic", "SBP"), QT_TRANSLATE_NOOP("Generic", "mmHg"))
+           << withUnit(QT_TRANSLATE_NOOP("Generic", "DBP"), QT_TRANSLATE_NOOP("Generic", "mmHg"))
+           << withUnit(QT_TRANSLATE_NOOP("Generic", "Pulse"), QT_TRANSLATE_NOOP("Generic", "bpm"))
+           << QCoreApplication::translate("RecordExport", "Start");
     table << header;
+    const auto found = [](double value) { return value > 0 ? QVariant(value) : QVariant(); };
     for (const CorvidaExperiment *record : records) {
         QList<QVariant> row;
         for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
             row << RecordDatabase::cellText(record, c);
+        row << found(record->getSBP()) << found(record->getDBP()) << found(record->getBPM());
+        const QDateTime start = recordStart(record);
+        row << (start.isValid() ? QVariant(start) : QVariant());
         table << row;
     }
     return table;
+}
+
+QDateTime RecordExport::recordStart(const CorvidaExperiment *record)
+{
+    if (!record)
+        return {};
+    // Records are named after their start; an imported one with another name says it in its
+    // header, which is read without the samples.
+    const QString name = RecordDatabase::recordName(record);
+    const QDateTime named =
+        QDateTime::fromString(name.left(19), QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
+    if (named.isValid())
+        return named;
+    const QString path = record->getFilepath();
+    QFile edf(path.left(path.size() - 4) + QStringLiteral(".edf"));
+    if (path.isEmpty() || !edf.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray header = edf.read(192);
+    if (header.size() < 192)
+        return {};
+    const QString text = QString::fromLatin1(header.mid(168, 16));
+    QDateTime start = QDateTime::fromString(text, QStringLiteral("dd.MM.yyHH.mm.ss"));
+    // Two-digit years of EDF: 85 to 99 are 19xx, the rest 20xx.
+    if (start.isValid() && start.date().year() < 1985)
+        start = start.addYears(100);
+    return start;
 }
 
 QStringList RecordExport::sheetNames(const QList<CorvidaExperiment *> &records)

@@ -2,6 +2,7 @@
 
 #include "storage/XLSXHelper.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -48,8 +49,12 @@ public:
     // Remembers the folder of the chosen path and the chosen filter.
     static void storeChoice(CorvidaSettings *settings, const QString &path, const QString &filter);
 
-    // The "Summary" sheet: a header row with the list's column titles, then one row per record.
+    // The "Summary" sheet: a header row with the list's column titles, then one row per record;
+    // after the list's columns SBP, DBP and the heart rate as numbers and the start as a date.
     static XLSXTable summaryTable(const QList<CorvidaExperiment *> &records);
+    // When the recording started, from the record's name or else its file's header; invalid
+    // when neither tells.
+    static QDateTime recordStart(const CorvidaExperiment *record);
     // Sheet names in order ("Summary" first when there are several records).
     static QStringList sheetNames(const QList<CorvidaExperiment *> &records);
     // One record's sheet. For full content the samples are read from a separate copy of the

@@ -9,6 +9,7 @@
 #include <QTemporaryFile>
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -37,6 +38,23 @@ void setError(QString *error, const QString &text)
         *error = text;
 }
 
+// The first column holds the row titles of a record's sheet ("Sampling rate", "Pressure, mmHg"):
+// wide enough to read them without widening it by hand. Titles stand in the first rows, so only
+// those are measured.
+void fitFirstColumn(lxw_worksheet *sheet, const XLSXTable &table)
+{
+    constexpr qsizetype kRowsMeasured = 64;
+    constexpr double kDefaultWidth = 8.43; // the spreadsheet's own default, in characters
+    qsizetype longest = 0;
+    for (qsizetype r = 0; r < table.size() && r < kRowsMeasured; ++r) {
+        if (!table[r].isEmpty() && !XLSXHelper::isNumber(table[r].first()))
+            longest = std::max(longest, table[r].first().toString().size());
+    }
+    const double width = std::min(60.0, double(longest) * 1.1 + 2);
+    if (width > kDefaultWidth)
+        worksheet_set_column(sheet, 0, 0, width, nullptr);
+}
+
 bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &source,
                    const QList<QStringList> &comments, const QString &path, bool constantMemory,
                    QString *error)
@@ -57,6 +75,8 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
         setError(error, QStringLiteral("cannot create %1").arg(path));
         return false;
     }
+    lxw_format *dateFormat = workbook_add_format(workbook);
+    format_set_num_format(dateFormat, "yyyy-mm-dd hh:mm:ss");
     bool ok = true;
     QStringList taken;
     for (int i = 0; i < names.size(); ++i) {
@@ -70,7 +90,9 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
             break;
         }
         lxw_worksheet *sheet = workbook_add_worksheet(workbook, name.toUtf8().constData());
-        if (!sheet || !XLSXHelper::fillSheet(sheet, table)) {
+        if (sheet)
+            fitFirstColumn(sheet, table);
+        if (!sheet || !XLSXHelper::fillSheet(sheet, table, 0, 0, dateFormat)) {
             setError(error,
                      QStringLiteral("the sheet \"%1\" does not fit into a workbook").arg(name));
             ok = false;
@@ -117,7 +139,7 @@ bool XLSXHelper::isNumber(const QVariant &value)
 }
 
 bool XLSXHelper::fillSheet(lxw_worksheet *sheet, const XLSXTable &table, int firstRow,
-                           int firstColumn)
+                           int firstColumn, lxw_format *dateFormat)
 {
     if (!sheet || firstRow < 0 || firstColumn < 0)
         return false;
@@ -137,11 +159,23 @@ bool XLSXHelper::fillSheet(lxw_worksheet *sheet, const XLSXTable &table, int fir
                 if (std::isfinite(d))
                     result = worksheet_write_number(sheet, lxw_row_t(row), lxw_col_t(column), d,
                                                     nullptr);
+            } else if (v.typeId() == QMetaType::QDateTime && dateFormat) {
+                const QDateTime t = v.toDateTime();
+                if (t.isValid()) {
+                    lxw_datetime when = {
+                        t.date().year(),   t.date().month(),
+                        t.date().day(),    t.time().hour(),
+                        t.time().minute(), t.time().second() + t.time().msec() / 1000.0};
+                    result = worksheet_write_datetime(sheet, lxw_row_t(row), lxw_col_t(column),
+                                                      &when, dateFormat);
+                }
             } else if (v.typeId() == QMetaType::Bool) {
                 result = worksheet_write_boolean(sheet, lxw_row_t(row), lxw_col_t(column),
                                                  v.toBool(), nullptr);
             } else {
-                const QString text = v.toString();
+                const QString text = v.typeId() == QMetaType::QDateTime
+                                         ? dateTimeText(v.toDateTime())
+                                         : v.toString();
                 if (!text.isEmpty())
                     result = worksheet_write_string(sheet, lxw_row_t(row), lxw_col_t(column),
                                                     text.toUtf8().constData(), nullptr);
@@ -186,8 +220,15 @@ XLSXHelper::SheetSource XLSXHelper::emptySheet()
     };
 }
 
+QString XLSXHelper::dateTimeText(const QDateTime &value)
+{
+    return value.isValid() ? value.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")) : QString();
+}
+
 QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
 {
+    if (value.typeId() == QMetaType::QDateTime)
+        return dateTimeText(value.toDateTime());
     if (isNumber(value)) {
         const double d = value.toDouble();
         if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
@@ -196,7 +237,10 @@ QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
         return value.toString();
     }
     QString text = value.toString();
-    if (text.contains(separator) || text.contains(QLatin1Char('"')) ||
+    // Both usual separators are quoted whatever this file uses: a spreadsheet that guesses
+    // "," (LibreOffice offers both) must not split a comment into columns.
+    if (text.contains(separator) || text.contains(QLatin1Char(';')) ||
+        text.contains(QLatin1Char(',')) || text.contains(QLatin1Char('"')) ||
         text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'))) {
         text.replace(QLatin1String("\""), QLatin1String("\"\""));
         text = QLatin1Char('"') + text + QLatin1Char('"');

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -9,6 +10,7 @@
 
 class QAbstractItemModel;
 typedef struct lxw_worksheet lxw_worksheet;
+typedef struct lxw_format lxw_format;
 
 // One table: rows of cells, each a number or a text.
 using XLSXTable = QList<QList<QVariant>>;
@@ -63,13 +65,16 @@ public:
     // A text that reads as a number (point or comma as decimal mark) becomes that number;
     // anything else is returned unchanged.
     static QVariant convertItemToNumber(const QVariant &item);
-    // Writes the table into a worksheet from the given cell on. False when a cell lies beyond
-    // the format's limits or the library refuses it.
+    // Writes the table into a worksheet from the given cell on. A date-time cell becomes a real
+    // date cell in `dateFormat` (as text when none is given). False when a cell lies beyond the
+    // format's limits or the library refuses it.
     static bool fillSheet(lxw_worksheet *sheet, const XLSXTable &table, int firstRow = 0,
-                          int firstColumn = 0);
+                          int firstColumn = 0, lxw_format *dateFormat = nullptr);
+    // How a date-time cell reads in CSV and where a spreadsheet cannot take a date.
+    static QString dateTimeText(const QDateTime &value);
 
     // A text for one cell in CSV: numbers in plain form with a point, texts quoted when they hold
-    // the separator, a quote or a line break.
+    // the separator, ";" or ",", a quote or a line break.
     static QString csvCell(const QVariant &value, const QString &separator);
     // A worksheet name the format accepts (at most 31 characters, none of []:*?/\), unique
     // among the names already taken (compared without regard to case).

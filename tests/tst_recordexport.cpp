@@ -41,9 +41,10 @@ private slots:
         QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[1]),
                  RecordExport::Result::Written);
         const QByteArray expected =
-            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;\r\n"
-            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;\r\n"
-            "2026-11-21_10-05-00;Крыса 2;;?;\r\n\r\n"
+            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;"
+            "\"SBP, mmHg\";\"DBP, mmHg\";\"Pulse, bpm\";Start;\r\n"
+            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;121.4;80.6;;2026-11-21 10:00:00;\r\n"
+            "2026-11-21_10-05-00;Крыса 2;;?;;;;2026-11-21 10:05:00;\r\n\r\n"
             "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
             "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\n\r\n"
             "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
@@ -64,6 +65,19 @@ private slots:
         const QJsonArray first = book[1].toObject()["rows"].toArray();
         QCOMPARE(first[0].toArray()[1].toDouble(), 121.4);
 
+        // The summary's values for statistics: numbers, a real date, and nothing where no value
+        // was found (a 0 would pull a mean down).
+        const QJsonArray summary = book[0].toObject()["rows"].toArray();
+        const QJsonArray found = summary[1].toArray(), missing = summary[2].toArray();
+        QCOMPARE(found[4].toDouble(), 121.4);
+        QCOMPARE(found[5].toDouble(), 80.6);
+        QVERIFY(found[6].isNull() && missing[4].isNull() && missing[5].isNull());
+        QCOMPARE(found[7].toObject()["datetime"].toString(), QStringLiteral("2026-11-21T10:00:00"));
+        QCOMPARE(missing[7].toObject()["datetime"].toString(),
+                 QStringLiteral("2026-11-21T10:05:00"));
+        // A record's sheet shows its row titles ("Comment") without widening the column by hand.
+        QVERIFY(book[1].toObject()["widthA"].toDouble() >= 9);
+
         // A rodent written "=1+1" must stay a text: as a formula a spreadsheet would compute it.
         const QByteArray xml = XlsxArchive::member(path, "xl/worksheets/sheet2.xml");
         QVERIFY(xml.contains("=1+1") && !xml.contains("<f>"));
@@ -76,7 +90,9 @@ private slots:
                  RecordExport::Result::Written);
         const QList<QByteArray> lines = RecordFiles::readAll(path).split('\n');
         QCOMPARE(lines.size(), 1 + 5 + 1 + 1 + 1 + 200 + 1 + 1);
-        QCOMPARE(lines[7] + lines[8], QByteArray("Sampling rate;100;\rPressure, mmHg;PPG, V;\r"));
+        // Titles holding a "," are quoted, so a spreadsheet splitting at "," keeps them whole.
+        QCOMPARE(lines[7] + lines[8],
+                 QByteArray("Sampling rate;100;\r\"Pressure, mmHg\";\"PPG, V\";\r"));
         // The recording keeps 16 bits per sample: 0.25 mmHg and 1.8 V / 32767 apart.
         for (int i : {0, 57, 199}) {
             const QList<QByteArray> cells = lines[9 + i].split(';');

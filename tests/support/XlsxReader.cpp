@@ -17,8 +17,10 @@ for ws in wb.worksheets:
         for c in row:
             if c.comment is not None:
                 comments[c.coordinate] = c.comment.text
-    out.append({"name": ws.title, "rows": rows, "comments": comments})
-json.dump(out, sys.stdout)
+    width = ws.column_dimensions["A"].width if "A" in ws.column_dimensions else None
+    out.append({"name": ws.title, "rows": rows, "comments": comments, "widthA": width})
+# A date cell comes back as {"datetime": "2026-11-21T10:00:00"}, apart from texts.
+json.dump(out, sys.stdout, default=lambda o: {"datetime": o.isoformat()})
 )";
 } // namespace
 
