@@ -2,6 +2,7 @@
 
 #include "storage/Montage.h"
 #include "toolkit/QuorvexCommon.h"
+#include "toolkit/Transliteration.h"
 
 #include <QDebug>
 #include <QFile>
@@ -388,25 +389,33 @@ void EDFWriter::initCurrentFile()
     }
 }
 
+// Other programs read the identification fields as ASCII, and the format allows nothing else:
+// a Cyrillic name written in any 8-bit code reaches them as gibberish. The full text stays in the
+// record's properties file; the header gets a spelling a person can match with it.
+QByteArray EDFWriter::headerText(const QString &text)
+{
+    return Transliteration::toAscii(text).toLatin1();
+}
+
 void EDFWriter::writePatientInfo()
 {
     const PatientInfo &p = m_patient;
-    edf_set_patientcode(m_handle, p.patientCode.toLocal8Bit().constData());
+    edf_set_patientcode(m_handle, headerText(p.patientCode).constData());
     if (p.gender == 0 || p.gender == 1)
         edf_set_gender(m_handle, p.gender);
     if (p.birthYear > 0)
         edf_set_birthdate(m_handle, p.birthYear, p.birthMonth, p.birthDay);
-    edf_set_patientname(m_handle, p.patientName.toLocal8Bit().constData());
-    edf_set_patient_additional(m_handle, p.patientAdditional.toLocal8Bit().constData());
+    edf_set_patientname(m_handle, headerText(p.patientName).constData());
+    edf_set_patient_additional(m_handle, headerText(p.patientAdditional).constData());
     // Without a valid start the library keeps the time the file was opened.
     if (p.startYear > 0 &&
         edf_set_startdatetime(m_handle, p.startYear, p.startMonth, p.startDay, p.startHour,
                               p.startMinute, p.startSecond) == 0 &&
         p.startMillisecond > 0 && p.startMillisecond < 1000)
         edf_set_subsecond_starttime(m_handle, p.startMillisecond * 10000);
-    edf_set_admincode(m_handle, p.adminCode.toLocal8Bit().constData());
-    edf_set_equipment(m_handle, p.equipment.toLocal8Bit().constData());
-    edf_set_recording_additional(m_handle, p.recordingAdditional.toLocal8Bit().constData());
+    edf_set_admincode(m_handle, headerText(p.adminCode).constData());
+    edf_set_equipment(m_handle, headerText(p.equipment).constData());
+    edf_set_recording_additional(m_handle, headerText(p.recordingAdditional).constData());
 }
 
 void EDFWriter::writeRecord()

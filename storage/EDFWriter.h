@@ -87,6 +87,8 @@ public:
 
     static QByteArray prefilterHeader(const PrefilterMap &prefilter);
     static QByteArray labelHeader(const QString &label);
+    // An identification text as the header stores it: ASCII, transliterated.
+    static QByteArray headerText(const QString &text);
 
 signals:
     void recordStarted(QString path);

@@ -65,6 +65,24 @@ private slots:
         QCOMPARE(raw.number(EDFRawFile::Samples, 0), 250.0); // one second per record
     }
 
+    void cyrillicNameReachesOtherReadersReadable()
+    {
+        PatientInfo patient;
+        patient.patientName = QStringLiteral("Крыса №12 Щука");
+        patient.equipment = QStringLiteral("Ёж");
+        EDFWriter writer(file("name.edf"), QList<ChannelDim>{ChannelDim(QStringLiteral("P"))}, 100);
+        writer.setPatientInfo(patient);
+        writer.writeData(QList<float>(100, 0.0f));
+        QVERIFY(writer.close(true));
+        // Only ASCII in the identification fields; the library joins words with "_".
+        const EDFRawFile raw(file("name.edf"));
+        const QByteArray identification = raw.fixed(8, 160);
+        QVERIFY2(identification.contains("Krysa_No12_Shchuka"), identification.constData());
+        QVERIFY2(identification.contains("Yozh"), identification.constData());
+        for (const char c : identification)
+            QVERIFY(uchar(c) >= 32 && uchar(c) < 127);
+    }
+
     void samplesAreStoredNegatedAndClamped_data()
     {
         QTest::addColumn<float>("sample");

@@ -1,6 +1,7 @@
 #include "toolkit/ConnectionHelper.h"
 #include "toolkit/LogCapture.h"
 #include "toolkit/QuorvexCommon.h"
+#include "toolkit/Transliteration.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -38,6 +39,27 @@ private slots:
         QFETCH(double, seconds);
         QTEST(QuorvexCommon::timeToText(seconds), "text");
     }
+    void transliteration_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("ascii");
+        QTest::newRow("ascii unchanged") << "rat 7; cage (4)"
+                                         << "rat 7; cage (4)";
+        QTest::newRow("russian, capitals kept") << "Крыса Жужа ЦЫП"
+                                                << "Krysa Zhuzha TsYP";
+        QTest::newRow("soft and hard signs vanish") << "Мышь подъём"
+                                                    << "Mysh podyom";
+        QTest::newRow("accents dropped") << "Müller Ångström"
+                                         << "Muller Angstrom";
+        QTest::newRow("no ascii form") << "鼠 1"
+                                       << "? 1";
+    }
+    void transliteration()
+    {
+        QFETCH(QString, text);
+        QTEST(Transliteration::toAscii(text), "ascii");
+    }
+
     void createDirMakesParentsAndRefusesAFile()
     {
         QTemporaryDir dir;
