@@ -35,6 +35,13 @@ private slots:
             QCOMPARE(v->markerTime(QStringLiteral("DBP 2")), -1.0); // not set
         }
         QCOMPARE(viewer.pressureViewer()->upperValue(), 140.0);
+        // Overlaid markers are lines without labels (sixteen labels pile up into a stack); the
+        // legend names the two line styles once.
+        for (const SignalViewerMarker &m : viewer.pressureViewer()->markers())
+            QVERIFY(m.text().isEmpty());
+        QCOMPARE(viewer.ppgViewer()->legendOnly().size(), 2);
+        QVERIFY(viewer.ppgViewer()->legendOnly()[0].penStyle() !=
+                viewer.ppgViewer()->legendOnly()[1].penStyle());
         b->setSBPTime(8.0); // a marker moved in the single-record view shows here too
         QCOMPARE(viewer.pressureViewer()->markerTime(QStringLiteral("SBP 2")), 8.0);
         delete b; // a deleted record drops out

@@ -1,4 +1,5 @@
 #include "ui/SignalViewer.h"
+#include "ui/SignalViewerPainter.h"
 
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -170,6 +171,36 @@ private slots:
         // Once let go, moving the mouse moves nothing.
         QTest::mouseMove(&rig.viewer, QPoint(rig.viewer.margin() + 300, 100));
         QCOMPARE(updated.count(), 1);
+    }
+
+    // The pressure plot of a unit in the four-unit grid is about 70 px high: it once showed
+    // only "0" on its axis.
+    void smallPlotStillShowsAScale_data()
+    {
+        QTest::addColumn<double>("height");
+        QTest::addColumn<double>("lower");
+        QTest::addColumn<double>("upper");
+        QTest::newRow("four-unit pressure") << 70.0 << 0.0 << 250.0;
+        QTest::newRow("four-unit pulse") << 110.0 << -0.3 << 0.6;
+        QTest::newRow("narrow pulse range") << 70.0 << -0.2 << 0.22;
+        QTest::newRow("full HD pressure") << 300.0 << 0.0 << 250.0;
+    }
+    void smallPlotStillShowsAScale()
+    {
+        QFETCH(double, height);
+        QFETCH(double, lower);
+        QFETCH(double, upper);
+        SignalViewerPainter::Frame frame;
+        frame.plot = QRectF(40, 20, 400, height);
+        frame.lower = lower;
+        frame.upper = upper;
+        const QFontMetricsF fm(QApplication::font());
+        const double step = SignalViewerPainter::ticksFor(frame, fm).valueStep;
+        QVERIFY(step > 0);
+        const double first = std::ceil(lower / step - 1e-9) * step;
+        const int labels = int(std::floor((upper - first) / step + 1e-9)) + 1;
+        QVERIFY2(labels >= 2, qPrintable(QString::number(step)));
+        QVERIFY(step / (upper - lower) * height >= fm.height()); // the labels do not overlap
     }
 
     // A growing live trace repaints only its newest columns; what that leaves on screen must be

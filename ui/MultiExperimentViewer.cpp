@@ -89,6 +89,11 @@ QList<CorvidaExperiment *> MultiExperimentViewer::experiments() const
     return list;
 }
 
+Qt::PenStyle MultiExperimentViewer::markerStyle(const char *label)
+{
+    return qstrcmp(label, "SBP") == 0 ? Qt::DashLine : Qt::DotLine;
+}
+
 void MultiExperimentViewer::updateGraphics()
 {
     QList<SignalViewerSeries> pressure;
@@ -124,16 +129,28 @@ void MultiExperimentViewer::updateGraphics()
             double time;
         } marks[] = {{QT_TRANSLATE_NOOP("Generic", "SBP"), e->getSBPTime()},
                      {QT_TRANSLATE_NOOP("Generic", "DBP"), e->getDBPTime()}};
+        // Lines in the record's colour, dashed for SBP and dotted for DBP; the legend names the
+        // two once. Labels on every line would pile up into an unreadable stack.
         for (const auto &m : marks) {
             if (m.time <= 0.0)
                 continue;
-            const SignalViewerMarker marker(QLatin1String(m.label) + suffix,
-                                            genericText(m.label) + suffix, m.time,
-                                            SignalViewerMarker::Kind::Fixed, color);
+            SignalViewerMarker marker(QLatin1String(m.label) + suffix, QString(), m.time,
+                                      SignalViewerMarker::Kind::Fixed, color);
+            marker.setLineStyle(markerStyle(m.label));
             m_pressureViewer->setMarker(marker);
             m_ppgViewer->setMarker(marker);
         }
     }
+    const QColor neutral(0x80, 0x80, 0x80); // reads on the light and the dark theme
+    QList<SignalViewerSeries> legend;
+    if (!m_pressureViewer->markers().isEmpty()) {
+        for (const char *label :
+             {QT_TRANSLATE_NOOP("Generic", "SBP"), QT_TRANSLATE_NOOP("Generic", "DBP")})
+            legend << SignalViewerSeries::fromSamples({}, 0.0, neutral, 1.5)
+                          .named(genericText(label))
+                          .withPenStyle(markerStyle(label));
+    }
+    m_ppgViewer->setLegendOnly(legend);
     // The whole of the longest record fits the window, in the viewers' five-second steps.
     const double window = std::max(double(SignalViewer::ScrollStepSeconds),
                                    std::ceil(longest / SignalViewer::ScrollStepSeconds) *

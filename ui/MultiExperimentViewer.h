@@ -28,6 +28,8 @@ public:
 
     // The colour of the record at this place in the list.
     static QColor colorFor(int index);
+    // Line style of an overlaid record's marker: dashed for "SBP", dotted for "DBP".
+    static Qt::PenStyle markerStyle(const char *label);
 
     SignalViewer *pressureViewer() const { return m_pressureViewer; }
     SignalViewer *ppgViewer() const { return m_ppgViewer; }

@@ -32,6 +32,12 @@ SignalViewer::SignalViewer(QWidget *parent)
 
 SignalViewer::~SignalViewer() = default;
 
+void SignalViewer::setLegendOnly(const QList<SignalViewerSeries> &entries)
+{
+    m_legendOnly = entries;
+    update();
+}
+
 void SignalViewer::setSeries(const QList<SignalViewerSeries> &series)
 {
     m_series = series;
@@ -367,7 +373,7 @@ void SignalViewer::paintEvent(QPaintEvent *event)
     frame.timeTitle = m_timeTitle;
     if (event->rect() != rect())
         frame.clip = event->rect();
-    m_painter.paint(painter, frame, m_series, m_markers);
+    m_painter.paint(painter, frame, m_series, m_markers, m_legendOnly);
 }
 
 void SignalViewer::resizeEvent(QResizeEvent *event)

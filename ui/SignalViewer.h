@@ -31,6 +31,9 @@ public:
     // Replaces all series and takes their data in (as updateData() does).
     void setSeries(const QList<SignalViewerSeries> &series);
     const QList<SignalViewerSeries> &series() const { return m_series; }
+    // Legend entries with nothing drawn in the plot (what the marker line styles mean).
+    void setLegendOnly(const QList<SignalViewerSeries> &entries);
+    const QList<SignalViewerSeries> &legendOnly() const { return m_legendOnly; }
 
     void setValueRange(double lower, double upper);
     double lowerValue() const { return m_lower; }
@@ -106,6 +109,7 @@ private:
     void release();
 
     QList<SignalViewerSeries> m_series;
+    QList<SignalViewerSeries> m_legendOnly;
     QList<SignalViewerMarker> m_markers;
     SignalViewerPainter m_painter;
     QScrollBar *m_scrollBar;

@@ -17,3 +17,10 @@ void SignalViewerMarker::setText(const QString &text)
     m_layout.setTextFormat(Qt::PlainText);
     m_layout.setPerformanceHint(QStaticText::AggressiveCaching);
 }
+
+Qt::PenStyle SignalViewerMarker::lineStyle() const
+{
+    if (m_lineStyle != Qt::NoPen)
+        return m_lineStyle;
+    return isMovable() ? Qt::SolidLine : Qt::DashLine;
+}

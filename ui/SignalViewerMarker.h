@@ -22,6 +22,9 @@ public:
     Kind kind() const { return m_kind; }
     bool isMovable() const { return m_kind == Kind::Movable; }
     QColor color() const { return m_color; }
+    // Solid for a marker the operator can move, dashed for a fixed one, unless set otherwise.
+    Qt::PenStyle lineStyle() const;
+    void setLineStyle(Qt::PenStyle style) { m_lineStyle = style; }
     // The label laid out once, not at every paint.
     const QStaticText &layout() const { return m_layout; }
 
@@ -31,5 +34,6 @@ private:
     double m_time = 0.0;
     Kind m_kind = Kind::Fixed;
     QColor m_color;
+    Qt::PenStyle m_lineStyle = Qt::NoPen; // NoPen: the kind decides
     QStaticText m_layout;
 };

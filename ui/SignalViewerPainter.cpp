@@ -60,14 +60,15 @@ double SignalViewerPainter::timeStep(double pixelsPerSecond, double minPixels)
 
 void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
                                 const QList<SignalViewerSeries> &series,
-                                const QList<SignalViewerMarker> &markers)
+                                const QList<SignalViewerMarker> &markers,
+                                const QList<SignalViewerSeries> &legendOnly)
 {
     if (frame.plot.width() <= 0 || frame.plot.height() <= 0)
         return;
     const Ticks ticks = ticksFor(frame, QFontMetricsF(painter.font()));
     drawBackground(painter, frame, ticks);
     drawLabels(painter, frame, ticks);
-    drawHeader(painter, frame, series);
+    drawHeader(painter, frame, legendOnly.isEmpty() ? series : series + legendOnly);
 
     painter.save();
     painter.setClipRect(frame.plot.adjusted(0, -2, 0, 2));
@@ -86,7 +87,21 @@ SignalViewerPainter::Ticks SignalViewerPainter::ticksFor(const Frame &frame,
 {
     Ticks t;
     const double span = frame.upper - frame.lower;
-    t.valueStep = niceStep(span, std::max(1, int(frame.plot.height() / (fm.height() * 2.2))));
+    int steps = std::max(1, int(frame.plot.height() / (fm.height() * 2.2)));
+    t.valueStep = niceStep(span, steps);
+    // A small plot (four units in a grid) still shows a scale: at least two labelled values, as
+    // long as their labels keep apart.
+    const auto labels = [&frame](double step) {
+        return step > 0.0 ? std::floor(frame.upper / step + 1e-9) -
+                                std::ceil(frame.lower / step - 1e-9) + 1
+                          : 0.0;
+    };
+    while (labels(t.valueStep) < 2 && steps < 8) {
+        const double finer = niceStep(span, ++steps);
+        if (!(finer > 0.0) || finer / span * frame.plot.height() < fm.height() * 1.2)
+            break;
+        t.valueStep = finer;
+    }
     t.pixelsPerSecond = frame.plot.width() / frame.window;
     t.timeStep = timeStep(t.pixelsPerSecond, fm.horizontalAdvance(QStringLiteral("0000")) * 2.0);
     t.minorTimeStep = t.timeStep >= 5.0 && t.timeStep / 5.0 * t.pixelsPerSecond >= 8.0
@@ -240,9 +255,14 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
             continue;
         const double w = fm.horizontalAdvance(it->name());
         const QString more = QStringLiteral("+%1").arg(left);
-        if (right - w - 22 - fm.horizontalAdvance(more) - 8 < titleEnd && left > 1) {
-            painter.setPen(text);
-            painter.drawText(QPointF(right - fm.horizontalAdvance(more), baseline), more);
+        const double moreWidth = fm.horizontalAdvance(more);
+        // Room for this entry, and for the count of the rest when more follow.
+        const double needed = w + 22 + (left > 1 ? moreWidth + 8 : 0.0);
+        if (right - needed < titleEnd) {
+            if (right - moreWidth >= titleEnd) {
+                painter.setPen(text);
+                painter.drawText(QPointF(right - moreWidth, baseline), more);
+            }
             break;
         }
         --left;
@@ -250,7 +270,7 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
         painter.drawText(QPointF(right - w, baseline), it->name());
         const double y = baseline - fm.ascent() / 2 + 1;
         QPen pen(it->color(), it->style() == SignalViewerSeries::Style::Dots ? 6 : 2.5,
-                 Qt::SolidLine, Qt::RoundCap);
+                 it->penStyle(), it->penStyle() == Qt::SolidLine ? Qt::RoundCap : Qt::FlatCap);
         painter.setPen(pen);
         if (it->style() == SignalViewerSeries::Style::Dots)
             painter.drawPoint(QPointF(right - w - 10, y));
@@ -447,8 +467,7 @@ void SignalViewerPainter::drawMarkers(QPainter &painter, const Frame &frame,
         const double x = plot.left() + (m.time() - frame.offset) * pps;
         if (x < plot.left() - 0.5 || x > plot.right() + 0.5)
             continue;
-        QPen pen(m.color(), m.isMovable() ? 2.0 : 1.5,
-                 m.isMovable() ? Qt::SolidLine : Qt::DashLine);
+        QPen pen(m.color(), m.isMovable() ? 2.0 : 1.5, m.lineStyle());
         painter.setPen(pen);
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
         if (m.text().isEmpty())

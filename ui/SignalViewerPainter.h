@@ -40,15 +40,17 @@ public:
     // Text and axis colours for light and dark backgrounds.
     static QColor textColor(bool dark);
 
+    // `legendOnly` are entries of the legend with nothing to draw in the plot, such as the line
+    // styles of the markers of several records.
     void paint(QPainter &painter, const Frame &frame, const QList<SignalViewerSeries> &series,
-               const QList<SignalViewerMarker> &markers);
+               const QList<SignalViewerMarker> &markers,
+               const QList<SignalViewerSeries> &legendOnly = {});
 
     // A step of 1, 2 or 5 times a power of ten that splits `span` into at most `maxSteps`.
     static double niceStep(double span, int maxSteps);
     // The time-axis step in seconds for this scale: wide enough for a label.
     static double timeStep(double pixelsPerSecond, double minPixels);
 
-private:
     // Grid steps of one picture.
     struct Ticks {
         double valueStep = 0.0;
@@ -62,6 +64,8 @@ private:
         }
     };
     static Ticks ticksFor(const Frame &frame, const QFontMetricsF &fm);
+
+private:
     void drawBackground(QPainter &painter, const Frame &frame, const Ticks &ticks);
     void drawGridLines(QPainter &painter, const Frame &frame, const Ticks &ticks) const;
     void drawLabels(QPainter &painter, const Frame &frame, const Ticks &ticks) const;

@@ -50,3 +50,9 @@ double SignalViewerSeries::length() const
     const QList<QPointF> p = points();
     return p.isEmpty() ? 0.0 : p.last().x();
 }
+
+SignalViewerSeries &SignalViewerSeries::withPenStyle(Qt::PenStyle style)
+{
+    m_penStyle = style;
+    return *this;
+}

@@ -41,6 +41,9 @@ public:
     // Shown in the legend when not empty.
     QString name() const { return m_name; }
     SignalViewerSeries &named(const QString &name);
+    // How the line of the legend is drawn (a marker's entry is dashed like the marker).
+    Qt::PenStyle penStyle() const { return m_penStyle; }
+    SignalViewerSeries &withPenStyle(Qt::PenStyle style);
     // Time in seconds of the last sample or point; 0 when empty.
     double length() const;
 
@@ -52,4 +55,5 @@ private:
     QColor m_color;
     qreal m_width = 1.5;
     QString m_name;
+    Qt::PenStyle m_penStyle = Qt::SolidLine;
 };
