@@ -17,9 +17,8 @@ install(FILES ${corvida_linux_dir}/corvida.desktop
 install(FILES ${corvida_linux_dir}/corvida.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES ${corvida_linux_dir}/70-corvida.rules DESTINATION ${CORVIDA_UDEV_RULES_DIR})
-# The manual, which the About page opens.
-install(FILES ${PROJECT_SOURCE_DIR}/docs/manual.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvida)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/images DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvida)
+# The manual (HTML and Markdown), the manual pages, the change log and the copyright.
+include(${CMAKE_CURRENT_LIST_DIR}/CorvidaDocs.cmake)
 
 set(CPACK_PACKAGE_NAME corvida)
 set(CPACK_PACKAGE_VENDOR Quorvex)

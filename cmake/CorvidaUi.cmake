@@ -3,6 +3,9 @@
 
 # The address the new-version check asks. Empty means the program never asks anyone.
 set(CORVIDA_VERSION_ENDPOINT "" CACHE STRING "URL of the new-version endpoint (empty: no check)")
+# The maker's web address and contact for the About page's "Feedback" block (empty: no block).
+set(CORVIDA_WEBSITE "" CACHE STRING "Product web address shown on the About page")
+set(CORVIDA_CONTACT "" CACHE STRING "Contact e-mail address shown on the About page")
 
 set(corvida_ui_sources)
 foreach(dir IN ITEMS toolkit/widgets ui app)
@@ -15,6 +18,8 @@ list(REMOVE_ITEM corvida_ui_sources ${PROJECT_SOURCE_DIR}/app/main.cpp)
 add_library(corvida_ui STATIC ${corvida_ui_sources})
 target_link_libraries(corvida_ui PUBLIC corvida_core Qt6::Widgets Qt6::Svg)
 corvida_autogen_follows_sources(corvida_ui)
+set_source_files_properties(${PROJECT_SOURCE_DIR}/ui/PageAboutApp.cpp PROPERTIES
+    COMPILE_DEFINITIONS "CORVIDA_WEBSITE=\"${CORVIDA_WEBSITE}\";CORVIDA_CONTACT=\"${CORVIDA_CONTACT}\"")
 
 # On freedesktop systems the file manager is asked over D-Bus to show a file selected.
 if(UNIX AND NOT APPLE)

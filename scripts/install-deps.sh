@@ -14,6 +14,7 @@ packages=(
     xvfb xauth
     fonts-open-sans
     dpkg-dev desktop-file-utils   # the Debian package (cpack -G DEB) and its desktop entry
+    python3-markdown help2man     # the manual as HTML and the manual pages
 )
 
 missing=()

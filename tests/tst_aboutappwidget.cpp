@@ -36,6 +36,27 @@ private slots:
         AboutAppWidget about(info);
         QCOMPARE(about.findChildren<QLabel *>(QStringLiteral("birthdayBalloon")).size(), 1);
     }
+
+    void feedbackHeadingOnlyOverAWayToReachTheMaker()
+    {
+        AboutAppWidget::Info info;
+        info.maker = QStringLiteral("Quorvex");
+        info.licence = QStringLiteral("proprietary");
+        const auto texts = [](const AboutAppWidget &about) {
+            QStringList all;
+            for (const QLabel *label : about.findChildren<QLabel *>())
+                all << label->text();
+            return all.join(QLatin1Char('|'));
+        };
+        const AboutAppWidget bare(info);
+        QVERIFY(!texts(bare).contains(QStringLiteral("Feedback")));
+        QVERIFY(texts(bare).contains(QStringLiteral("Quorvex")));
+        QVERIFY(texts(bare).contains(QStringLiteral("Licence: proprietary")));
+        info.contacts = {QStringLiteral("mailto:lab@example.org")};
+        const AboutAppWidget withContact(info);
+        QVERIFY(texts(withContact).contains(QStringLiteral("Feedback")));
+        QVERIFY(texts(withContact).contains(QStringLiteral("lab@example.org")));
+    }
 };
 
 QTEST_MAIN(TestAboutAppWidget)

@@ -37,12 +37,13 @@ QString PageAboutApp::iconPath() const
 
 QString PageAboutApp::manualUrl()
 {
-    // The package puts the manual beside the other documentation; a build from the source tree
-    // finds the tree's own.
+    // The package puts the manual beside the other documentation; a build folder has the HTML
+    // page the build made. The Markdown is the last resort: a browser shows it as plain text.
     const QDir program(QCoreApplication::applicationDirPath());
     for (const QString &relative :
-         {QStringLiteral("../share/doc/corvida/manual.md"), QStringLiteral("../docs/manual.md"),
-          QStringLiteral("../../docs/manual.md")}) {
+         {QStringLiteral("../share/doc/corvida/manual.html"), QStringLiteral("docs/manual.html"),
+          QStringLiteral("../docs/manual.html"), QStringLiteral("../share/doc/corvida/manual.md"),
+          QStringLiteral("../docs/manual.md"), QStringLiteral("../../docs/manual.md")}) {
         const QString path = program.absoluteFilePath(relative);
         if (QFile::exists(path))
             return QUrl::fromLocalFile(QDir::cleanPath(path)).toString();
@@ -58,8 +59,18 @@ AboutAppWidget::Info PageAboutApp::productInfo()
     info.buildDate = AppHelper::buildDate();
     info.iconPath = QStringLiteral(":/resources/images/pressure.svg");
     info.maker = QStringLiteral("Quorvex");
+    info.licence = tr("proprietary, all rights reserved");
     info.manualUrl = manualUrl();
-    // The product has no public API, change-log or contact pages yet and no developer list is
-    // kept; the panel leaves out what it has no data for.
+    // The web address and contact are set when the program is built for a customer
+    // (CORVIDA_WEBSITE, CORVIDA_CONTACT); the panel leaves out what it has no data for, as it
+    // does the API and change-log pages and the developer list, which the product does not have.
+#ifdef CORVIDA_WEBSITE
+    if (!QStringLiteral(CORVIDA_WEBSITE).isEmpty())
+        info.contacts << QStringLiteral(CORVIDA_WEBSITE);
+#endif
+#ifdef CORVIDA_CONTACT
+    if (!QStringLiteral(CORVIDA_CONTACT).isEmpty())
+        info.contacts << QStringLiteral("mailto:") + QStringLiteral(CORVIDA_CONTACT);
+#endif
     return info;
 }

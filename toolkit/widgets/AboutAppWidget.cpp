@@ -113,6 +113,17 @@ void AboutAppWidget::build()
     buildLabel->setObjectName(QStringLiteral("aboutMuted"));
     buildLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     identity->addWidget(buildLabel);
+    if (!m_info.maker.isEmpty() || !m_info.licence.isEmpty()) {
+        QStringList lines;
+        if (!m_info.maker.isEmpty())
+            lines << QStringLiteral("© ") + m_info.maker;
+        if (!m_info.licence.isEmpty())
+            lines << tr("Licence") + QStringLiteral(": ") + m_info.licence;
+        auto *legal = new QLabel(lines.join(QStringLiteral("\n")), m_body);
+        legal->setObjectName(QStringLiteral("aboutLegal"));
+        legal->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        identity->addWidget(legal);
+    }
     identity->addStretch(1);
     head->addLayout(identity, 1);
     box->addLayout(head);
@@ -139,9 +150,8 @@ void AboutAppWidget::build()
     ipLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     box->addWidget(ipLabel);
 
+    // The maker is named beside the version; "Feedback" stands only over a way to reach them.
     QStringList contactLines;
-    if (!m_info.maker.isEmpty())
-        contactLines.append(m_info.maker.toHtmlEscaped());
     for (const QString &line : m_info.contacts) {
         if (line.startsWith(QLatin1String("mailto:")))
             contactLines.append(htmlLink(line, line.mid(7)));

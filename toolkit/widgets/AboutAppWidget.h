@@ -30,6 +30,7 @@ public:
         QString apiUrl;
         QString changelogUrl;
         QString maker;
+        QString licence;
         QStringList contacts; // lines; "mailto:" and "http" lines become links
         QList<Developer> developers;
     };
