@@ -68,6 +68,7 @@ void CorvidaOnlineExperiment::updateData(const QList<QList<double>> &data)
     QList<int> signedIndices, peaks, valleys;
     m_peakFinder->findPeaks(m_pulse.constData() + (m_pulse.size() - w), w, 0, -1, signedIndices,
                             peaks, valleys);
+    m_lastBeatCount = int(peaks.size());
     emit pulseCalculated(m_peakFinder->heartRate());
 }
 

@@ -17,6 +17,8 @@ public:
     // Whether the serial number goes into the file name.
     void setNameWithSerial(bool on);
     QList<double> thirdSeries() const { return m_third; }
+    // The beats found in the window of the last heart rate reported.
+    int lastBeatCount() const { return m_lastBeatCount; }
 
     // Empties the record for a new recording from now on ("Turn on" and "Measure" run it).
     void resetForNewRecording();
@@ -41,5 +43,6 @@ protected:
 private:
     VClock::Source m_clock;
     qint64 m_lastHeartRateRun = 0;
+    int m_lastBeatCount = 0;
     QList<double> m_third;
 };

@@ -30,8 +30,8 @@ PeakFinder::PeakFinder(double samplingRate, double slopeThreshold, double halfWi
     , m_samplingRate(samplingRate)
     , m_slopeThreshold(slopeThreshold)
     , m_halfWindow(halfWindow)
-    , m_minimumRate(180)
-    , m_maximumRate(900)
+    , m_minimumRate(kMinBPM)
+    , m_maximumRate(kMaxBPM)
 {}
 
 int PeakFinder::halfWindowSamples() const

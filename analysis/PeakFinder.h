@@ -15,6 +15,10 @@ class PeakFinder : public QObject
 {
     Q_OBJECT
 public:
+    // The range of rates a rodent's heart beats at, in beats per minute.
+    static constexpr int kMinBPM = 180;
+    static constexpr int kMaxBPM = 900;
+
     PeakFinder(double samplingRate, double slopeThreshold, double halfWindow,
                QObject *parent = nullptr);
 

@@ -191,6 +191,30 @@ private slots:
         widget.setHeartRate(0);
         QVERIFY(widget.text().isEmpty());
         QCOMPARE(widget.iconPage(), 1);
+        QVERIFY(widget.toolTip().contains(QStringLiteral("no regular pulse")));
+    }
+    void heartRateThatCannotBeRightIsShownUncertain_data()
+    {
+        QTest::addColumn<double>("bpm");
+        QTest::addColumn<int>("beats");
+        QTest::addColumn<QString>("why"); // empty: a confident reading
+        QTest::newRow("a rat at rest") << 380.0 << 19 << QString();
+        QTest::newRow("slower than any rodent") << 120.0 << 6 << "Outside the 180–900 BPM";
+        QTest::newRow("faster than any rodent") << 960.0 << 40 << "Outside the 180–900 BPM";
+        QTest::newRow("from three beats") << 420.0 << 3 << "Only 3 beat(s)";
+        QTest::newRow("beats unknown") << 420.0 << -1 << QString();
+    }
+    void heartRateThatCannotBeRightIsShownUncertain()
+    {
+        QFETCH(double, bpm);
+        QFETCH(int, beats);
+        QFETCH(QString, why);
+        HeartRateWidget widget;
+        widget.showRate(bpm, beats);
+        QCOMPARE(widget.text(), QString::number(int(bpm)) + QStringLiteral(" BPM"));
+        QCOMPARE(widget.isUncertain(), !why.isEmpty());
+        if (!why.isEmpty())
+            QVERIFY2(widget.toolTip().contains(why), qPrintable(widget.toolTip()));
     }
     void serviceMenuOnlyForSerialUnitsWithCtrlAndAlt()
     {

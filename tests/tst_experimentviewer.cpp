@@ -67,6 +67,27 @@ private slots:
         QTEST(viewer.pressureViewer()->upperValue(), "upper");
     }
 
+    // Seen in the field: DBP on the last beat of a record that stopped with the cuff near
+    // 100 mmHg. The point is where the detection puts it, but nothing below it was recorded.
+    void diastolicPointWithoutTheCuffBelowItIsDoubtful_data()
+    {
+        QTest::addColumn<double>("time");
+        QTest::addColumn<bool>("doubtful");
+        QTest::newRow("cuff fell 10 mmHg below it") << 5.0 << false; // 130 -> 110 at the end
+        QTest::newRow("record ends 8 mmHg below it") << 8.0 << true; // 118 -> 110
+        QTest::newRow("on the last sample") << 9.999 << true;
+        QTest::newRow("no marker") << 0.0 << false;
+        QTest::newRow("after the end") << 12.0 << false;
+    }
+    void diastolicPointWithoutTheCuffBelowItIsDoubtful()
+    {
+        QFETCH(double, time);
+        QList<double> pressure;
+        for (int i = 0; i < 10000; ++i)
+            pressure << 150.0 - 4.0 * i / 1000.0; // 150 mmHg falling 4 mmHg a second for 10 s
+        QTEST(ExperimentViewer::diastolicDoubtful(pressure, 1000.0, time), "doubtful");
+    }
+
     void draggedMarkerUpdatesTheRecordWhenLetGo()
     {
         MemoryRecord record;

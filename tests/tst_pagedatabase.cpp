@@ -225,6 +225,20 @@ private slots:
                  QString("The recording cannot be read"));
     }
 
+    void questionMarkInThePressureColumnSaysWhatIsMissing()
+    {
+        makePage();
+        const QAbstractItemModel *model = m_page->model();
+        const auto tip = [model](int row) {
+            return model->data(model->index(row, RecordDatabase::PressureColumn), Qt::ToolTipRole)
+                .toString();
+        };
+        QVERIFY(tip(0).isEmpty()); // 121/81: nothing to explain
+        QCOMPARE(model->data(model->index(2, RecordDatabase::PressureColumn)).toString(), "?");
+        QVERIFY(tip(2).contains("no systolic point found"));
+        QVERIFY(tip(2).contains("no diastolic point found"));
+    }
+
     void contextMenuOffersWhatFitsTheSelection_data()
     {
         QTest::addColumn<int>("count");

@@ -87,7 +87,9 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
 
     CorvidaOnlineExperiment *live = experiment();
     m_connections << connect(live, &CorvidaOnlineExperiment::pulseCalculated, m_heartRate,
-                             [this](double bpm) { m_heartRate->setHeartRate(int(bpm)); });
+                             [this, live](double bpm) {
+                                 m_heartRate->showRate(bpm, live->lastBeatCount());
+                             });
     m_connections << connect(live, &CorvidaOnlineExperiment::startDateChanged, this,
                              &CorvidaDeviceView::refreshRecordedFileName);
     m_connections << connect(m_recorder, &LiveRecorder::dataUpdated, this,

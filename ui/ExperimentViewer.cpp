@@ -312,7 +312,23 @@ QString ExperimentViewer::markerText(const QString &tag, double time)
     const double pressure = m_experiment ? m_experiment->pressureAt(time) : 0.0;
     if (pressure > 0.0)
         text += QLatin1Char(' ') + QString::number(qRound(pressure));
+    if (tag == kDBP && m_experiment &&
+        diastolicDoubtful(m_experiment->getPressure(), m_experiment->getSamplingRate(), time))
+        text += QStringLiteral(" ?");
     return text;
+}
+
+bool ExperimentViewer::diastolicDoubtful(const QList<double> &pressure, double rate, double time)
+{
+    const qsizetype at = qsizetype(time * rate);
+    if (!(time > 0.0) || !(rate > 0.0) || at < 0 || at >= pressure.size())
+        return false;
+    const double below = pressure[at] - 10.0;
+    for (qsizetype i = at; i < pressure.size(); ++i) {
+        if (pressure[i] < below)
+            return false;
+    }
+    return true;
 }
 
 void ExperimentViewer::updateMarkers()

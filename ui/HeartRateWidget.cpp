@@ -5,6 +5,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
+#include <cmath>
+
+#include "analysis/PeakFinder.h"
 
 namespace {
 QLabel *iconLabel(const QString &path, QWidget *parent)
@@ -52,14 +55,42 @@ int HeartRateWidget::iconPage() const
 
 void HeartRateWidget::setHeartRate(int heartRateBPM)
 {
-    if (heartRateBPM < 1) {
+    showRate(heartRateBPM, -1);
+}
+
+QString HeartRateWidget::doubtAbout(double bpm, int beats)
+{
+    if (bpm < PeakFinder::kMinBPM || bpm > PeakFinder::kMaxBPM)
+        return tr("Outside the %1–%2 BPM a rat's or mouse's heart beats at: check the sensor and "
+                  "the animal.")
+            .arg(PeakFinder::kMinBPM)
+            .arg(PeakFinder::kMaxBPM);
+    if (beats >= 0 && beats < kMinBeats)
+        return tr("Only %n beat(s) found in the last 3 seconds: too few for a steady rate.", "",
+                  beats);
+    return QString();
+}
+
+void HeartRateWidget::showRate(double bpm, int beats)
+{
+    const int rate = std::isfinite(bpm) ? int(bpm) : 0;
+    if (rate < 1) {
         m_label->clear();
         m_icons->setCurrentIndex(1);
+        m_uncertain = false;
+        setToolTip(tr("No heart rate: no regular pulse was found in the last 3 seconds."));
         return;
     }
-    m_label->setText(QString::number(heartRateBPM) + QLatin1Char(' ') +
+    m_label->setText(QString::number(rate) + QLatin1Char(' ') +
                      QCoreApplication::translate("DimensionRR", "BPM"));
     m_icons->setCurrentIndex(0);
+    const QString doubt = doubtAbout(bpm, beats);
+    m_uncertain = !doubt.isEmpty();
+    // Greyed rather than bold: the number is there, but not as a confident reading.
+    m_label->setStyleSheet(m_uncertain ? QStringLiteral("QLabel { color: #8a8f96 }")
+                                       : QStringLiteral("QLabel { font-weight: bold }"));
+    setToolTip(m_uncertain ? tr("Uncertain heart rate.") + QLatin1Char(' ') + doubt
+                           : tr("Heart rate over the last 3 seconds."));
 }
 
 QString HeartRateWidget::firstExisting(const QStringList &paths)

@@ -48,6 +48,22 @@ int RecordTableModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : int(RecordDatabase::ColumnCount);
 }
 
+QString RecordTableModel::pressureTip(const CorvidaExperiment *record)
+{
+    if (!record)
+        return QString();
+    QStringList missing;
+    if (record->getSBP() <= 0)
+        missing << tr("no systolic point found");
+    if (record->getDBP() <= 0)
+        missing << tr("no diastolic point found");
+    if (missing.isEmpty())
+        return QString();
+    // "?" alone says nothing; say what is missing and what the operator can do about it.
+    return missing.join(QStringLiteral(", ")) + QStringLiteral(". ") +
+           tr("Open the record and place the marker by hand, or measure again.");
+}
+
 QVariant RecordTableModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || index.row() >= m_database->count())
@@ -63,7 +79,11 @@ QVariant RecordTableModel::data(const QModelIndex &index, int role) const
         if (damage != RecordDatabase::Damage::None)
             return m_database->damageText(row);
         // Long comments do not fit the column.
-        return column == RecordDatabase::CommentColumn ? m_database->text(row, column) : QVariant();
+        if (column == RecordDatabase::CommentColumn)
+            return m_database->text(row, column);
+        if (column == RecordDatabase::PressureColumn)
+            return pressureTip(m_database->record(row));
+        return QVariant();
     case Qt::DecorationRole:
         if (damage != RecordDatabase::Damage::None && column == RecordDatabase::TitleColumn)
             return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);

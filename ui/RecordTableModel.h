@@ -29,6 +29,9 @@ public:
 
     explicit RecordTableModel(RecordDatabase *database, QObject *parent = nullptr);
 
+    // What a "?" in the Pressure column means for this record; empty when both points are there.
+    static QString pressureTip(const CorvidaExperiment *record);
+
     RecordDatabase *database() const { return m_database; }
     CorvidaExperiment *record(int row) const { return m_database->record(row); }
     QString path(int row) const { return m_database->edfPath(row); }
