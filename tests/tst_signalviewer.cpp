@@ -2,6 +2,7 @@
 #include "ui/SignalViewerPainter.h"
 
 #include <QScrollBar>
+#include <QToolButton>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -171,6 +172,50 @@ private slots:
         // Once let go, moving the mouse moves nothing.
         QTest::mouseMove(&rig.viewer, QPoint(rig.viewer.margin() + 300, 100));
         QCOMPARE(updated.count(), 1);
+    }
+
+    // The pulse at the default vertical scale ran past both edges and drew as a solid block.
+    void clippedTraceIsMarkedAndFitToDataShowsAllOfIt()
+    {
+        QList<double> pulse;
+        for (int i = 0; i < 20000; ++i)
+            pulse << std::sin(i / 1000.0 * 2 * M_PI * 7.0) * (i < 10000 ? 0.1 : 1.0);
+        SignalViewer viewer;
+        viewer.resize(2 * viewer.margin() + 600, 240);
+        viewer.setWindowLength(20.0);
+        viewer.setValueRange(-0.3, 0.6);
+        viewer.setSeries({SignalViewerSeries::fromSamples(pulse, 1000.0, Qt::red)});
+        const auto clipMarks = [&viewer](bool top) {
+            QImage screen(viewer.size(), QImage::Format_ARGB32);
+            viewer.render(&screen);
+            const QRect plot = viewer.plotRect();
+            const int y = top ? plot.top() - 1 : plot.bottom() + 1;
+            int marked = 0, firstMarked = -1;
+            for (int x = plot.left(); x <= plot.right(); ++x) {
+                if (screen.pixelColor(x, y) == SignalViewerPainter::kClipColor) {
+                    ++marked;
+                    if (firstMarked < 0)
+                        firstMarked = x - plot.left();
+                }
+            }
+            return QPair<int, int>(marked, firstMarked);
+        };
+        // Only the loud half runs past the edges, and only there is it marked.
+        for (bool top : {true, false}) {
+            const auto [marked, first] = clipMarks(top);
+            QVERIFY2(marked > 250 && marked < 320, qPrintable(QString::number(marked)));
+            QVERIFY(std::abs(first - 300) <= 3);
+        }
+
+        viewer.fitButton()->click();
+        QVERIFY(viewer.fitToData());
+        QVERIFY(viewer.shownLower() < -1.0 && viewer.shownLower() > -1.2);
+        QVERIFY(viewer.shownUpper() > 1.0 && viewer.shownUpper() < 1.2);
+        QCOMPARE(viewer.lowerValue(), -0.3); // the set scale is kept for when fit is undone
+        QCOMPARE(clipMarks(true).first, 0);
+        QCOMPARE(clipMarks(false).first, 0);
+        viewer.fitButton()->click();
+        QCOMPARE(viewer.shownUpper(), 0.6);
     }
 
     // The pressure plot of a unit in the four-unit grid is about 70 px high: it once showed

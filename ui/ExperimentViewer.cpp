@@ -89,6 +89,8 @@ ExperimentViewer::ExperimentViewer(CorvidaSettings *settings, QWidget *parent)
     m_pressureViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")));
     m_pressureViewer->setUnit(genericText(QT_TRANSLATE_NOOP("Generic", "mmHg")));
     m_ppgViewer->setTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Photoplethysmogram")));
+    // Volts of the pulse as if the sensor's steady level were 1.2 V, as the export names it.
+    m_ppgViewer->setUnit(genericText(QT_TRANSLATE_NOOP("Generic", "V")));
     m_ppgViewer->setTimeTitle(genericText(QT_TRANSLATE_NOOP("Generic", "Time")) +
                               QStringLiteral(", ") + tr("s"));
     m_ppgViewer->setScrollMode(true);

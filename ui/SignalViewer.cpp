@@ -3,6 +3,9 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QToolButton>
+
+#include <algorithm>
 
 #include <cmath>
 
@@ -17,6 +20,7 @@ int marginFor(const QFont &font)
 SignalViewer::SignalViewer(QWidget *parent)
     : QWidget(parent)
     , m_scrollBar(new QScrollBar(Qt::Horizontal, this))
+    , m_fitButton(new QToolButton(this))
 {
     installEventFilter(this);
     setMouseTracking(true);
@@ -27,7 +31,70 @@ SignalViewer::SignalViewer(QWidget *parent)
     m_scrollBar->setRange(0, 0);
     m_scrollBar->hide();
     connect(m_scrollBar, &QScrollBar::valueChanged, this, &SignalViewer::onScrollBarMoved);
+    m_fitButton->setObjectName(QStringLiteral("fitToData"));
+    m_fitButton->setCheckable(true);
+    m_fitButton->setAutoRaise(true);
+    m_fitButton->setText(QStringLiteral("\u2195")); // ↕
+    m_fitButton->setToolTip(tr("Fit to data: the whole height of the traces in view. Click again "
+                               "for the vertical scale that is set."));
+    m_fitButton->setCursor(Qt::PointingHandCursor);
+    connect(m_fitButton, &QToolButton::toggled, this, &SignalViewer::setFitToData);
     setMinimumSize(160, 100);
+}
+
+void SignalViewer::setFitToData(bool on)
+{
+    if (m_fitButton->isChecked() != on)
+        m_fitButton->setChecked(on); // comes back here through the button's signal
+    if (m_fitToData == on)
+        return;
+    m_fitToData = on;
+    refit();
+    update();
+}
+
+bool SignalViewer::refit()
+{
+    if (!m_fitToData)
+        return false;
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (const SignalViewerSeries &s : std::as_const(m_series)) {
+        if (!s.isSampled() || !(s.rate() > 0.0))
+            continue;
+        const QList<double> samples = s.samples();
+        const qsizetype from =
+            std::clamp<qsizetype>(qsizetype(m_offset * s.rate()), 0, samples.size());
+        const qsizetype to = std::clamp<qsizetype>(
+            qsizetype(std::ceil((m_offset + m_windowLength) * s.rate())) + 1, from, samples.size());
+        for (qsizetype i = from; i < to; ++i) {
+            const double v = samples[i];
+            if (std::isfinite(v)) {
+                low = std::min(low, v);
+                high = std::max(high, v);
+            }
+        }
+    }
+    const bool valid = high >= low;
+    double lower = m_lower, upper = m_upper;
+    if (valid) {
+        // A flat trace still gets a band to sit in; otherwise 5 % room above and below.
+        const double pad = high > low ? (high - low) * 0.05 : std::max(std::fabs(high) * 0.1, 0.01);
+        lower = low - pad;
+        upper = high + pad;
+    }
+    const bool changed = valid != m_fitValid || lower != m_fitLower || upper != m_fitUpper;
+    m_fitValid = valid;
+    m_fitLower = lower;
+    m_fitUpper = upper;
+    return changed;
+}
+
+void SignalViewer::placeFitButton()
+{
+    const QRect plot = plotRect();
+    const int side = std::min(22, std::max(14, m_margin - 8));
+    m_fitButton->setGeometry(plot.right() + 5, plot.top(), side, side);
 }
 
 SignalViewer::~SignalViewer() = default;
@@ -79,6 +146,7 @@ void SignalViewer::setOffset(double seconds)
         offset = std::ceil(m_totalLength / step) * step - m_windowLength;
     const bool changed = offset != m_offset;
     m_offset = offset;
+    refit();
     update();
     // Viewers that scroll together listen to each other, so only a real change is announced.
     if (changed)
@@ -226,10 +294,12 @@ void SignalViewer::updateData()
         // A shorter series (a recording started over) may no longer reach the window's offset.
         setOffset(m_offset);
     }
+    // A fitted range that moves needs the whole plot drawn again, not only the new columns.
+    const bool refitted = refit();
     // New samples at the end of a window that did not move change only the columns they
     // fall in: repaint those (live traces grow by a column or less between repaints).
     const QRect plot = plotRect();
-    if (grew && m_offset == previousOffset && !plot.isEmpty() && m_windowLength > 0) {
+    if (grew && !refitted && m_offset == previousOffset && !plot.isEmpty() && m_windowLength > 0) {
         const double pps = plot.width() / m_windowLength;
         const int from = int(std::floor(plot.left() + (previousTotal - m_offset) * pps)) - 3;
         const int to = int(std::ceil(plot.left() + (m_totalLength - m_offset) * pps)) + 3;
@@ -267,6 +337,7 @@ void SignalViewer::placeScrollBar()
         return;
     setContentsMargins(margins);
     update();
+    placeFitButton();
 }
 
 void SignalViewer::onScrollBarMoved(int value)
@@ -365,8 +436,8 @@ void SignalViewer::paintEvent(QPaintEvent *event)
     frame.plot = plotRect();
     frame.offset = m_offset;
     frame.window = m_windowLength;
-    frame.lower = m_lower;
-    frame.upper = m_upper;
+    frame.lower = shownLower();
+    frame.upper = shownUpper();
     frame.dark = isDark();
     frame.title = m_title;
     frame.unit = m_unit;
@@ -380,6 +451,7 @@ void SignalViewer::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     placeScrollBar();
+    placeFitButton();
 }
 
 void SignalViewer::changeEvent(QEvent *event)

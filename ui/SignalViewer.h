@@ -8,6 +8,7 @@
 #include <QWidget>
 
 class QScrollBar;
+class QToolButton;
 
 // Draws time series (cuff pressure or PPG) against time in a window that scrolls in steps of
 // five seconds, with vertical time markers that can be dragged.
@@ -35,9 +36,18 @@ public:
     void setLegendOnly(const QList<SignalViewerSeries> &entries);
     const QList<SignalViewerSeries> &legendOnly() const { return m_legendOnly; }
 
+    // The value range set by the owner (the vertical scale); see also fit to data.
     void setValueRange(double lower, double upper);
     double lowerValue() const { return m_lower; }
     double upperValue() const { return m_upper; }
+    // Fit to data: the range follows the lowest and highest sample in view instead of the set
+    // one, until switched off. The small button at the top right of the plot switches it.
+    void setFitToData(bool on);
+    bool fitToData() const { return m_fitToData; }
+    // The range the plot is drawn with: the fitted one or the set one.
+    double shownLower() const { return m_fitToData && m_fitValid ? m_fitLower : m_lower; }
+    double shownUpper() const { return m_fitToData && m_fitValid ? m_fitUpper : m_upper; }
+    QToolButton *fitButton() const { return m_fitButton; }
 
     void setWindowLength(double seconds);
     double windowLength() const { return m_windowLength; }
@@ -101,6 +111,9 @@ private:
     int scrollMaximum() const;
     void updateScrollRange();
     void placeScrollBar();
+    void placeFitButton();
+    // Recomputes the fitted range from the samples in view; true when it changed.
+    bool refit();
     void onScrollBarMoved(int value);
     // The first movable marker within reach of widget x, or null.
     const SignalViewerMarker *markerAt(double x) const;
@@ -113,6 +126,7 @@ private:
     QList<SignalViewerMarker> m_markers;
     SignalViewerPainter m_painter;
     QScrollBar *m_scrollBar;
+    QToolButton *m_fitButton;
     QString m_title;
     QString m_unit;
     QString m_timeTitle;
@@ -122,6 +136,10 @@ private:
     double m_offset = 0.0;
     double m_lower = 0.0;
     double m_upper = 1.0;
+    double m_fitLower = 0.0;
+    double m_fitUpper = 1.0;
+    bool m_fitToData = false;
+    bool m_fitValid = false;
     int m_margin = 48;
     bool m_markersMovable = false;
     bool m_scrollMode = false;

@@ -326,6 +326,45 @@ void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
         drawSpans(painter, series.color(), series.width());
     else
         drawLine(painter, series.color(), series.width());
+    drawClipMarks(painter, frame);
+}
+
+void SignalViewerPainter::drawClipMarks(QPainter &painter, const Frame &frame)
+{
+    // Where the trace runs past the top or the bottom of the plot, a bar on that edge says so:
+    // a trace cut off by the scale must not pass for a flat or solid one.
+    const double top = frame.plot.top() - 0.5;
+    const double bottom = frame.plot.bottom() + 0.5;
+    m_clipRects.clear();
+    for (const bool above : {true, false}) {
+        int runStart = -1, runEnd = -1;
+        const auto close = [&] {
+            if (runStart >= 0)
+                m_clipRects.emplace_back(
+                    runStart - 1, above ? int(frame.plot.top()) - 2 : int(frame.plot.bottom()) - 1,
+                    runEnd - runStart + 3, 3);
+            runStart = -1;
+        };
+        for (const QPointF &p : m_points) {
+            const bool out = above ? p.y() < top : p.y() > bottom;
+            const int x = int(std::floor(p.x()));
+            if (!out)
+                continue;
+            if (runStart >= 0 && x > runEnd + 2)
+                close();
+            if (runStart < 0)
+                runStart = x;
+            runEnd = x;
+        }
+        close();
+    }
+    if (m_clipRects.empty())
+        return;
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(kClipColor);
+    painter.drawRects(m_clipRects.data(), int(m_clipRects.size()));
+    painter.setBrush(Qt::NoBrush);
 }
 
 int SignalViewerPainter::linePasses(qreal width)

@@ -37,6 +37,9 @@ public:
         QRect clip;
     };
 
+    // The bar on the edge where a trace runs past the plot: clearly not part of any trace.
+    static inline const QColor kClipColor{0xE6, 0x51, 0x00};
+
     // Text and axis colours for light and dark backgrounds.
     static QColor textColor(bool dark);
 
@@ -77,6 +80,7 @@ private:
     static int linePasses(qreal width);
     void drawMarkers(QPainter &painter, const Frame &frame,
                      const QList<SignalViewerMarker> &markers);
+    void drawClipMarks(QPainter &painter, const Frame &frame);
     void drawHeader(QPainter &painter, const Frame &frame,
                     const QList<SignalViewerSeries> &series) const;
 
@@ -90,6 +94,7 @@ private:
     };
     std::vector<Bar> m_bars;
     std::vector<QRect> m_spans;
+    std::vector<QRect> m_clipRects;
     std::vector<QRectF> m_labelBoxes;
     QImage m_dot;
     QColor m_dotColor;
