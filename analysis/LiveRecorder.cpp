@@ -81,6 +81,9 @@ bool LiveRecorder::measure()
         return false;
     startNewRecording(true);
     m_device->startMeasuring();
+    // A unit that refused to start (bad limits) goes on streaming a preview.
+    if (!m_device->isMeasuring())
+        m_keepAll = false;
     return m_device->isMeasuring();
 }
 

@@ -200,12 +200,25 @@ private slots:
         QCOMPARE(rig.recorder.experiment()->getPressure().size(), bound);
         QVERIFY(rig.recorder.isSaveable());
     }
+    void aUnitLeftOnKeepsItsNewestTwoMinutes_data()
+    {
+        QTest::addColumn<bool>("refusedMeasure");
+        QTest::newRow("turned on") << false;
+        // Measure with limits the unit refuses leaves it streaming a preview, and a preview it
+        // stays.
+        QTest::newRow("measure refused") << true;
+    }
     void aUnitLeftOnKeepsItsNewestTwoMinutes()
     {
+        QFETCH(bool, refusedMeasure);
         Rig rig;
         Tap tap(rig.device);
         rig.recorder.setRecordRaw(true);
         rig.recorder.turnOn();
+        if (refusedMeasure) {
+            rig.device.setPressureLimits(-10, 120);
+            QVERIFY(!rig.recorder.measure());
+        }
         const QDateTime start = rig.recorder.experiment()->startDateTime();
         rig.run(130'000);
         QCOMPARE(rig.recorder.recordedSamples(), 130'000); // ten seconds of slack first
