@@ -184,6 +184,7 @@ private slots:
     {
         Rig rig;
         QSignalSpy limit(&rig.recorder, &LiveRecorder::limitReached);
+        rig.recorder.setRecordRaw(true);
         QVERIFY(rig.recorder.turnOn());
         QVERIFY(rig.recorder.measure());
         const qint64 bound = qint64(LiveRecorder::MaxMeasurementSeconds) * 1000;
@@ -198,6 +199,8 @@ private slots:
         QVERIFY(!rig.device.isAcquiring());
         QCOMPARE(rig.recorder.recordedSamples(), bound);
         QCOMPARE(rig.recorder.experiment()->getPressure().size(), bound);
+        // The raw block of the last frame came after the limit was seen, and it is there.
+        QCOMPARE(rig.recorder.experiment()->rawSamples(), bound);
         QVERIFY(rig.recorder.isSaveable());
     }
     void aUnitLeftOnKeepsItsNewestTwoMinutes_data()
