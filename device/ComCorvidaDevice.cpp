@@ -14,8 +14,6 @@ namespace {
 constexpr int kWriteWaitMs = 100;
 // A raw frame holds at most 255 / 8 groups; reserving that once per packet avoids regrowth.
 constexpr int kMaxGroups = CorvidaPacket::MaxPayload / CorvidaPacket::GroupSize;
-// How long a silent stream gets to show that its bytes were only waiting for a busy event loop.
-constexpr int kConfirmLossMs = 200;
 } // namespace
 
 ComCorvidaDevice::ComCorvidaDevice(const QString &portName, QObject *parent)
@@ -376,7 +374,7 @@ void ComCorvidaDevice::checkStream()
     // verdict waits a moment: a stream that delivers a packet by then is alive.
     const qint64 lastPacket = m_lastPacketMs;
     const quint64 generation = m_receiveGeneration;
-    QTimer::singleShot(kConfirmLossMs, this, [this, lastPacket, generation] {
+    QTimer::singleShot(LossConfirmMs, this, [this, lastPacket, generation] {
         if (m_acquiring && m_port && m_lastPacketMs == lastPacket &&
             generation == m_receiveGeneration)
             onStreamLost();

@@ -31,6 +31,9 @@ public:
     ~ComCorvidaDevice() override;
 
     static constexpr int WatchdogInterval = 2000; // ms
+    // How long a silent stream gets to show that its bytes were only waiting for a busy event
+    // loop before it counts as lost.
+    static constexpr int LossConfirmMs = 200;
 
     QString portName() const { return m_portName; }
     bool isSearching() const { return m_searching; }

@@ -243,6 +243,23 @@ private slots:
         b.device->watchdogTick();
         QCOMPARE(lost.count(), 1); // a stream that flows is left alone
     }
+    // A long save holds the event loop up; the packets that waited in the port meanwhile must
+    // not make a streaming unit look lost.
+    void packetsThatWaitedForABusyLoopAreNoLostLink()
+    {
+        Rig b;
+        QVERIFY(b.connectAndIdentify());
+        b.device->startAcquisition();
+        QTRY_VERIFY(b.unit.isStreaming());
+        QVERIFY(b.stream(500));
+        QSignalSpy lost(b.device.get(), &BaseCorvidaDevice::linkLost);
+        b.now += ComCorvidaDevice::WatchdogInterval + 500;
+        b.unit.tick();            // on the line, not read yet
+        b.device->watchdogTick(); // the tick comes first
+        QVERIFY(!lost.wait(3 * ComCorvidaDevice::LossConfirmMs));
+        QCOMPARE(b.pressure.size(), 500 + ComCorvidaDevice::WatchdogInterval + 500);
+        QVERIFY(b.device->isConnected());
+    }
     void anIdleUnitIsNoLostLink()
     {
         Rig b;
