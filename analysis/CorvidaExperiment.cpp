@@ -1,6 +1,7 @@
 #include "analysis/CorvidaExperiment.h"
 
 #include "analysis/PeakFinder.h"
+#include "settings/AbstractMetaDescription.h"
 #include "storage/EDFReader.h"
 #include "storage/EDFWriter.h"
 #include "toolkit/GenericText.h"
@@ -87,6 +88,29 @@ void CorvidaExperiment::setBPM(double BPM)
 void CorvidaExperiment::setSN(const QString &SN)
 {
     assign(m_SN, SN, &CorvidaExperiment::changedSN, "SN");
+}
+
+void CorvidaExperiment::setUncalibrated(bool on)
+{
+    if (on) {
+        assign(m_Uncalibrated, true, &CorvidaExperiment::changedUncalibrated, "Uncalibrated");
+        return;
+    }
+    if (!m_Uncalibrated)
+        return;
+    // Cleared for a new recording: the mark is not written at all then, so a record measured
+    // with a calibration is the same file it always was.
+    m_Uncalibrated = false;
+    emit changedUncalibrated(false);
+    if (AbstractMetaDescription *d = getPropertyByName(QStringLiteral("Uncalibrated")))
+        d->clearValueSet();
+}
+
+QString CorvidaExperiment::pressureUnitText() const
+{
+    return m_Uncalibrated
+               ? genericText(QT_TRANSLATE_NOOP("Generic", "sensor units, not calibrated"))
+               : genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"));
 }
 
 void CorvidaExperiment::storeSBPTime(double SBPTime)
@@ -190,12 +214,16 @@ double CorvidaExperiment::pressureAt(double t)
 
 QString CorvidaExperiment::bpText() const
 {
-    if (m_SBP == 0.0 && m_DBP == 0.0)
-        return QStringLiteral("?");
     const auto value = [](double v) {
         return v > 0 ? QString::number(v, 'f', 0) : QStringLiteral("?");
     };
-    return value(m_SBP) + QLatin1Char('/') + value(m_DBP);
+    const QString text = m_SBP == 0.0 && m_DBP == 0.0
+                             ? QStringLiteral("?")
+                             : value(m_SBP) + QLatin1Char('/') + value(m_DBP);
+    if (!m_Uncalibrated)
+        return text;
+    return text + QStringLiteral(" (") +
+           genericText(QT_TRANSLATE_NOOP("Generic", "not calibrated")) + QLatin1Char(')');
 }
 
 QString CorvidaExperiment::listLabel() const
@@ -482,11 +510,10 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
 
 QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
 {
+    const QString pressureUnit = pressureUnitText();
     QList<QList<QVariant>> rows = {
-        {genericText(QT_TRANSLATE_NOOP("Generic", "SBP")), m_SBP,
-         genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
-        {genericText(QT_TRANSLATE_NOOP("Generic", "DBP")), m_DBP,
-         genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"))},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "SBP")), m_SBP, pressureUnit},
+        {genericText(QT_TRANSLATE_NOOP("Generic", "DBP")), m_DBP, pressureUnit},
         {genericText(QT_TRANSLATE_NOOP("Generic", "Pulse")), m_BPM,
          genericText(QT_TRANSLATE_NOOP("Generic", "bpm"))},
         {genericText(QT_TRANSLATE_NOOP("Generic", "Rodent")), m_Rodent},
@@ -500,8 +527,7 @@ QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
     rows << QList<QVariant>{genericText(QT_TRANSLATE_NOOP("Generic", "Sampling rate")),
                             m_samplingRate};
     rows << QList<QVariant>{
-        genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")) + QStringLiteral(", ") +
-            genericText(QT_TRANSLATE_NOOP("Generic", "mmHg")),
+        genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")) + QStringLiteral(", ") + pressureUnit,
         genericText(QT_TRANSLATE_NOOP("Generic", "PPG")) + QStringLiteral(", ") +
             genericText(QT_TRANSLATE_NOOP("Generic", "V"))};
     const qsizetype n = std::min(pressure.size(), pulse.size());

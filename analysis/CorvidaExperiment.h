@@ -48,6 +48,12 @@ class CorvidaExperiment : public VTSettings
     Q_PROPERTY(QString SN READ getSN WRITE setSN RESET resetSN NOTIFY changedSN)
     Q_CLASSINFO("SNDefault", "\"\"")
     Q_CLASSINFO("SNEditable", "true")
+    // Set when the unit had no usable pressure calibration: the pressures are sensor values, not
+    // mmHg. Written only when set, so records measured with a calibration keep their old form.
+    Q_PROPERTY(
+        bool Uncalibrated READ isUncalibrated WRITE setUncalibrated NOTIFY changedUncalibrated)
+    Q_CLASSINFO("UncalibratedNoDefault", "true")
+    Q_CLASSINFO("UncalibratedNotVisible", "true")
 
 public:
     explicit CorvidaExperiment(QObject *parent = nullptr);
@@ -63,6 +69,9 @@ public:
     double getDBPTime() const { return m_DBPTime; }
     double getBPM() const { return m_BPM; }
     QString getSN() const { return m_SN; }
+    bool isUncalibrated() const { return m_Uncalibrated; }
+    // "mmHg", or a note that the pressures are uncalibrated sensor values.
+    QString pressureUnitText() const;
 
     QDateTime startDateTime() const { return m_startDateTime; }
     void setStartDateTime(const QDateTime &start) { m_startDateTime = start; }
@@ -82,7 +91,8 @@ public:
     // Cuff pressure at t seconds (sample index t x rate, truncated); 0 outside the series.
     double pressureAt(double t);
 
-    // "120/80"; a value of 0 or less is "?", and "?" alone when both are 0.
+    // "120/80"; a value of 0 or less is "?", and "?" alone when both are 0. A record without
+    // a pressure calibration says so after the values.
     QString bpText() const;
     // The file name of the ".exp" file, or "?" for a record that has none yet.
     QString listLabel() const;
@@ -113,6 +123,7 @@ public slots:
     void setDBPTime(double DBPTime);
     void setBPM(double BPM);
     void setSN(const QString &SN);
+    void setUncalibrated(bool on);
     void resetRodent();
     void resetComment();
     void resetSBP();
@@ -131,6 +142,7 @@ signals:
     void changedDBPTime(double DBPTime);
     void changedBPM(double BPM);
     void changedSN(QString SN);
+    void changedUncalibrated(bool on);
     void bpResetted();
     void dataUpdated();
 
@@ -169,6 +181,7 @@ private:
     double m_DBPTime = 0.0;
     double m_BPM = 0.0;
     QString m_SN;
+    bool m_Uncalibrated = false;
 
     QList<int> m_beats;
     QList<int> m_valleys;

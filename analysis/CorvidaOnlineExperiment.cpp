@@ -2,6 +2,8 @@
 
 #include "analysis/PeakFinder.h"
 
+#include <algorithm>
+
 CorvidaOnlineExperiment::CorvidaOnlineExperiment(QObject *parent)
     : CorvidaExperiment(parent)
     , m_clock(VClock::wall())
@@ -87,4 +89,22 @@ void CorvidaOnlineExperiment::appendRaw(const QList<QList<double>> &blocks)
         return;
     }
     m_raw = blocks;
+}
+
+void CorvidaOnlineExperiment::keepNewest(QList<double> &series, qsizetype drop, qsizetype capacity)
+{
+    if (series.isEmpty() || drop <= 0)
+        return;
+    const qsizetype from = std::min(drop, series.size());
+    QList<double> kept;
+    kept.reserve(std::max(capacity, series.size() - from));
+    kept.resize(series.size() - from);
+    std::copy(series.cbegin() + from, series.cend(), kept.begin());
+    series = std::move(kept);
+}
+
+void CorvidaOnlineExperiment::dropOldestRaw(qsizetype count, qsizetype capacity)
+{
+    for (QList<double> &channel : m_raw)
+        keepNewest(channel, count, capacity);
 }

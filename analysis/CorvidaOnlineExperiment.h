@@ -29,6 +29,15 @@ public:
     void releaseSeries();
     // One block per raw channel; a different channel count starts the raw lists anew.
     void appendRaw(const QList<QList<double>> &blocks);
+    qsizetype rawChannelCount() const { return m_raw.size(); }
+    qsizetype rawSamples() const { return m_raw.isEmpty() ? 0 : m_raw.first().size(); }
+    // Drops the oldest `count` samples of every raw channel, keeping room for `capacity`.
+    // Each channel is copied into a fresh list: the old block is freed and the new one has room
+    // for what comes next, so a long preview does not keep growing.
+    void dropOldestRaw(qsizetype count, qsizetype capacity);
+    void clearRaw() { m_raw.clear(); }
+    // The samples of a series from `drop` on, in a fresh list with room for `capacity`.
+    static void keepNewest(QList<double> &series, qsizetype drop, qsizetype capacity);
 
 signals:
     void startDateChanged();

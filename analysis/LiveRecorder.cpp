@@ -3,6 +3,7 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "device/BaseCorvidaDevice.h"
 
+#include <QDebug>
 #include <algorithm>
 
 LiveRecorder::LiveRecorder(BaseCorvidaDevice *device, QObject *parent)
@@ -16,6 +17,8 @@ LiveRecorder::LiveRecorder(BaseCorvidaDevice *device, QObject *parent)
                                  &LiveRecorder::onFrame);
         m_connections << connect(m_device, &BaseCorvidaDevice::adcData, this,
                                  &LiveRecorder::onRawFrame);
+        m_connections << connect(m_device, &BaseCorvidaDevice::linkLost, this,
+                                 &LiveRecorder::onLinkLost);
     }
     m_connections << connect(m_experiment, &CorvidaOnlineExperiment::pulseCalculated, this,
                              [this](double bpm) { m_lastHeartRate = bpm; });
@@ -28,15 +31,21 @@ bool LiveRecorder::isSaveable() const
     return double(m_pressure.size()) > m_experiment->getSamplingRate();
 }
 
-void LiveRecorder::startNewRecording()
+void LiveRecorder::startNewRecording(bool keepAll)
 {
     m_experiment->resetForNewRecording();
+    m_experiment->setUncalibrated(false);
     m_pressure.clear();
     m_pulse.clear();
     m_infrared.clear();
     m_lastHeartRate = 0.0;
     m_droppedMs = 0.0;
     m_savedPath.clear();
+    m_recordRaw = m_recordRawWanted;
+    m_keepAll = keepAll;
+    m_limitReached = false;
+    m_linkLost = false;
+    m_uncalibrated = false;
     if (m_device) {
         // Every record carries the identity of the unit it was measured with.
         m_experiment->setSN(m_device->serialNumber().isEmpty() ? m_device->deviceId()
@@ -49,7 +58,7 @@ bool LiveRecorder::turnOn()
 {
     if (!m_device || !m_device->isConnected() || m_device->isAcquiring())
         return false;
-    startNewRecording();
+    startNewRecording(false);
     m_device->startAcquisition();
     return true;
 }
@@ -70,8 +79,11 @@ bool LiveRecorder::measure()
     if (!m_device || !m_device->isConnected() || !m_device->isAcquiring() ||
         m_device->isMeasuring())
         return false;
-    startNewRecording();
+    startNewRecording(true);
     m_device->startMeasuring();
+    // A unit that refused to start (bad limits) goes on streaming a preview.
+    if (!m_device->isMeasuring())
+        m_keepAll = false;
     return m_device->isMeasuring();
 }
 
@@ -93,10 +105,25 @@ bool LiveRecorder::save(const QString &folder, QString *error)
     return true;
 }
 
+void LiveRecorder::onLinkLost()
+{
+    // Only a recording in progress has something to lose; an idle unit just reconnects.
+    if (!m_device || !m_device->isAcquiring() || m_linkLost)
+        return;
+    m_linkLost = true;
+    emit linkLost();
+}
+
 void LiveRecorder::onFrame(const QList<QList<float>> &frame)
 {
-    if (frame.size() < 2)
+    // Frames still in the port's buffer when the limit stopped the unit belong to no record.
+    if (frame.size() < 2 || m_limitReached)
         return;
+    if (!m_uncalibrated && m_device && !m_device->isPressureCalibrated()) {
+        m_uncalibrated = true;
+        m_experiment->setUncalibrated(true);
+        emit pressureUncalibrated();
+    }
     // Take the series back from the record first: then nobody else holds them and appending
     // grows them in place.
     m_experiment->releaseSeries();
@@ -108,15 +135,24 @@ void LiveRecorder::onFrame(const QList<QList<float>> &frame)
         for (float v : frame[2])
             m_infrared.append(v);
     }
-    dropOldest();
+    if (!m_keepAll)
+        dropOldest();
     m_experiment->updateData({m_pressure, m_pulse, m_infrared});
     emit dataUpdated();
+
+    const double rate = m_experiment->getSamplingRate();
+    if (m_keepAll && rate > 0 && double(m_pressure.size()) >= MaxMeasurementSeconds * rate) {
+        qDebug() << "Measurement stopped at its limit of" << MaxMeasurementSeconds << "s";
+        m_limitReached = true;
+        // The raw block of this frame still follows; the unit is stopped after it.
+        m_stopPending = true;
+    }
 }
 
 void LiveRecorder::dropOldest()
 {
     // A unit left turned on for a long time would otherwise grow its live record without end.
-    // Like the unit's own history, the record keeps its newest stretch; the start time moves
+    // Like the unit's own history, the preview keeps its newest stretch; the start time moves
     // with it, so a record saved later still begins at its first sample. The oldest samples go
     // ten seconds at a time: in between, the record only grows at its end, which is what the
     // viewers redraw cheaply.
@@ -129,16 +165,11 @@ void LiveRecorder::dropOldest()
     // Copied into lists sized for the next ten seconds: they fill without growing, and the old
     // ones are freed, so memory stays where it is from here on.
     const qsizetype room = cap + slack + slack / 10;
-    for (QList<double> *series : {&m_pressure, &m_pulse, &m_infrared}) {
-        if (series->isEmpty())
-            continue;
-        const qsizetype from = std::min(drop, series->size());
-        QList<double> kept;
-        kept.reserve(room);
-        kept.resize(series->size() - from);
-        std::copy(series->cbegin() + from, series->cend(), kept.begin());
-        *series = std::move(kept);
-    }
+    for (QList<double> *series : {&m_pressure, &m_pulse, &m_infrared})
+        CorvidaOnlineExperiment::keepNewest(*series, drop, room);
+    // The raw channels lose the same samples. Their block for the frame in hand has not come
+    // yet, so they are one frame shorter and keep room for it.
+    m_experiment->dropOldestRaw(drop, room);
     if (rate > 0) {
         m_droppedMs += double(drop) * 1000.0 / rate;
         const qint64 whole = qint64(m_droppedMs);
@@ -149,6 +180,25 @@ void LiveRecorder::dropOldest()
 
 void LiveRecorder::onRawFrame(const QList<QList<double>> &frame)
 {
-    if (m_recordRaw)
-        m_experiment->appendRaw(frame);
+    if (m_limitReached && !m_stopPending)
+        return;
+    if (m_recordRaw && !frame.isEmpty()) {
+        // The processed frame of these samples came first; with this block the raw channels must
+        // reach the same length. Anything else would write them out of step, so rather none.
+        const qsizetype held =
+            m_experiment->rawChannelCount() == frame.size() ? m_experiment->rawSamples() : 0;
+        if (held + frame.first().size() == m_pressure.size()) {
+            m_experiment->appendRaw(frame);
+        } else {
+            qDebug() << "Raw channels out of step with the record; raw recording stops here";
+            m_experiment->clearRaw();
+            m_recordRaw = false;
+        }
+    }
+    if (m_stopPending) {
+        m_stopPending = false;
+        if (m_device && m_device->isMeasuring())
+            m_device->stopMeasuring();
+        emit limitReached();
+    }
 }

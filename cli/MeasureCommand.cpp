@@ -142,9 +142,12 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
         context.err().flush();
     });
     ticker.start(200);
-    const bool lost =
-        !waitFor([&] { return clock.elapsed() >= seconds * 1000 || !device->isConnected(); },
-                 int(seconds * 1000) + 1000);
+    const bool lost = !waitFor(
+        [&] {
+            return clock.elapsed() >= seconds * 1000 || !device->isConnected() ||
+                   recorder.isLinkLost() || recorder.isLimitReached();
+        },
+        int(seconds * 1000) + 1000);
     ticker.stop();
     if (progress)
         context.err() << '\n';
@@ -159,6 +162,19 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
     context.out() << AnalyzeCommand::header() << '\n'
                   << AnalyzeCommand::resultLine(edf, *experiment) << '\n';
     context.out().flush();
+    if (recorder.isPressureUncalibrated()) {
+        context.err() << QStringLiteral("corvida-cli: warning: the unit's pressure calibration "
+                                        "was not accepted; the pressures of this record are "
+                                        "sensor values, not mmHg, and it is marked so\n");
+        context.err().flush();
+    }
+    if (recorder.isLinkLost())
+        return context.fail(QStringLiteral("the link to the unit was lost during the "
+                                           "measurement; what was recorded is saved"));
+    if (recorder.isLimitReached())
+        return context.fail(QStringLiteral("the measurement was stopped at its limit of %1 "
+                                           "minutes; what was recorded is saved")
+                                .arg(LiveRecorder::MaxMeasurementSeconds / 60));
     if (unitLost)
         return context.fail(QStringLiteral("the unit went away during the measurement; what was "
                                            "recorded is saved"));

@@ -56,6 +56,9 @@ public slots:
     virtual double sampleRate() const { return 1000.0; }
     virtual QString deviceId() const { return m_id; }
     virtual QList<QPair<QString, QString>> deviceInfo() const { return {}; }
+    // Whether the processed pressure is in mmHg. A serial unit needs its calibration for that;
+    // without one the pressure is the sensor value as it came.
+    virtual bool isPressureCalibrated() const { return true; }
 
 signals:
     void adcData(QList<QList<double>> data);
@@ -68,6 +71,9 @@ signals:
     void connected();
     void disconnected();
     void idChanged();
+    // The stream of a unit that was acquiring stopped (silent or out of step) or the port
+    // failed. Emitted before the unit is disconnected, while its state still shows what ran.
+    void linkLost();
 
 protected:
     // Filters, calibrates and normalises one raw frame, keeps it in the history and hands the

@@ -21,6 +21,7 @@ ComCorvidaDevice::ComCorvidaDevice(const QString &portName, QObject *parent)
     , m_portName(portName)
     , m_watchdogTimer(new QTimer(this))
     , m_portList(SerialPortList::system())
+    , m_clock(VClock::wall())
 {
     // A searching device keeps the running id of the base until the unit names itself.
     if (!portName.isEmpty())
@@ -66,6 +67,12 @@ void ComCorvidaDevice::setWatchdogActive(bool active)
         m_watchdogTimer->start();
     else
         m_watchdogTimer->stop();
+}
+
+void ComCorvidaDevice::setClock(VClock::Source clock)
+{
+    m_clock = clock ? std::move(clock) : VClock::wall();
+    m_lastPacketMs = m_clock();
 }
 
 void ComCorvidaDevice::restartWatchdog()
@@ -120,6 +127,7 @@ void ComCorvidaDevice::connectDevice()
     // A new port means a fresh stream: whatever stalled the old one is gone.
     m_decoder.reset();
     ++m_receiveGeneration;
+    m_lastPacketMs = m_clock();
 
     auto *port = new QSerialPort(m_portName, this);
     port->setBaudRate(QSerialPort::Baud115200, QSerialPort::AllDirections);
@@ -174,6 +182,8 @@ void ComCorvidaDevice::startAcquisition()
 {
     clearHistory();
     m_acquiring = true;
+    // The unit gets one watchdog period from now to start streaming.
+    m_lastPacketMs = m_clock();
     sendCommand(CorvidaPacket::StartAcquisition);
     emit started();
 }
@@ -246,6 +256,8 @@ void ComCorvidaDevice::onPortError(QSerialPort::SerialPortError error)
     if (error == QSerialPort::NoError)
         return;
     qDebug() << "Port error" << m_portName << error;
+    if (m_acquiring)
+        emit linkLost();
     disconnectDevice();
 }
 
@@ -266,8 +278,10 @@ void ComCorvidaDevice::receiveBytes(const QByteArray &bytes)
     CorvidaPacketDecoder::Packet packet;
     // A handler's signal may reach code that reconnects the device; the decoder has then been
     // reset and the packet in hand points at nothing, so the loop ends.
-    while (generation == m_receiveGeneration && m_decoder.next(packet))
+    while (generation == m_receiveGeneration && m_decoder.next(packet)) {
+        m_lastPacketMs = m_clock();
         handlePacket(packet);
+    }
 }
 
 void ComCorvidaDevice::handlePacket(const CorvidaPacketDecoder::Packet &packet)
@@ -343,10 +357,43 @@ void ComCorvidaDevice::handleSerialNumber(const CorvidaPacketDecoder::Packet &pa
 
 void ComCorvidaDevice::watchdogTick()
 {
+    if (m_port && m_port->isOpen())
+        checkStream();
     if (m_searching)
         searchPort();
     else
         reconnectTick();
+}
+
+void ComCorvidaDevice::checkStream()
+{
+    if (!m_acquiring || m_clock() - m_lastPacketMs < WatchdogInterval)
+        return;
+    // After the event loop was held up (a long save, say), this tick may come before the bytes
+    // that waited meanwhile in the port. They are read as soon as the loop runs again, so the
+    // verdict waits a moment: a stream that delivers a packet by then is alive.
+    const qint64 lastPacket = m_lastPacketMs;
+    const quint64 generation = m_receiveGeneration;
+    QTimer::singleShot(LossConfirmMs, this, [this, lastPacket, generation] {
+        if (m_acquiring && m_port && m_lastPacketMs == lastPacket &&
+            generation == m_receiveGeneration)
+            onStreamLost();
+    });
+}
+
+void ComCorvidaDevice::onStreamLost()
+{
+    // Garbage on the line leaves the decoder stalled until the port is reopened (the unit has
+    // no checksum to resynchronise on); a unit that stopped talking looks the same from here.
+    // Either way nothing more will arrive on this port, so it is closed and reopened, and
+    // whoever records from it learns that the link was lost.
+    qDebug() << "LINK LOST" << m_portName << "no packet for" << m_clock() - m_lastPacketMs << "ms"
+             << (m_decoder.isBlocked() ? "stream out of step," : "stream silent,")
+             << m_decoder.pendingBytes() + m_decoder.droppedBytes() << "bytes unread";
+    emit linkLost();
+    disconnectDevice();
+    if (!m_portName.isEmpty() && !m_searching)
+        connectDevice();
 }
 
 void ComCorvidaDevice::reconnectTick()

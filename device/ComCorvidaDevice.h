@@ -4,6 +4,7 @@
 #include "device/CorvidaPacketDecoder.h"
 #include "device/SerialPortList.h"
 #include "toolkit/ConnectionHelper.h"
+#include "toolkit/VClock.h"
 
 #include <QDateTime>
 #include <QSerialPort>
@@ -30,6 +31,9 @@ public:
     ~ComCorvidaDevice() override;
 
     static constexpr int WatchdogInterval = 2000; // ms
+    // How long a silent stream gets to show that its bytes were only waiting for a busy event
+    // loop before it counts as lost.
+    static constexpr int LossConfirmMs = 200;
 
     QString portName() const { return m_portName; }
     bool isSearching() const { return m_searching; }
@@ -47,6 +51,8 @@ public:
     // The first tick after construction waits for the event loop, so this can still be set.
     void setWatchdogActive(bool active);
     bool isWatchdogActive() const { return m_watchdogActive; }
+    // The clock the watchdog measures the stream's silence with.
+    void setClock(VClock::Source clock);
 
     // Folder of the raw CSV mirror; empty means the platform's default.
     void setRawFolder(const QString &folder) { m_rawFolder = folder; }
@@ -72,6 +78,7 @@ public slots:
     void stopMeasuring() override;
     bool isConnected() const override;
     QList<QPair<QString, QString>> deviceInfo() const override;
+    bool isPressureCalibrated() const override { return m_calibrated; }
 
     // One watchdog round: reconnect a bound device, search for a searching one.
     void watchdogTick();
@@ -86,6 +93,9 @@ private:
     void handleCalibration(const CorvidaPacketDecoder::Packet &packet);
     void handleSerialNumber(const CorvidaPacketDecoder::Packet &packet);
     void reconnectTick();
+    // While acquiring, a stream without a packet for a whole watchdog period is a lost link.
+    void checkStream();
+    void onStreamLost();
     void searchPort();
     void restartWatchdog();
     void closePort();
@@ -110,5 +120,7 @@ private:
     // Counts decoder resets, so the receive loop notices when a handler reconnected under it.
     quint64 m_receiveGeneration = 0;
     SerialPortList::Source m_portList;
+    VClock::Source m_clock;
+    qint64 m_lastPacketMs = 0; // last whole packet, or the start of acquisition
     QString m_rawFolder;
 };

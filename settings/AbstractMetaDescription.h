@@ -40,6 +40,8 @@ public:
     bool noDefault() const { return hintFlag(QStringLiteral("NoDefault")); }
     bool isValueSet() const { return m_valueSet; }
     void markValueSet() { m_valueSet = true; }
+    // The setting counts as never given again (a NoDefault setting is then not written).
+    void clearValueSet() { m_valueSet = false; }
     // Whether the value belongs in the settings file.
     virtual bool isStored() const;
 

@@ -1,5 +1,6 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "support/CorvidaUnitEmulator.h"
+#include "support/EDFRawFile.h"
 #include "support/RecordFiles.h"
 
 #include <QDir>
@@ -35,6 +36,12 @@ Result cli(const QString &data, const QStringList &arguments, int timeoutMs = 60
     }
     return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
+}
+
+QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList resultFields(const Result &r)
@@ -193,6 +200,46 @@ private slots:
         const CorvidaExperiment saved(fields[0].chopped(4) + ".exp");
         QCOMPARE(saved.getSN(), QStringLiteral("CV-0042"));
         QCOMPARE(saved.getRodent(), QStringLiteral("rat 9"));
+        // A calibrated record carries no mark: its file is what it always was.
+        QVERIFY(!fileBytes(fields[0].chopped(4) + ".exp").contains("Uncalibrated"));
+        QVERIFY(!r.err.contains(QStringLiteral("not mmHg")));
+    }
+    // Nine bytes of line noise used to stop the data for good, and measure exited 0 with the
+    // few seconds recorded before them.
+    void measureReportsALinkLostToLineNoise()
+    {
+        CorvidaUnitEmulator unit;
+        QVERIFY(unit.plug());
+        unit.setStreamTimerActive(true);
+        QTemporaryDir dir;
+        QTimer::singleShot(3000, &unit, [&unit] {
+            unit.sendLineNoise(QByteArray::fromHex("a7013cfe00991204ee"));
+        });
+        const Result r = cli(dir.path(), {"measure", "--port", unit.portPath(), "--seconds", "30"});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.err.contains(QStringLiteral("link to the unit was lost")), qPrintable(r.err));
+        // What came before the noise is saved: a couple of seconds, not the 30 asked for.
+        const QString edf = resultFields(r).value(0);
+        QVERIFY2(QFile::exists(edf), qPrintable(r.out));
+        const int seconds = EDFRawFile(edf).recordCount();
+        QVERIFY2(seconds >= 1 && seconds < 10, qPrintable(QString::number(seconds)));
+    }
+    // A unit whose calibration was refused measured in sensor units, and the record was saved
+    // and printed as mmHg (SBP 533.8).
+    void measureWithRefusedCalibrationWarnsAndMarksTheRecord()
+    {
+        CorvidaUnitEmulator unit;
+        unit.setCalibration(500, 0, 500, 200); // two equal sensor values give no line
+        QVERIFY(unit.plug());
+        unit.setStreamTimerActive(true);
+        QTemporaryDir dir;
+        Result r = cli(dir.path(), {"measure", "--port", unit.portPath(), "--seconds", "3"});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        QVERIFY2(r.err.contains(QStringLiteral("not mmHg")), qPrintable(r.err));
+        const QString edf = resultFields(r).value(0);
+        QVERIFY(fileBytes(edf.chopped(4) + ".exp").contains("Uncalibrated"));
+        r = cli(dir.path(), {"list"});
+        QVERIFY2(r.out.contains(QStringLiteral("(not calibrated)")), qPrintable(r.out));
     }
 };
 

@@ -29,6 +29,7 @@ struct Rig {
         unit.plug();
         device = std::make_unique<ComCorvidaDevice>(unit.portPath());
         device->setWatchdogActive(false);
+        device->setClock([this] { return now; });
         QObject::connect(device.get(), &BaseCorvidaDevice::pressurePulseData, device.get(),
                          [this](const QList<QList<float>> &data) { pressure += data[0]; });
     }
@@ -182,6 +183,92 @@ private slots:
         QCOMPARE(connectedSpy.count(), 1);
         QTRY_COMPARE(b.unit.receivedBytes().toHex(),
                      (kStop + kAskSerial + kAskCalibration).toHex());
+    }
+
+    void lostStreamClosesThePortAndTheUnitStreamsAgain_data()
+    {
+        QTest::addColumn<Action>("disturb");
+        QTest::addColumn<bool>("stalled");
+        // Nine bytes of noise between two packets: no start mark, so decoding stops for good.
+        QTest::newRow("line noise") << Action([](Rig &r) {
+            r.unit.sendLineNoise(QByteArray::fromHex("a7013cfe00991204ee"));
+            r.now += 300;
+            r.unit.tick(); // the samples behind the noise can no longer be read
+        }) << true;
+        // The unit stops talking: nothing is out of step, it is just silent.
+        QTest::newRow("silence") << Action([](Rig &) {}) << false;
+    }
+    void lostStreamClosesThePortAndTheUnitStreamsAgain()
+    {
+        QFETCH(Action, disturb);
+        QFETCH(bool, stalled);
+        Rig b;
+        QVERIFY(b.connectAndIdentify());
+        b.device->startAcquisition();
+        QTRY_VERIFY(b.unit.isStreaming());
+        QVERIFY(b.stream(500));
+        QSignalSpy lost(b.device.get(), &BaseCorvidaDevice::linkLost);
+        QSignalSpy disconnectedSpy(b.device.get(), &BaseCorvidaDevice::disconnected);
+        disturb(b);
+        if (stalled)
+            QTRY_VERIFY(b.device->decoder().isBlocked());
+        const qsizetype kept = b.pressure.size();
+
+        // Less than one watchdog period without a packet is no loss yet.
+        b.now += 1000;
+        b.device->watchdogTick();
+        QCOMPARE(lost.count(), 0);
+        QVERIFY(b.device->isConnected());
+
+        b.now += ComCorvidaDevice::WatchdogInterval;
+        b.unit.clearReceived();
+        b.device->watchdogTick();
+        QTRY_COMPARE(lost.count(), 1);
+        QCOMPARE(disconnectedSpy.count(), 1);
+        QVERIFY(!b.device->isAcquiring());
+        QCOMPARE(b.pressure.size(), kept);
+        // The cuff is released and streaming stopped on the old port, then the same round
+        // opens it anew and asks the unit who it is.
+        QTRY_COMPARE(b.unit.receivedBytes().toHex(),
+                     (kRelease + kStop + kStop + kAskSerial + kAskCalibration).toHex());
+        QTRY_VERIFY(b.device->isConnected());
+        QVERIFY(!b.device->decoder().isBlocked());
+
+        b.device->startAcquisition();
+        QTRY_VERIFY(b.unit.isStreaming());
+        QVERIFY(b.stream(500));
+        b.now += ComCorvidaDevice::WatchdogInterval - 1;
+        b.unit.tick();
+        QTRY_COMPARE(b.pressure.size(), kept + 500 + ComCorvidaDevice::WatchdogInterval - 1);
+        b.device->watchdogTick();
+        QCOMPARE(lost.count(), 1); // a stream that flows is left alone
+    }
+    // A long save holds the event loop up; the packets that waited in the port meanwhile must
+    // not make a streaming unit look lost.
+    void packetsThatWaitedForABusyLoopAreNoLostLink()
+    {
+        Rig b;
+        QVERIFY(b.connectAndIdentify());
+        b.device->startAcquisition();
+        QTRY_VERIFY(b.unit.isStreaming());
+        QVERIFY(b.stream(500));
+        QSignalSpy lost(b.device.get(), &BaseCorvidaDevice::linkLost);
+        b.now += ComCorvidaDevice::WatchdogInterval + 500;
+        b.unit.tick();            // on the line, not read yet
+        b.device->watchdogTick(); // the tick comes first
+        QVERIFY(!lost.wait(3 * ComCorvidaDevice::LossConfirmMs));
+        QCOMPARE(b.pressure.size(), 500 + ComCorvidaDevice::WatchdogInterval + 500);
+        QVERIFY(b.device->isConnected());
+    }
+    void anIdleUnitIsNoLostLink()
+    {
+        Rig b;
+        QVERIFY(b.connectAndIdentify());
+        QSignalSpy lost(b.device.get(), &BaseCorvidaDevice::linkLost);
+        b.now += 10 * ComCorvidaDevice::WatchdogInterval;
+        b.device->watchdogTick();
+        QCOMPARE(lost.count(), 0);
+        QVERIFY(b.device->isConnected());
     }
 
     void searchTakesTheFirstUnitThatIsNoBluetoothLink()

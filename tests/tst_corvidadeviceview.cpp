@@ -7,6 +7,7 @@
 #include "ui/HeartRateWidget.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -34,6 +35,13 @@ protected:
         questions << text;
         return discard;
     }
+};
+
+// A unit whose pressure calibration never arrived or was refused.
+class UncalibratedUnit : public VirtualCorvidaDevice
+{
+public:
+    bool isPressureCalibrated() const override { return false; }
 };
 } // namespace
 
@@ -265,6 +273,50 @@ private slots:
         m_view->saveButton()->click();
         m_view->turnOnButton()->click();
         QCOMPARE(m_view->questions.size(), 2);
+    }
+    // The panel used to show a connected, measuring unit while the stream was dead.
+    void lostLinkIsShownAndTheRecordKept()
+    {
+        m_view->turnOnButton()->click();
+        m_view->measureButton()->click();
+        run(3000);
+        QVERIFY(!m_view->noticeLabel()->isVisibleTo(m_view.get()));
+        // What the serial unit does when its watchdog finds the stream dead.
+        emit m_device->linkLost();
+        m_device->disconnectDevice();
+        QVERIFY(m_view->noticeLabel()->isVisibleTo(m_view.get()));
+        QVERIFY2(
+            m_view->noticeLabel()->text().contains(QStringLiteral("link to the unit was lost")),
+            qPrintable(m_view->noticeLabel()->text()));
+        QVERIFY(m_view->notFoundIndicator()->isVisibleTo(m_view.get()));
+        QVERIFY(!m_view->abortButton()->isVisibleTo(m_view.get()));
+        QCOMPARE(m_view->recorder()->recordedSamples(), 3000);
+        QVERIFY(m_view->saveButton()->isVisibleTo(m_view.get()));
+
+        // Back again, the record is saved and a new recording starts without the old notice.
+        m_device->connectDevice();
+        m_view->saveButton()->click();
+        QVERIFY2(m_view->warnings.isEmpty(), qPrintable(m_view->warnings.join('\n')));
+        m_view->turnOnButton()->click();
+        QVERIFY(!m_view->noticeLabel()->isVisibleTo(m_view.get()));
+    }
+    void uncalibratedPressureIsAnnouncedAndMarked()
+    {
+        UncalibratedUnit unit;
+        unit.setTickTimerActive(false);
+        unit.setClock([this] { return m_now; });
+        AnsweringView view(&unit);
+        view.show();
+        view.turnOnButton()->click();
+        view.measureButton()->click();
+        for (int t = 0; t < 1500; t += 50) {
+            m_now += 50;
+            unit.tick();
+        }
+        QVERIFY(view.noticeLabel()->isVisibleTo(&view));
+        QVERIFY2(view.noticeLabel()->text().contains(QStringLiteral("not mmHg")),
+                 qPrintable(view.noticeLabel()->text()));
+        QVERIFY(view.experiment()->isUncalibrated());
     }
 };
 

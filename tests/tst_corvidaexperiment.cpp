@@ -234,6 +234,38 @@ private slots:
         // The last three seconds are at full pulse: the simulated 500 beats per minute.
         QVERIFY(std::fabs(rate.last().first().toDouble() - 500.0) < 15.0);
     }
+    // Records of a unit whose calibration was refused were listed and exported as mmHg.
+    void uncalibratedRecordSaysSoInListAndExport()
+    {
+        QTemporaryDir marked, plain;
+        CorvidaOnlineExperiment e;
+        fill(e, 1000, 2000);
+        e.setSBP(533.8);
+        e.setDBP(410.2);
+        e.setUncalibrated(true);
+        QVERIFY(e.save(marked.path()));
+        const QString expPath = e.getFilepath();
+        QFile exp(expPath);
+        QVERIFY(exp.open(QIODevice::ReadOnly));
+        QVERIFY(exp.readAll().contains("<Uncalibrated>"));
+
+        CorvidaExperiment back(expPath);
+        QVERIFY(back.isUncalibrated());
+        QCOMPARE(back.bpText(), QStringLiteral("534/410 (not calibrated)"));
+        const QList<QList<QVariant>> rows = back.exportTable(false);
+        QCOMPARE(rows[0][2].toString(), QStringLiteral("sensor units, not calibrated"));
+        QVERIFY(rows[7][0].toString().endsWith(QStringLiteral("not calibrated")));
+
+        // The same live record used again with a calibration leaves no trace of the mark.
+        e.resetForNewRecording();
+        e.setUncalibrated(false);
+        fill(e, 1000, 2000);
+        QVERIFY(e.save(plain.path()));
+        QFile plainExp(e.getFilepath());
+        QVERIFY(plainExp.open(QIODevice::ReadOnly));
+        QVERIFY(!plainExp.readAll().contains("Uncalibrated"));
+        QCOMPARE(CorvidaExperiment(e.getFilepath()).bpText().contains('('), false);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCorvidaExperiment)

@@ -73,6 +73,12 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
     box->setContentsMargins(6, 6, 6, 6);
     box->setSpacing(6);
     buildHeader();
+    m_notice = new QLabel(this);
+    m_notice->setObjectName(QStringLiteral("noticeLabel"));
+    m_notice->setWordWrap(true);
+    m_notice->setStyleSheet(QStringLiteral("QLabel { color: #C30; font-weight: bold }"));
+    m_notice->hide();
+    box->addWidget(m_notice);
 
     auto *viewerBox = new QWidget(this);
     auto *viewerLayout = new QVBoxLayout(viewerBox);
@@ -94,6 +100,19 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
                              &CorvidaDeviceView::refreshRecordedFileName);
     m_connections << connect(m_recorder, &LiveRecorder::dataUpdated, this,
                              &CorvidaDeviceView::onDataUpdated);
+    m_connections << connect(m_recorder, &LiveRecorder::linkLost, this, [this] {
+        addNotice(tr("The link to the unit was lost. What was recorded is kept; Corvida "
+                     "reconnects the unit by itself."));
+    });
+    m_connections << connect(m_recorder, &LiveRecorder::limitReached, this, [this] {
+        addNotice(tr("The measurement reached its limit of %1 minutes and was stopped. What "
+                     "was recorded is kept and can be saved.")
+                      .arg(LiveRecorder::MaxMeasurementSeconds / 60));
+    });
+    m_connections << connect(m_recorder, &LiveRecorder::pressureUncalibrated, this, [this] {
+        addNotice(tr("The unit's pressure calibration was not accepted: pressures are sensor "
+                     "values, not mmHg. The record is marked as not calibrated."));
+    });
     m_connections << connect(StyleHelper::instance(), &StyleHelper::themeChanged, this,
                              &CorvidaDeviceView::tintIcons);
     tintIcons();
@@ -333,6 +352,7 @@ void CorvidaDeviceView::turnOn()
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     m_heartRate->setHeartRate(0);
+    clearNotice();
     m_recorder->turnOn();
 }
 
@@ -348,6 +368,7 @@ void CorvidaDeviceView::measure()
     if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() || !mayDiscardRecord())
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
+    clearNotice();
     m_recorder->measure();
 }
 
@@ -457,6 +478,22 @@ QString CorvidaDeviceView::savedRecordPath() const
         return path;
     const QFileInfo info(path);
     return info.dir().filePath(info.completeBaseName() + QStringLiteral(".edf"));
+}
+
+void CorvidaDeviceView::addNotice(const QString &text)
+{
+    QStringList lines = m_notice->text().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    if (lines.contains(text))
+        return;
+    lines << text;
+    m_notice->setText(lines.join(QLatin1Char('\n')));
+    m_notice->show();
+}
+
+void CorvidaDeviceView::clearNotice()
+{
+    m_notice->clear();
+    m_notice->hide();
 }
 
 void CorvidaDeviceView::setEditablesEnabled(bool enabled)

@@ -67,6 +67,9 @@ public:
     HeartRateWidget *heartRateWidget() const { return m_heartRate; }
     QLineEdit *rodentEditor() const { return m_rodent; }
     QLineEdit *commentEditor() const { return m_comment; }
+    // What went wrong with the current recording (link lost, limit reached, no calibration);
+    // hidden while there is nothing to say.
+    QLabel *noticeLabel() const { return m_notice; }
 
     // The service menu of the found indicator (serial units, Ctrl and Alt held); null when it
     // is not offered. The caller owns the menu.
@@ -111,6 +114,8 @@ private:
     void showRecordedFileName();
     void tintIcons();
     void setEditablesEnabled(bool enabled);
+    void addNotice(const QString &text);
+    void clearNotice();
 
     QPointer<BaseCorvidaDevice> m_device;
     LiveRecorder *m_recorder;
@@ -130,6 +135,7 @@ private:
     HeartRateWidget *m_heartRate = nullptr;
     QLineEdit *m_rodent = nullptr;
     QLineEdit *m_comment = nullptr;
+    QLabel *m_notice = nullptr;
     QList<QWidget *> m_editables;
     ExperimentViewer *m_viewer = nullptr;
     bool m_unsavedMeasurement = false;

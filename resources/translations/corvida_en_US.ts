@@ -169,6 +169,18 @@
         <source>Record not saved</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The link to the unit was lost. What was recorded is kept; Corvida reconnects the unit by itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The measurement reached its limit of %1 minutes and was stopped. What was recorded is kept and can be saved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The unit&apos;s pressure calibration was not accepted: pressures are sensor values, not mmHg. The record is marked as not calibrated.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>CorvidaSettings</name>
@@ -539,6 +551,14 @@ Restart now?</source>
     </message>
     <message>
         <source>Title</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>sensor units, not calibrated</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not calibrated</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

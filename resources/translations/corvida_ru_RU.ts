@@ -169,6 +169,18 @@
         <source>Record not saved</source>
         <translation>Запись не сохранена</translation>
     </message>
+    <message>
+        <source>The link to the unit was lost. What was recorded is kept; Corvida reconnects the unit by itself.</source>
+        <translation>Связь с прибором потеряна. Записанное сохранено в панели; Corvida сама переподключает прибор.</translation>
+    </message>
+    <message>
+        <source>The measurement reached its limit of %1 minutes and was stopped. What was recorded is kept and can be saved.</source>
+        <translation>Измерение достигло предела в %1 минут и остановлено. Записанное сохранено в панели, его можно сохранить.</translation>
+    </message>
+    <message>
+        <source>The unit&apos;s pressure calibration was not accepted: pressures are sensor values, not mmHg. The record is marked as not calibrated.</source>
+        <translation>Калибровка давления прибора не принята: давление в единицах датчика, а не в мм рт. ст. Запись помечена как некалиброванная.</translation>
+    </message>
 </context>
 <context>
     <name>CorvidaSettings</name>
@@ -541,6 +553,14 @@ Restart now?</source>
     <message>
         <source>Title</source>
         <translation>Название</translation>
+    </message>
+    <message>
+        <source>sensor units, not calibrated</source>
+        <translation>единицы датчика, без калибровки</translation>
+    </message>
+    <message>
+        <source>not calibrated</source>
+        <translation>без калибровки</translation>
     </message>
 </context>
 <context>

@@ -88,6 +88,9 @@ public:
     static QByteArray packet(int type, const QByteArray &payload = QByteArray());
     static QByteArray le64(quint64 value);
 
+    // Bytes on the line that are no packet at all, as electrical noise would put there.
+    void sendLineNoise(const QByteArray &bytes) { writeRaw(bytes); }
+
 public slots:
     // Sends the samples due since the previous tick (at most ten seconds' worth).
     void tick();
