@@ -108,12 +108,17 @@ XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
            << withUnit(QT_TRANSLATE_NOOP("Generic", "Pulse"), QT_TRANSLATE_NOOP("Generic", "bpm"))
            << QCoreApplication::translate("RecordExport", "Start");
     table << header;
-    const auto found = [](double value) { return value > 0 ? QVariant(value) : QVariant(); };
     for (const CorvidaExperiment *record : records) {
         QList<QVariant> row;
         for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
             row << RecordDatabase::cellText(record, c);
-        row << found(record->getSBP()) << found(record->getDBP()) << found(record->getBPM());
+        // Pressures of a unit without its calibration are sensor values: no mmHg to compute with.
+        const bool mmHg = !record->isUncalibrated();
+        const auto found = [](double value, bool usable) {
+            return usable && value > 0 ? QVariant(value) : QVariant();
+        };
+        row << found(record->getSBP(), mmHg) << found(record->getDBP(), mmHg)
+            << found(record->getBPM(), true);
         const QDateTime start = recordStart(record);
         row << (start.isValid() ? QVariant(start) : QVariant());
         table << row;

@@ -114,8 +114,12 @@ private slots:
         run(3000);
         QVERIFY(m_view->saveButton()->isVisibleTo(m_view.get()));
 
+        // While it records, Save looks like the other buttons; once the cuff cycle ends with
+        // the record unsaved, it stands out.
+        QVERIFY(!m_view->saveButton()->property("attention").toBool());
         m_view->abortButton()->click();
         QVERIFY(m_view->saveButton()->isEnabled());
+        QVERIFY(m_view->saveButton()->property("attention").toBool());
         m_view->saveButton()->click();
         QVERIFY2(m_view->warnings.isEmpty(), qPrintable(m_view->warnings.join('\n')));
         const QString edf = m_view->savedRecordPath();
@@ -201,6 +205,28 @@ private slots:
         QCOMPARE(widget.iconPage(), 1);
         QVERIFY(widget.toolTip().contains(QStringLiteral("no regular pulse")));
     }
+    void shortenedFileNameKeepsTheTimeOfDay_data()
+    {
+        QTest::addColumn<int>("room");
+        QTest::addColumn<QString>("shown");
+        const QFontMetrics fm(QApplication::font());
+        const QString name = QStringLiteral("2026-11-21_10-05-00 (CV0042).edf");
+        QTest::newRow("room for all") << fm.horizontalAdvance(name) << name;
+        QTest::newRow("suffix dropped")
+            << fm.horizontalAdvance(name) - 5 << QStringLiteral("2026-11-21_10-05-00 (CV0042)");
+        QTest::newRow("date dropped")
+            << fm.horizontalAdvance("10-05-00 (CV0042)") + 2 << QStringLiteral("10-05-00 (CV0042)");
+    }
+    void shortenedFileNameKeepsTheTimeOfDay()
+    {
+        QFETCH(int, room);
+        const QFontMetrics fm(QApplication::font());
+        const QString name = QStringLiteral("2026-11-21_10-05-00 (CV0042).edf");
+        QTEST(CorvidaDeviceView::shortFileName(name, fm, room), "shown");
+        // However narrow, the time of day comes first.
+        QVERIFY(CorvidaDeviceView::shortFileName(name, fm, 60).startsWith(QStringLiteral("10-")));
+    }
+
     void heartRateThatCannotBeRightIsShownUncertain_data()
     {
         QTest::addColumn<double>("bpm");

@@ -24,7 +24,9 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QResizeEvent>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -33,7 +35,8 @@
 namespace {
 const QString kUsbIcon = QStringLiteral(":/resources/images/usb.svg");
 const QString kDebugIcon = QStringLiteral(":/resources/images/debug.svg");
-const QString kTurnOnIcon = QStringLiteral(":/icons/play.svg");
+// Turn on, Measure and Save stay told apart when the panel is too narrow for their words.
+const QString kTurnOnIcon = QStringLiteral(":/resources/images/power.svg");
 const QString kTurnOffIcon = QStringLiteral(":/icons/stop.svg");
 const QString kMeasureIcon = QStringLiteral(":/resources/images/play_circle.svg");
 const QString kAbortIcon = QStringLiteral(":/resources/images/stop_circle.svg");
@@ -92,10 +95,9 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
     experiment()->setNameWithSerial(true);
 
     CorvidaOnlineExperiment *live = experiment();
-    m_connections << connect(live, &CorvidaOnlineExperiment::pulseCalculated, m_heartRate,
-                             [this, live](double bpm) {
-                                 m_heartRate->showRate(bpm, live->lastBeatCount());
-                             });
+    m_connections << connect(
+        live, &CorvidaOnlineExperiment::pulseCalculated, m_heartRate,
+        [this, live](double bpm) { m_heartRate->showRate(bpm, live->lastBeatCount()); });
     m_connections << connect(live, &CorvidaOnlineExperiment::startDateChanged, this,
                              &CorvidaDeviceView::refreshRecordedFileName);
     m_connections << connect(m_recorder, &LiveRecorder::dataUpdated, this,
@@ -171,8 +173,11 @@ void CorvidaDeviceView::buildHeader()
                      tr("Abort pressure pumping and stop recording"));
     m_save = button(QStringLiteral("saveButton"), genericText(QT_TRANSLATE_NOOP("Generic", "Save")),
                     tr("Save record"));
+    // Green only while a finished measurement waits to be saved; a preview that could be
+    // saved keeps the look of the other buttons.
     m_save->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; } "
-                                         "QPushButton:!disabled { background: #3C0; }"));
+                                         "QPushButton[attention=\"true\"]:!disabled "
+                                         "{ background: #3C0; color: white; }"));
     m_connections << connect(m_turnOn, &QPushButton::clicked, this, &CorvidaDeviceView::turnOn);
     m_connections << connect(m_turnOff, &QPushButton::clicked, this, &CorvidaDeviceView::turnOff);
     m_connections << connect(m_measure, &QPushButton::clicked, this, &CorvidaDeviceView::measure);
@@ -302,12 +307,28 @@ void CorvidaDeviceView::manageButtons()
 
     setEditablesEnabled(true);
     m_save->setVisible(saveable);
+    updateSaveLook();
     m_recordedFile->hide();
     m_recordedFile->setFlat(true);
     m_heartRate->setVisible(started);
 
     updateTitle();
     applyWidthLayout(width());
+}
+
+void CorvidaDeviceView::updateSaveLook()
+{
+    const bool attention = hasUnsavedMeasurement() && !isDeviceMeasuring();
+    if (m_save->property("attention").toBool() == attention && !m_save->icon().isNull())
+        return;
+    m_save->setProperty("attention", attention);
+    m_save->style()->unpolish(m_save);
+    m_save->style()->polish(m_save);
+    const QColor text = StyleHelper::instance()->color(QStringLiteral("--v-text"), Qt::black);
+    m_save->setIcon(StyleHelper::tintedIcon(kSaveIcon, attention ? QColor(Qt::white) : text));
+    m_save->setToolTip(attention ? tr("Save record") + QStringLiteral(": ") +
+                                       tr("the measurement has not been saved yet")
+                                 : tr("Save record"));
 }
 
 void CorvidaDeviceView::updateTitle()
@@ -339,8 +360,10 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
-    m_rodent->setFixedWidth(editorWidth);
-    m_comment->setFixedWidth(editorWidth);
+    // Never narrower than the placeholder: "Com..." tells nobody what the box is for.
+    for (QLineEdit *editor : {m_rodent, m_comment})
+        editor->setFixedWidth(std::max(
+            editorWidth, editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24));
     m_recordedFile->setStyleSheet(QStringLiteral("font-size: ") +
                                   (longTexts ? QStringLiteral("14px") : QStringLiteral("10px")));
     showRecordedFileName();
@@ -426,6 +449,7 @@ void CorvidaDeviceView::save()
     } else if (m_recorder->save(folder, &error)) {
         m_unsavedMeasurement = false;
         setEditablesEnabled(false);
+        updateSaveLook();
         setRecordedFileName(QFileInfo(savedRecordPath()).fileName());
         m_recordedFile->setToolTip(genericText(QT_TRANSLATE_NOOP("Generic", "Open")) +
                                    QLatin1Char(' ') + m_recordedFileName);
@@ -458,8 +482,21 @@ void CorvidaDeviceView::showRecordedFileName()
     const int room = std::max(80, int(width() * 0.22));
     QFont font = m_recordedFile->font();
     font.setPixelSize(width() > ShortTextMaxWidth ? 14 : 10);
-    m_recordedFile->setText(
-        QFontMetrics(font).elidedText(m_recordedFileName, Qt::ElideMiddle, room - 16));
+    m_recordedFile->setText(shortFileName(m_recordedFileName, QFontMetrics(font), room - 16));
+}
+
+QString CorvidaDeviceView::shortFileName(const QString &name, const QFontMetrics &fm, int room)
+{
+    // What tells records apart is the time of day and the unit: the date and the suffix go
+    // first, and only then is the rest cut at its end.
+    QString text = name;
+    if (text.endsWith(QLatin1String(".edf"), Qt::CaseInsensitive) &&
+        fm.horizontalAdvance(text) > room)
+        text.chop(4);
+    static const QRegularExpression date(QStringLiteral("^\\d{4}-\\d{2}-\\d{2}_"));
+    if (fm.horizontalAdvance(text) > room)
+        text.remove(date);
+    return fm.elidedText(text, Qt::ElideRight, room);
 }
 
 void CorvidaDeviceView::openRecordedFile()
@@ -563,5 +600,6 @@ void CorvidaDeviceView::tintIcons()
     m_turnOff->setIcon(StyleHelper::tintedIcon(kTurnOffIcon, text));
     m_measure->setIcon(StyleHelper::tintedIcon(kMeasureIcon, text));
     m_abort->setIcon(StyleHelper::tintedIcon(kAbortIcon, text));
-    m_save->setIcon(StyleHelper::tintedIcon(kSaveIcon, Qt::white));
+    m_save->setIcon(QIcon());
+    updateSaveLook();
 }

@@ -11,6 +11,7 @@ class CorvidaOnlineExperiment;
 class ExperimentViewer;
 class HeartRateWidget;
 class LiveRecorder;
+class QFontMetrics;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -30,6 +31,8 @@ public:
     static constexpr int IconOnlyMaxWidth = 500;
     static constexpr int ShortTextMaxWidth = 700;
     static constexpr int RecordedFileMinWidth = 601;
+    // A record's file name fitted into `room` pixels, keeping the time of day and the unit.
+    static QString shortFileName(const QString &name, const QFontMetrics &fm, int room);
 
     explicit CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent = nullptr);
     ~CorvidaDeviceView() override;
@@ -105,6 +108,8 @@ private:
     void buildHeader();
     QLineEdit *createTextEditor(const QString &property, const QString &objectName);
     void updateTitle();
+    // Save is green while a finished measurement waits to be saved, plain otherwise.
+    void updateSaveLook();
     bool mayDiscardRecord();
     void applyWidthLayout(int width);
     void onMeasuringChanged();
