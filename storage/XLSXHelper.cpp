@@ -1,5 +1,8 @@
 #include "storage/XLSXHelper.h"
 
+#include "storage/ZipArchiveCheck.h"
+#include "toolkit/FileUtilities.h"
+
 #include <QAbstractItemModel>
 #include <QDebug>
 #include <QDir>
@@ -28,6 +31,17 @@ bool replaceWith(const QString &temporary, const QString &path)
     if (QFile::exists(path) && !QFile::remove(path))
         return false;
     return QFile::rename(temporary, path);
+}
+
+// The parts a workbook of `sheets` worksheets cannot open without.
+QStringList requiredParts(qsizetype sheets)
+{
+    QStringList parts = {QStringLiteral("[Content_Types].xml"), QStringLiteral("_rels/.rels"),
+                         QStringLiteral("xl/workbook.xml"),
+                         QStringLiteral("xl/_rels/workbook.xml.rels")};
+    for (qsizetype i = 1; i <= sheets; ++i)
+        parts << QStringLiteral("xl/worksheets/sheet%1.xml").arg(i);
+    return parts;
 }
 
 void setError(QString *error, const QString &text)
@@ -87,6 +101,17 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
     if (ok && closed != LXW_NO_ERROR) {
         setError(error, QStringLiteral("saving %1 failed: %2")
                             .arg(path, QString::fromUtf8(lxw_strerror(closed))));
+        ok = false;
+    }
+    QString damage;
+    if (ok && !ZipArchiveCheck::isComplete(temporary, requiredParts(names.size()), &damage)) {
+        setError(error, QStringLiteral("the workbook written for %1 is damaged (%2); the disk "
+                                       "may be full")
+                            .arg(path, damage));
+        ok = false;
+    }
+    if (ok && !FileUtilities::syncFile(temporary)) {
+        setError(error, QStringLiteral("cannot put %1 on the disk").arg(path));
         ok = false;
     }
     if (ok && !replaceWith(temporary, path)) {
@@ -222,9 +247,10 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
         return false;
     }
     QByteArray chunk("\xEF\xBB\xBF");
+    bool written = true;
     const auto flush = [&](bool force) {
         if (force || chunk.size() > (1 << 20)) {
-            file.write(chunk);
+            written = written && file.write(chunk) == chunk.size();
             chunk.clear();
         }
     };
@@ -247,8 +273,13 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
         chunk += lineEnd.toUtf8();
     }
     flush(true);
-    if (!file.commit()) {
-        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, file.errorString()));
+    QString why;
+    if (!written) {
+        why = file.errorString();
+        file.cancelWriting();
+    }
+    if (!written || !FileUtilities::commitSaveFile(file, &why)) {
+        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, why));
         return false;
     }
     return true;
