@@ -12,6 +12,7 @@ constexpr char kOnsetEnd = '\x14';
 constexpr int kFixedBytes = 256;
 constexpr int kSignalHeaderBytes = 216; // every field of one signal's header
 constexpr int kLabelBytes = 16;
+constexpr qint64 kTicksPerSecond = 10000000; // EDF+ onsets to 100 ns
 
 bool fail(QString *error, const QString &path, const QString &why)
 {
@@ -104,15 +105,36 @@ QList<QByteArray> listsIn(const QByteArray &bytes)
     }
     return lists;
 }
+// The onset of a time keeping list ("+0.109" followed by 0x14 0x14) in 100 ns units; 0 when it
+// cannot be read.
+qint64 ticksOf(const QByteArray &list)
+{
+    QByteArray onset = list.left(list.indexOf(kOnsetEnd));
+    if (onset.isEmpty() || (onset.at(0) != '+' && onset.at(0) != '-'))
+        return 0;
+    const bool negative = onset.at(0) == '-';
+    onset.remove(0, 1);
+    const qsizetype point = onset.indexOf('.');
+    const QByteArray whole = point < 0 ? onset : onset.left(point);
+    const QByteArray fraction =
+        (point < 0 ? QByteArray() : onset.mid(point + 1)).leftJustified(7, '0', true);
+    bool ok1 = false, ok2 = false;
+    const qint64 ticks = whole.toLongLong(&ok1) * kTicksPerSecond + fraction.toLongLong(&ok2);
+    return ok1 && ok2 ? (negative ? -ticks : ticks) : 0;
+}
 } // namespace
 
-QByteArray EDFMarkRewriter::markBytes(const QString &text, qint64 onsetMs)
+QByteArray EDFMarkRewriter::markBytes(const QString &text, qint64 onsetMs, qint64 startTicks)
 {
-    QByteArray onset = onsetMs < 0 ? QByteArray("-") : QByteArray("+");
-    const qint64 ms = qAbs(onsetMs);
-    onset += QByteArray::number(ms / 1000);
-    if (ms % 1000 != 0)
-        onset += '.' + QByteArray::number(ms % 1000).rightJustified(3, '0');
+    const qint64 total = onsetMs * (kTicksPerSecond / 1000) + startTicks;
+    QByteArray onset = total < 0 ? QByteArray("-") : QByteArray("+");
+    const qint64 ticks = qAbs(total);
+    onset += QByteArray::number(ticks / kTicksPerSecond);
+    QByteArray fraction = QByteArray::number(ticks % kTicksPerSecond).rightJustified(7, '0');
+    while (fraction.endsWith('0'))
+        fraction.chop(1);
+    if (!fraction.isEmpty())
+        onset += '.' + fraction;
     return onset + kOnsetEnd + text.toUtf8() + kOnsetEnd + '\0';
 }
 
@@ -167,8 +189,11 @@ bool EDFMarkRewriter::replaceMarks(const QString &path, const QStringList &repla
         }
         timeKeeping << (stamp.isEmpty() ? QByteArray() : stamp + '\0');
     }
+    // Onsets count from the start of the file, which lies a fraction of a second before the
+    // time keeping of the first record says; marks of recorded time are shifted by it.
+    const qint64 startTicks = ticksOf(timeKeeping.value(0));
     for (const Mark &mark : marks)
-        kept << markBytes(mark.first, mark.second);
+        kept << markBytes(mark.first, mark.second, startTicks);
 
     // Lay the lists out again from the first record on, as many as fit in each signal.
     QList<QList<QByteArray>> layoutBytes(layout.records,

@@ -21,6 +21,8 @@ public:
     static bool replaceMarks(const QString &path, const QStringList &replaced,
                              const QList<Mark> &marks, QString *error = nullptr);
 
-    // The time-stamped annotation list of one mark: "+12.345", 0x14, the text, 0x14, 0x00.
-    static QByteArray markBytes(const QString &text, qint64 onsetMs);
+    // The time-stamped annotation list of one mark: "+12.345", 0x14, the text, 0x14, 0x00. The
+    // onset is counted from the file's start (whole seconds): `startTicks` (100 ns units) is the
+    // fraction of a second by which the recording starts later, as its first record says.
+    static QByteArray markBytes(const QString &text, qint64 onsetMs, qint64 startTicks = 0);
 };
