@@ -610,6 +610,7 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
     // and only takes its own once the ".exp" file is there too. Creating that file is what
     // claims the name: a second program saving in the same second finds it taken and moves on
     // to the next free name instead of writing over this one.
+    QuorvexCommon::CreateDirIfNotExists(dir);
     QSet<QString> taken = RecordFileNames::takenNames(dir);
     QString base;
     QFile claim;

@@ -14,6 +14,7 @@ constexpr quint32 kZip64End = 0x06064b50;
 constexpr quint64 kZip64Marker32 = 0xffffffffu;
 constexpr int kEndRecordBytes = 22;
 constexpr qint64 kChunk = 1 << 16;
+constexpr quint64 kParseWholeBytes = 1 << 20;
 
 quint64 le(const QByteArray &b, qsizetype at, int bytes)
 {
@@ -143,13 +144,31 @@ bool checkMember(QFile &file, const Member &m, QString *why)
     const bool xml = m.name.endsWith(QLatin1String(".xml")) ||
                      m.name.endsWith(QLatin1String(".rels")) ||
                      m.name.endsWith(QLatin1String(".vml"));
+    // Small members are parsed whole. A sheet of a long recording runs to many megabytes; for it
+    // the root element's name is read from its start and its closing tag looked for at its end,
+    // which is where a cut-off file differs.
+    const bool parseWhole = m.size < kParseWholeBytes;
     QXmlStreamReader reader;
+    QByteArray root;
+    QByteArray tail;
     const auto feedXml = [&](const char *data, qsizetype n) {
         if (!xml)
             return;
-        reader.addData(QByteArray::fromRawData(data, n));
-        while (!reader.atEnd())
-            reader.readNext();
+        if (parseWhole || root.isEmpty()) {
+            reader.addData(QByteArray::fromRawData(data, n));
+            while (!reader.atEnd()) {
+                if (reader.readNext() == QXmlStreamReader::StartElement && root.isEmpty()) {
+                    root = reader.qualifiedName().toUtf8();
+                    if (!parseWhole)
+                        break;
+                }
+            }
+        }
+        if (!parseWhole) {
+            tail.append(data, n);
+            if (tail.size() > 4096)
+                tail.remove(0, tail.size() - 4096);
+        }
     };
 
     z_stream z = {};
@@ -196,10 +215,12 @@ bool checkMember(QFile &file, const Member &m, QString *why)
         inflateEnd(&z);
     if (!ok || !streamEnd || produced != m.size || crc != m.crc)
         return fail(why, QStringLiteral("%1: damaged").arg(m.name));
-    if (xml && (reader.hasError() || reader.tokenType() != QXmlStreamReader::EndDocument)) {
-        // A sheet whose temporary file was cut short is a well-packed but unfinished document.
+    // A sheet whose temporary file was cut short is a well-packed but unfinished document.
+    const bool finished =
+        parseWhole ? !reader.hasError() && reader.tokenType() == QXmlStreamReader::EndDocument
+                   : !root.isEmpty() && tail.trimmed().endsWith("</" + root + '>');
+    if (xml && !finished)
         return fail(why, QStringLiteral("%1: incomplete XML").arg(m.name));
-    }
     return true;
 }
 } // namespace

@@ -87,6 +87,12 @@ private slots:
             << QByteArray("<?xml version=\"1.0\"?><worksheet><sheetData><row r=\"1\"><c r=\"A1\">")
             << false;
         QTest::newRow("empty") << QByteArray() << false;
+        QByteArray rows;
+        for (int i = 0; i < 60000; ++i)
+            rows += "<row r=\"" + QByteArray::number(i) + "\"><c><v>1.25</v></c></row>";
+        const QByteArray head("<?xml version=\"1.0\"?><worksheet><sheetData>");
+        QTest::newRow("long sheet, finished") << head + rows + "</sheetData></worksheet>\n" << true;
+        QTest::newRow("long sheet, cut off") << head + rows << false;
     }
     void unfinishedXmlIsFound()
     {
