@@ -182,7 +182,7 @@
     </message>
     <message>
         <source>The record could not be written to</source>
-        <translation>Не удалось записать запись в файл</translation>
+        <translation>Не удалось сохранить запись в файл</translation>
     </message>
 </context>
 <context>
