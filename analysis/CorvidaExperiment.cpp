@@ -51,6 +51,11 @@ CorvidaExperiment::CorvidaExperiment(QObject *parent)
 CorvidaExperiment::CorvidaExperiment(const QString &settingsPath, QObject *parent)
     : VTSettings(settingsPath, true, parent, XML)
 {
+    // Marks read from one recording say nothing about the next one.
+    connect(this, &VTSettings::filePathChanged, this, [this] {
+        if (m_recordingPath.isEmpty())
+            m_marksKnown = false;
+    });
     loadDefaults();
     if (!settingsPath.isEmpty())
         reload();
