@@ -197,6 +197,33 @@ private slots:
         QCOMPARE(RecordFiles::readAll(exp), expBefore);
     }
 
+    void readOnlyRecordsFolderExitsNonZero()
+    {
+        ScratchDisk disk(4 << 20);
+        if (!disk.isMounted())
+            QSKIP(qPrintable(disk.whyNot()));
+        QVERIFY(QDir(disk.path()).mkdir(QStringLiteral("Records")));
+        const QString records = disk.filePath(QStringLiteral("Records"));
+        const QString edf = makeRecord(records);
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        {
+            CorvidaExperiment e(exp);
+            e.setSBPTime(9.0);
+        }
+        const QByteArray expBefore = RecordFiles::readAll(exp);
+        QVERIFY(disk.remountReadOnly());
+
+        Result r = cli(disk.path(), {"analyze", "--reset", "--save", edf});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        r = cli(disk.path(), {"measure", "--simulated", "--seconds", "3"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(r.err.contains(QStringLiteral("Cannot open \"") + records), qPrintable(r.err));
+        QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
+        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+    }
+
     void twoMeasurementsAtOnceKeepBoth()
     {
         QTemporaryDir dir;
