@@ -1,5 +1,6 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "settings/CorvidaSettings.h"
+#include "storage/EDFWriter.h"
 #include "storage/RecordDatabase.h"
 #include "storage/XLSXHelper.h"
 #include "support/EdfLibProbe.h"
@@ -15,6 +16,7 @@
 #include <cmath>
 #include <csignal>
 #include <memory>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -82,33 +84,88 @@ private slots:
 
     void saveOnFullDiskFailsAndKeepsEarlierRecord_data()
     {
-        QTest::addColumn<bool>("roomForRecording");
-        QTest::newRow("disk full while writing the recording") << false;
-        QTest::newRow("room for the recording, none for its properties") << true;
+        QTest::addColumn<QString>("limit");
+        QTest::newRow("disk full while writing the recording") << "disk";
+        QTest::newRow("room for the recording, none for its properties") << "recording only";
+        // Needs no root: the system refuses to let the file grow past the limit.
+        QTest::newRow("file size limit") << "file size";
     }
     void saveOnFullDiskFailsAndKeepsEarlierRecord()
     {
-        QFETCH(bool, roomForRecording);
+        QFETCH(QString, limit);
         QTemporaryDir scratch;
         QVERIFY(measurement()->save(scratch.path()));
         const qint64 recordingBytes =
             QFileInfo(scratch.filePath(baseName() + QStringLiteral(".edf"))).size();
 
         ScratchDisk disk(4 << 20);
-        if (!disk.isMounted())
+        const bool sizeLimit = limit == QLatin1String("file size");
+        if (!sizeLimit && !disk.isMounted())
             QSKIP(qPrintable(disk.whyNot()));
-        QVERIFY(measurement()->save(disk.path())); // the earlier record of the same second
-        const auto before = snapshot(disk.path());
+        const QString folder = sizeLimit ? scratch.path() : disk.path();
+        if (!sizeLimit)
+            QVERIFY(measurement()->save(folder)); // the earlier record of the same second
+        const auto before = snapshot(folder);
         const qint64 pages = (recordingBytes + 4095) / 4096;
-        QVERIFY(disk.fill(roomForRecording ? pages * 4096 : 8192));
+        if (!sizeLimit)
+            QVERIFY(disk.fill(limit == QLatin1String("recording only") ? pages * 4096 : 8192));
 
         std::unique_ptr<CorvidaOnlineExperiment> e = measurement();
         QString error;
-        QVERIFY(!e->save(disk.path(), &error));
-        QVERIFY2(error.contains(disk.path()), qPrintable(error));
-        QVERIFY2(error.contains(QStringLiteral("disk is full")), qPrintable(error));
+        rlimit old = {};
+        if (sizeLimit) {
+            std::signal(SIGXFSZ, SIG_IGN);
+            QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
+            rlimit limited = old;
+            limited.rlim_cur = rlim_t(recordingBytes / 2);
+            QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limited), 0);
+        }
+        const bool saved = e->save(folder, &error);
+        if (sizeLimit)
+            ::setrlimit(RLIMIT_FSIZE, &old);
+        QVERIFY(!saved);
+        QVERIFY2(error.contains(folder), qPrintable(error));
+        if (!sizeLimit)
+            QVERIFY2(error.contains(QStringLiteral("disk is full")), qPrintable(error));
         QVERIFY(e->getFilepath().isEmpty());
-        QCOMPARE(snapshot(disk.path()), before);
+        QCOMPARE(snapshot(folder), before);
+    }
+
+    void writerCloseIgnoresFailedWrite_data()
+    {
+        QTest::addColumn<bool>("fileSizeLimit");
+        QTest::newRow("full disk") << false;
+        QTest::newRow("file size limit") << true;
+    }
+    void writerCloseIgnoresFailedWrite()
+    {
+        QFETCH(bool, fileSizeLimit);
+        ScratchDisk disk(64 * 1024);
+        QTemporaryDir plain;
+        if (!fileSizeLimit && !disk.isMounted())
+            QSKIP(qPrintable(disk.whyNot()));
+        const QString path = (fileSizeLimit ? plain.path() : disk.path()) + "/cut.edf";
+        rlimit old = {};
+        if (fileSizeLimit) {
+            // Past the limit the system refuses to write (and would send SIGXFSZ).
+            std::signal(SIGXFSZ, SIG_IGN);
+            QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
+            rlimit limited = old;
+            limited.rlim_cur = 40 * 1024;
+            QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limited), 0);
+        }
+        bool closed = true;
+        {
+            EDFWriter writer(path, {ChannelDim("A", 100.0), ChannelDim("B", 100.0)}, 1000);
+            QVERIFY(writer.isOpen());
+            QList<float> samples(2 * 1000, 1.5f);
+            for (int second = 0; second < 60; ++second)
+                writer.writeData(samples);
+            closed = writer.close(true);
+        }
+        if (fileSizeLimit)
+            ::setrlimit(RLIMIT_FSIZE, &old);
+        QVERIFY(!closed);
     }
 
     void propertiesOnFullDiskKeepTheirFile_data()
