@@ -10,7 +10,9 @@
 namespace {
 constexpr char kOnsetEnd = '\x14';
 constexpr int kFixedBytes = 256;
-constexpr int kSignalHeaderBytes = 216; // every field of one signal's header
+// The fields of one signal before its samples per data record: label, transducer, dimension,
+// physical and digital range, prefilter.
+constexpr int kSignalHeaderBytes = 216;
 constexpr int kLabelBytes = 16;
 constexpr qint64 kTicksPerSecond = 10000000; // EDF+ onsets to 100 ns
 
