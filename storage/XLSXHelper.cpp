@@ -13,9 +13,50 @@
 #include <xlsxwriter.h>
 
 #include <cmath>
+#include <cstdio>
+#include <optional>
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 namespace {
 constexpr int kSheetNameMax = 31;
+
+// The spreadsheet library prints its complaints to stderr, where a script calling the
+// command-line tool expects one line of ours at most. Its reason reaches our own message through
+// its error code, so while it works its own printing goes nowhere.
+class LibraryQuiet
+{
+public:
+    LibraryQuiet()
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        m_saved = ::dup(STDERR_FILENO);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (m_saved >= 0 && null >= 0)
+            ::dup2(null, STDERR_FILENO);
+        if (null >= 0)
+            ::close(null);
+#endif
+    }
+    ~LibraryQuiet()
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        if (m_saved >= 0) {
+            ::dup2(m_saved, STDERR_FILENO);
+            ::close(m_saved);
+        }
+#endif
+    }
+    LibraryQuiet(const LibraryQuiet &) = delete;
+    LibraryQuiet &operator=(const LibraryQuiet &) = delete;
+
+private:
+    int m_saved = -1;
+};
 
 // A free temporary name in the target's folder, so the final rename stays on one file system.
 QString temporaryPathBeside(const QString &path)
@@ -66,8 +107,10 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
     options.constant_memory = constantMemory ? LXW_TRUE : LXW_FALSE;
     options.tmpdir = const_cast<char *>(tmpDir.constData());
     options.use_zip64 = LXW_TRUE;
+    std::optional<LibraryQuiet> quiet(std::in_place);
     lxw_workbook *workbook = workbook_new_opt(tmpName.constData(), &options);
     if (!workbook) {
+        quiet.reset();
         setError(error, QStringLiteral("cannot create %1").arg(path));
         return false;
     }
@@ -98,6 +141,7 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
         }
     }
     const lxw_error closed = workbook_close(workbook);
+    quiet.reset();
     if (ok && closed != LXW_NO_ERROR) {
         setError(error, QStringLiteral("saving %1 failed: %2")
                             .arg(path, QString::fromUtf8(lxw_strerror(closed))));

@@ -195,6 +195,14 @@ private slots:
         QVERIFY(!r.out.contains(QStringLiteral(".edf")));
         QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
         QCOMPARE(RecordFiles::readAll(exp), expBefore);
+
+        for (const QString &name : {QStringLiteral("out.xlsx"), QStringLiteral("out.csv")}) {
+            r = cli(disk.path(), {"export", "--full", "--out", disk.filePath(name), edf});
+            QCOMPARE(r.status, 1);
+            QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+            QVERIFY(r.err.contains(QStringLiteral("Error saving")));
+            QVERIFY(!QFile::exists(disk.filePath(name)));
+        }
     }
 
     void readOnlyRecordsFolderExitsNonZero()
