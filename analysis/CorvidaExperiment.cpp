@@ -2,8 +2,11 @@
 
 #include "analysis/PeakFinder.h"
 #include "settings/AbstractMetaDescription.h"
+#include "storage/EDFMarkRewriter.h"
 #include "storage/EDFReader.h"
 #include "storage/EDFWriter.h"
+#include "storage/RecordFileNames.h"
+#include "toolkit/FileUtilities.h"
 #include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
@@ -12,6 +15,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
+#include <QXmlStreamReader>
 #include <cmath>
 
 namespace {
@@ -25,7 +30,19 @@ constexpr double kPulseVoltsPerCount = 0.000054931640625;
 constexpr double kIrVoltsPerCount = 0.000040283203125;
 // Markers earlier than this are not believed: the cuff has not even finished inflating.
 constexpr double kEarliestMarker = 4.0;
+// Below this much free space a failed write is taken for a full disk.
+constexpr qint64 kFullDiskBytes = 1 << 20;
 
+// A marker time as the onset of its mark in whole milliseconds, cut toward zero. A time read
+// back from a mark (ms / 1000) times 1000 may land a hair below the whole number; the small
+// allowance keeps such a marker on its own millisecond instead of moving it back by one.
+qint64 markOnset(double seconds)
+{
+    return qint64(seconds * 1000.0 + 1e-6);
+}
+
+const QString kSbpMark = QStringLiteral("SBP");
+const QString kDbpMark = QStringLiteral("DBP");
 } // namespace
 
 CorvidaExperiment::CorvidaExperiment(QObject *parent)
@@ -35,6 +52,11 @@ CorvidaExperiment::CorvidaExperiment(QObject *parent)
 CorvidaExperiment::CorvidaExperiment(const QString &settingsPath, QObject *parent)
     : VTSettings(settingsPath, true, parent, XML)
 {
+    // Marks read from one recording say nothing about the next one.
+    connect(this, &VTSettings::filePathChanged, this, [this] {
+        if (m_recordingPath.isEmpty())
+            m_marksKnown = false;
+    });
     loadDefaults();
     if (!settingsPath.isEmpty())
         reload();
@@ -115,12 +137,128 @@ QString CorvidaExperiment::pressureUnitText() const
 
 void CorvidaExperiment::storeSBPTime(double SBPTime)
 {
+    if (m_SBPTime == SBPTime)
+        return;
     assign(m_SBPTime, SBPTime, &CorvidaExperiment::changedSBPTime, "SBPTime");
+    markerTimeChanged();
 }
 
 void CorvidaExperiment::storeDBPTime(double DBPTime)
 {
+    if (m_DBPTime == DBPTime)
+        return;
     assign(m_DBPTime, DBPTime, &CorvidaExperiment::changedDBPTime, "DBPTime");
+    markerTimeChanged();
+}
+
+void CorvidaExperiment::markerTimeChanged()
+{
+    // Reading the ".exp" file is not saving it; a recalculation writes once at its end.
+    if (m_markerBatch > 0) {
+        m_markersPending = true;
+        return;
+    }
+    if (getAutoSave() && !isReloading() && !getFilepath().isEmpty())
+        updateRecordingMarks();
+}
+
+QString CorvidaExperiment::recordingPath() const
+{
+    if (!m_recordingPath.isEmpty())
+        return m_recordingPath;
+    QString edfPath = getFilepath();
+    if (edfPath.isEmpty())
+        return QString();
+    if (edfPath.endsWith(QLatin1String(".exp"), Qt::CaseInsensitive))
+        edfPath.chop(4);
+    return edfPath + RecordFileNames::edfSuffix();
+}
+
+void CorvidaExperiment::setRecordingPath(const QString &edfPath)
+{
+    if (edfPath == m_recordingPath)
+        return;
+    m_recordingPath = edfPath;
+    m_marksKnown = false;
+}
+
+QPair<qint64, qint64> CorvidaExperiment::wantedMarks() const
+{
+    return {m_SBPTime > 0 ? markOnset(m_SBPTime) : -1, m_DBPTime > 0 ? markOnset(m_DBPTime) : -1};
+}
+
+bool CorvidaExperiment::readRecordingMarks()
+{
+    EDFReader reader(recordingPath());
+    if (!reader.open())
+        return false;
+    m_sbpMarks.clear();
+    m_dbpMarks.clear();
+    const QMap<qint64, QString> marks = reader.getAnnotations();
+    for (auto it = marks.cbegin(); it != marks.cend(); ++it) {
+        if (it.value() == kSbpMark)
+            m_sbpMarks << it.key();
+        else if (it.value() == kDbpMark)
+            m_dbpMarks << it.key();
+    }
+    m_marksKnown = true;
+    return true;
+}
+
+bool CorvidaExperiment::updateRecordingMarks(QString *error)
+{
+    const QString edfPath = recordingPath();
+    if (edfPath.isEmpty() || !QFile::exists(edfPath))
+        return true;
+    if (!m_marksKnown && !readRecordingMarks()) {
+        // A recording we cannot read is left exactly as it is.
+        if (error)
+            *error = saveFailedText(edfPath, tr("the recording cannot be read"));
+        return false;
+    }
+    const QPair<qint64, qint64> wanted = wantedMarks();
+    const QList<qint64> sbp = wanted.first >= 0 ? QList<qint64>{wanted.first} : QList<qint64>();
+    const QList<qint64> dbp = wanted.second >= 0 ? QList<qint64>{wanted.second} : QList<qint64>();
+    if (sbp == m_sbpMarks && dbp == m_dbpMarks)
+        return true;
+    QList<EDFMarkRewriter::Mark> marks;
+    if (wanted.first >= 0)
+        marks << EDFMarkRewriter::Mark(kSbpMark, wanted.first);
+    if (wanted.second >= 0)
+        marks << EDFMarkRewriter::Mark(kDbpMark, wanted.second);
+    QString why;
+    if (!EDFMarkRewriter::replaceMarks(edfPath, {kSbpMark, kDbpMark}, marks, &why)) {
+        qDebug().noquote() << "RECORD: the marks of" << edfPath << "were not updated -" << why;
+        if (error)
+            *error = saveFailedText(edfPath, why);
+        return false;
+    }
+    m_sbpMarks = sbp;
+    m_dbpMarks = dbp;
+    return true;
+}
+
+bool CorvidaExperiment::saveProperties(QString *error)
+{
+    if (!VTSettings::save()) {
+        if (error)
+            *error = saveFailedText(getFilepath(), QString());
+        return false;
+    }
+    return updateRecordingMarks(error);
+}
+
+bool CorvidaExperiment::propertiesFileHolds(const QString &name) const
+{
+    QFile file(getFilepath());
+    if (getFilepath().isEmpty() || !file.open(QIODevice::ReadOnly))
+        return false;
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == name)
+            return true;
+    }
+    return false;
 }
 
 void CorvidaExperiment::setSBPTime(double SBPTime)
@@ -258,13 +396,8 @@ void CorvidaExperiment::loadSeries()
     // Reading ends in a recalculation, which may ask for the series again.
     if (m_loading)
         return;
-    QString edfPath = getFilepath();
-    if (edfPath.isEmpty())
-        return;
-    if (edfPath.endsWith(QLatin1String(".exp"), Qt::CaseInsensitive))
-        edfPath.chop(4);
-    edfPath += QStringLiteral(".edf");
-    if (!QFile::exists(edfPath))
+    const QString edfPath = recordingPath();
+    if (edfPath.isEmpty() || !QFile::exists(edfPath))
         return;
 
     m_loading = true;
@@ -295,22 +428,26 @@ void CorvidaExperiment::loadSeries()
     // Markers written as marks fill in what the ".exp" file does not already hold.
     const QMap<qint64, QString> marks = reader.getAnnotations();
     reader.close();
-    const auto firstMark = [&marks](const QString &text) -> qint64 {
-        for (auto it = marks.cbegin(); it != marks.cend(); ++it)
-            if (it.value() == text)
-                return it.key();
-        return -1;
+    m_sbpMarks.clear();
+    m_dbpMarks.clear();
+    for (auto it = marks.cbegin(); it != marks.cend(); ++it) {
+        if (it.value() == kSbpMark)
+            m_sbpMarks << it.key();
+        else if (it.value() == kDbpMark)
+            m_dbpMarks << it.key();
+    }
+    m_marksKnown = true;
+    // A marker time the ".exp" file holds as "not set" was cleared on purpose (a reset): a mark
+    // left in the recording by an older save must not bring it back.
+    const auto wantsMark = [this](double time, double pressure, const char *name) {
+        if (time > 0)
+            return pressure == 0.0;
+        return time == 0.0 ? !propertiesFileHolds(QLatin1String(name)) : false;
     };
-    if (m_SBP == 0.0 || m_SBPTime == 0.0) {
-        const qint64 ms = firstMark(QStringLiteral("SBP"));
-        if (ms >= 0)
-            setSBPTime(ms / 1000.0);
-    }
-    if (m_DBP == 0.0 || m_DBPTime == 0.0) {
-        const qint64 ms = firstMark(QStringLiteral("DBP"));
-        if (ms >= 0)
-            setDBPTime(ms / 1000.0);
-    }
+    if (!m_sbpMarks.isEmpty() && wantsMark(m_SBPTime, m_SBP, "SBPTime"))
+        setSBPTime(m_sbpMarks.first() / 1000.0);
+    if (!m_dbpMarks.isEmpty() && wantsMark(m_DBPTime, m_DBP, "DBPTime"))
+        setDBPTime(m_dbpMarks.first() / 1000.0);
     recalculate(false);
     m_loading = false;
 }
@@ -339,11 +476,25 @@ void CorvidaExperiment::clearMarker(double &value, void (CorvidaExperiment::*sig
 
 void CorvidaExperiment::recalculate(bool reset)
 {
+    ++m_markerBatch;
+    recalculateMarkers(reset);
+    --m_markerBatch;
+    if (m_markerBatch == 0 && m_markersPending) {
+        m_markersPending = false;
+        markerTimeChanged();
+    }
+    if (reset)
+        emit bpResetted();
+}
+
+void CorvidaExperiment::recalculateMarkers(bool reset)
+{
     if (reset) {
         clearMarker(m_DBP, &CorvidaExperiment::changedDBP, "DBP");
         clearMarker(m_DBPTime, &CorvidaExperiment::changedDBPTime, "DBPTime");
         clearMarker(m_SBP, &CorvidaExperiment::changedSBP, "SBP");
         clearMarker(m_SBPTime, &CorvidaExperiment::changedSBPTime, "SBPTime");
+        m_markersPending = true;
     }
     if (m_pulse.isEmpty())
         loadSeries();
@@ -380,8 +531,6 @@ void CorvidaExperiment::recalculate(bool reset)
         if (m_DBP == 0.0 || m_DBPTime == 0.0)
             setDBPTime(diastolic);
     }
-    if (reset)
-        emit bpResetted();
 }
 
 bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePath, QString *error)
@@ -415,9 +564,7 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
     writer.takeStartTime(startMs);
     if (!writer.isOpen()) {
         if (error)
-            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Cannot open")) +
-                     QStringLiteral(" \"") + edfPath + QStringLiteral("\" ") +
-                     genericText(QT_TRANSLATE_NOOP("Generic", "for record"));
+            *error = cannotOpenText(edfPath);
         return false;
     }
 
@@ -442,17 +589,37 @@ bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePat
         writer.writeData(block);
     }
     bool marked = true;
-    if (m_SBPTime > 0)
-        marked &= writer.addAnnotation(QStringLiteral("SBP"), int(m_SBPTime * 1000.0), -1) >= 0;
-    if (m_DBPTime > 0)
-        marked &= writer.addAnnotation(QStringLiteral("DBP"), int(m_DBPTime * 1000.0), -1) >= 0;
+    const QPair<qint64, qint64> marks = wantedMarks();
+    if (marks.first >= 0)
+        marked &= writer.addAnnotation(kSbpMark, int(marks.first), -1) >= 0;
+    if (marks.second >= 0)
+        marked &= writer.addAnnotation(kDbpMark, int(marks.second), -1) >= 0;
     if (!writer.close(true) || !marked) {
         if (error)
-            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
-                     QStringLiteral(" \"") + edfPath + QLatin1Char('"');
+            *error = saveFailedText(edfPath, QString());
         return false;
     }
     return true;
+}
+
+QString CorvidaExperiment::cannotOpenText(const QString &edfPath)
+{
+    return genericText(QT_TRANSLATE_NOOP("Generic", "Cannot open")) + QStringLiteral(" \"") +
+           edfPath + QStringLiteral("\" ") +
+           genericText(QT_TRANSLATE_NOOP("Generic", "for record"));
+}
+
+QString CorvidaExperiment::saveFailedText(const QString &path, const QString &why) const
+{
+    QString reason = why;
+    const QStorageInfo disk(QFileInfo(path).absolutePath());
+    if (disk.isValid() && disk.bytesAvailable() >= 0 && disk.bytesAvailable() < kFullDiskBytes)
+        reason = tr("the disk is full");
+    QString text = tr("The record could not be written to") + QStringLiteral(" \"") +
+                   QDir::toNativeSeparators(path) + QLatin1Char('"');
+    if (!reason.isEmpty())
+        text += QStringLiteral(": ") + reason;
+    return text;
 }
 
 bool CorvidaExperiment::save(const QString &folder, QString *error)
@@ -469,42 +636,80 @@ bool CorvidaExperiment::save(const QString &folder, QString *error)
         return false;
     }
 
-    QString base = QDir::fromNativeSeparators(folder);
-    if (!base.endsWith(QLatin1Char('/')))
-        base += QLatin1Char('/');
-    base += baseFileName();
-    const QString edfPath = base + QStringLiteral(".edf");
-    const QString expPath = base + QStringLiteral(".exp");
-    // The ".edf" file is what makes a record in the folder: it is written under another name and
-    // only takes its own once the ".exp" file is there too.
-    const QString partPath = edfPath + QStringLiteral(".part");
+    QString dir = QDir::fromNativeSeparators(folder);
+    if (!dir.endsWith(QLatin1Char('/')))
+        dir += QLatin1Char('/');
+    // The ".edf" file is what makes a record in the folder: it is written under another name
+    // and only takes its own once the ".exp" file is there too. Creating that file is what
+    // claims the name: a second program saving in the same second finds it taken and moves on
+    // to the next free name instead of writing over this one.
+    QuorvexCommon::CreateDirIfNotExists(dir);
+    QSet<QString> taken = RecordFileNames::takenNames(dir);
+    QString base;
+    QFile claim;
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        base = dir + RecordFileNames::freeBaseName(taken, baseFileName());
+        claim.setFileName(base + RecordFileNames::partSuffix());
+        if (claim.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            break;
+        if (!QFile::exists(claim.fileName())) {
+            // Not a name clash: the folder cannot be written.
+            qDebug().noquote() << "RECORD: cannot create" << claim.fileName() << "-"
+                               << claim.errorString();
+            if (error)
+                *error = cannotOpenText(base + RecordFileNames::edfSuffix());
+            return false;
+        }
+        RecordFileNames::take(taken, QFileInfo(base).fileName());
+    }
+    if (!claim.isOpen()) {
+        if (error)
+            *error = saveFailedText(dir, QString());
+        return false;
+    }
+    claim.close();
+    const QString edfPath = base + RecordFileNames::edfSuffix();
+    const QString expPath = base + RecordFileNames::expSuffix();
+    const QString partPath = claim.fileName();
 
+    QString why;
     if (!writeEdf(edfPath, partPath, error)) {
         QFile::remove(partPath);
+        return false;
+    }
+    if (!FileUtilities::syncFile(partPath)) {
+        QFile::remove(partPath);
+        if (error)
+            *error = saveFailedText(edfPath, QString());
         return false;
     }
 
     const QString previousPath = getFilepath();
     const bool previousAutoSave = getAutoSave();
-    const bool hadExp = QFile::exists(expPath);
+    const QString previousRecording = m_recordingPath;
+    m_recordingPath.clear();
     setFilepath(expPath);
     setAutoSave(true);
     bool ok = VTSettings::save();
-    if (ok) {
-        QFile::remove(edfPath);
-        ok = QFile::rename(partPath, edfPath);
-    }
-    if (!ok) {
+    if (!ok)
+        why = saveFailedText(expPath, QString());
+    else if (!FileUtilities::renameNoReplace(partPath, edfPath, &why))
+        why = saveFailedText(edfPath, why);
+    if (!ok || !why.isEmpty()) {
         QFile::remove(partPath);
-        if (!hadExp)
-            QFile::remove(expPath);
+        QFile::remove(expPath);
         setFilepath(previousPath);
         setAutoSave(previousAutoSave);
+        m_recordingPath = previousRecording;
         if (error)
-            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
-                     QStringLiteral(" \"") + expPath + QLatin1Char('"');
+            *error = why;
         return false;
     }
+    FileUtilities::syncFolder(dir);
+    const QPair<qint64, qint64> written = wantedMarks();
+    m_sbpMarks = written.first >= 0 ? QList<qint64>{written.first} : QList<qint64>();
+    m_dbpMarks = written.second >= 0 ? QList<qint64>{written.second} : QList<qint64>();
+    m_marksKnown = true;
     return true;
 }
 

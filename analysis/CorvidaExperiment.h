@@ -99,12 +99,26 @@ public:
     // The start as a file-name text, with " (<SN>)" when the name carries the serial number.
     QString baseFileName() const;
 
-    // Writes "<folder>/<base name>.edf" and ".exp". On failure nothing of the new pair remains,
-    // the record is as it was, and `error` (when given) says why.
+    // Writes "<folder>/<base name>.edf" and ".exp". A record already in the folder is never
+    // replaced: when its name is taken (in any case), the new one becomes "<base name> (2)",
+    // "(3)" and so on. On failure nothing of the new pair remains, the record is as it was, and
+    // `error` (when given) says why in words for the operator, with the path.
     bool save(const QString &folder, QString *error = nullptr);
 
-    // Writes the ".exp" file now (its path must be set); the ".edf" file is not touched.
-    bool saveProperties() { return VTSettings::save(); }
+    // Writes the ".exp" file now (its path must be set), and brings the marks in the recording
+    // in step with the markers when they differ.
+    bool saveProperties(QString *error = nullptr);
+
+    // The recording: "<base>.edf" beside the ".exp" file, unless another path was given (a file
+    // named "NAME.EDF" on a file system that minds case).
+    QString recordingPath() const;
+    void setRecordingPath(const QString &edfPath);
+
+    // Makes the "SBP" and "DBP" marks in the recording say what the markers say, so other EDF+
+    // readers see the current markers and a cleared marker cannot come back. Rewrites the
+    // recording (its samples byte for byte) only when the marks differ. True when they agree
+    // afterwards, or when there is no recording to keep in step.
+    bool updateRecordingMarks(QString *error = nullptr);
 
     // Finds the beats, the heart rate and the markers again. Markers that are set (both time and
     // pressure non-zero) are kept unless `reset` clears them first.
@@ -167,11 +181,20 @@ private:
     template <typename T, typename Signal>
     void assign(T &member, const T &value, Signal signal, const char *name);
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
+    void recalculateMarkers(bool reset);
     void ensurePeakFinder();
     void ensureSeries();
     double markerPressure(double t);
     void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
     bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
+    QString saveFailedText(const QString &path, const QString &why) const;
+    static QString cannotOpenText(const QString &edfPath);
+    // Called whenever a marker time changes: with automatic saving on, the recording follows.
+    void markerTimeChanged();
+    // The SBP and DBP onsets (ms) the markers ask for; -1 for a marker that is not set.
+    QPair<qint64, qint64> wantedMarks() const;
+    bool readRecordingMarks();
+    bool propertiesFileHolds(const QString &name) const;
 
     QString m_Rodent;
     QString m_Comment;
@@ -189,4 +212,14 @@ private:
     QList<QPointF> m_amplitude;
     bool m_nameWithSerial = false;
     bool m_loading = false;
+
+    QString m_recordingPath;
+    // The first "SBP" and "DBP" marks in the recording as last read or written (-1: none), and
+    // whether they are known at all.
+    QList<qint64> m_sbpMarks;
+    QList<qint64> m_dbpMarks;
+    bool m_marksKnown = false;
+    // While a recalculation moves several markers, the recording is written once at its end.
+    int m_markerBatch = 0;
+    bool m_markersPending = false;
 };

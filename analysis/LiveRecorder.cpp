@@ -97,6 +97,9 @@ bool LiveRecorder::abort()
 
 bool LiveRecorder::save(const QString &folder, QString *error)
 {
+    // Found before writing, so the recording carries its markers from the start and is not
+    // written a second time for them.
+    m_experiment->recalculate(false);
     if (!m_experiment->save(folder, error))
         return false;
     m_experiment->recalculate(false);

@@ -52,8 +52,9 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
     QCommandLineParser parser;
     const QCommandLineOption reset(QStringLiteral("reset"),
                                    QStringLiteral("Forget the markers and find them anew."));
-    const QCommandLineOption save(QStringLiteral("save"),
-                                  QStringLiteral("Store the results in each record's .exp file."));
+    const QCommandLineOption save(
+        QStringLiteral("save"),
+        QStringLiteral("Store the results in each record (.exp file and marks)."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
     parser.addOptions({reset, save, json});
     parser.addPositionalArgument(QStringLiteral("RECORD"), QStringLiteral(".edf files"));
@@ -74,12 +75,14 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
             continue;
         }
         CorvidaExperiment experiment(CliContext::expPathFor(path));
+        // The file named, in whatever case its name is spelt.
+        experiment.setRecordingPath(path);
         // Reading wrote nothing; from here on only an explicit --save does.
         experiment.setAutoSave(false);
         experiment.recalculate(parser.isSet(reset));
-        if (parser.isSet(save) && !experiment.saveProperties()) {
-            status = context.fail(
-                QStringLiteral("%1: cannot write %2").arg(path, CliContext::expPathFor(path)));
+        QString error;
+        if (parser.isSet(save) && !experiment.saveProperties(&error)) {
+            status = context.fail(QStringLiteral("%1: %2").arg(path, error));
             continue;
         }
         if (parser.isSet(json))

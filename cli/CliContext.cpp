@@ -6,6 +6,7 @@
 #include "toolkit/QuorvexCommon.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <cstdio>
 #ifdef Q_OS_WIN
@@ -77,7 +78,16 @@ bool CliContext::checkRecord(const QString &edfPath, QString *why)
 QString CliContext::expPathFor(const QString &edfPath)
 {
     const QFileInfo info(edfPath);
-    return info.dir().filePath(info.completeBaseName() + QStringLiteral(".exp"));
+    const QString wanted = info.completeBaseName() + QStringLiteral(".exp");
+    const QString exact = info.dir().filePath(wanted);
+    if (QFile::exists(exact))
+        return exact;
+    // Files carried over from Windows are often "NAME.EDF" with "NAME.EXP".
+    for (const QString &name : info.dir().entryList(QDir::Files | QDir::Hidden)) {
+        if (name.compare(wanted, Qt::CaseInsensitive) == 0)
+            return info.dir().filePath(name);
+    }
+    return exact;
 }
 
 QString CliContext::tableLine(const QStringList &cells)

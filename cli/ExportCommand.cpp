@@ -39,6 +39,7 @@ int ExportCommand::run(const QStringList &arguments, CliContext &context)
             return context.fail(why);
         owned.push_back(std::make_unique<CorvidaExperiment>(CliContext::expPathFor(edf)));
         owned.back()->setAutoSave(false); // exporting never changes a record
+        owned.back()->setRecordingPath(edf);
         records << owned.back().get();
     }
     QString error;

@@ -9,6 +9,9 @@ foreach(dir IN LISTS CORVIDA_CORE_DIRS)
     list(APPEND corvida_core_sources ${dir_sources})
 endforeach()
 
+# zlib reads written workbooks back before an export is reported as done.
+find_package(ZLIB REQUIRED)
+
 add_library(corvida_core STATIC ${corvida_core_sources})
 target_include_directories(corvida_core PUBLIC
     ${PROJECT_SOURCE_DIR}
@@ -17,7 +20,7 @@ target_compile_definitions(corvida_core PUBLIC
     CORVIDA_VERSION="${PROJECT_VERSION}")
 target_link_libraries(corvida_core PUBLIC
     Qt6::Core Qt6::Gui Qt6::Network Qt6::SerialPort Qt6::Core5Compat
-    ${EDFLIB_LIBRARY} PkgConfig::XLSXWRITER)
+    ${EDFLIB_LIBRARY} PkgConfig::XLSXWRITER ZLIB::ZLIB)
 
 # With Ninja, moc only learns of a header added to a folder when its own dependency file says so,
 # and a new header is not in it yet. When the globbed source list changes, drop moc's time stamp

@@ -145,10 +145,58 @@ bool EDFWriter::close(bool writeRemainder)
     if (writeRemainder)
         writeRemainderToFile();
     m_open = false;
-    const bool ok = edfclose_file(m_handle) == 0;
+    bool ok = edfclose_file(m_handle) == 0;
     m_handle = -1;
+    if (!ok)
+        qDebug() << "EDFWriter: the library could not finish" << m_path;
+    // The library notices a failed write only now and then (the system buffers what it is
+    // given), so the file on disk is measured against what its own header promises.
+    ok = ok && !m_writeFailed && fileIsComplete();
     emit recordStopped(m_path);
     return ok;
+}
+
+bool EDFWriter::fileIsComplete() const
+{
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qDebug() << "EDFWriter: cannot read back" << m_path << file.errorString();
+        return false;
+    }
+    const QByteArray fixed = file.read(256);
+    const auto number = [](const QByteArray &bytes, qint64 offset, int length, bool *ok) {
+        return bytes.mid(offset, length).trimmed().toLongLong(ok);
+    };
+    bool okHeader = false;
+    bool okRecords = false;
+    bool okSignals = false;
+    const qint64 headerBytes = number(fixed, 184, 8, &okHeader);
+    const qint64 records = number(fixed, 236, 8, &okRecords);
+    const qint64 signalCount = number(fixed, 252, 4, &okSignals);
+    if (fixed.size() < 256 || !okHeader || !okRecords || !okSignals || signalCount < 1 ||
+        headerBytes != 256 * (signalCount + 1) || records != m_recordsOnDisk) {
+        qDebug() << "EDFWriter: the header of" << m_path << "was not finished";
+        return false;
+    }
+    // Samples per data record of every signal, annotation signals included, follow the
+    // fixed-size fields of all signals (216 bytes per signal).
+    if (!file.seek(256 + signalCount * 216))
+        return false;
+    const QByteArray samples = file.read(signalCount * 8);
+    qint64 recordBytes = 0;
+    for (qint64 s = 0; s < signalCount; ++s) {
+        bool ok = false;
+        recordBytes += number(samples, s * 8, 8, &ok) * (m_bdf ? 3 : 2);
+        if (!ok)
+            return false;
+    }
+    const qint64 expected = headerBytes + records * recordBytes;
+    if (file.size() != expected) {
+        qDebug() << "EDFWriter:" << m_path << "holds" << file.size() << "bytes instead of"
+                 << expected << "- the disk may be full";
+        return false;
+    }
+    return true;
 }
 
 void EDFWriter::setPatientInfo(const PatientInfo &info)

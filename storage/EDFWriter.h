@@ -34,7 +34,8 @@ public:
     // Takes the signal descriptions, sizes the record buffer and opens the file.
     bool initFromChannels(const QList<ChannelDim> &channels, int samplesPerRecord);
     bool open();
-    // True when the library finished the file without error.
+    // True when every data record and the header reached the file: the library finished it
+    // without error and the file holds exactly the bytes its header declares.
     bool close(bool writeRemainder = true);
     bool isOpen() const { return m_open; }
 
@@ -100,6 +101,7 @@ private:
     void writePatientInfo();
     void writeRecord();
     void writeRemainderToFile();
+    bool fileIsComplete() const;
     qint64 now() const { return m_clock ? m_clock() : VClock::wall()(); }
 
     QString m_path;

@@ -3,6 +3,7 @@
 #include "analysis/CorvidaExperiment.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/EDFFixedHeader.h"
+#include "storage/RecordFileNames.h"
 #include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
@@ -390,14 +391,7 @@ RecordDatabase::ImportResult RecordDatabase::importRecords(const QStringList &fi
 {
     ImportResult result;
     QuorvexCommon::CreateDirIfNotExists(m_folder);
-    // Names compare without regard to case, as they do on the file systems the records are also
-    // read from. A ".exp" file without its recording still holds a name: it may be someone's.
-    QSet<QString> taken;
-    for (const QString &name : QDir(m_folder).entryList(QDir::Files | QDir::Hidden))
-        taken.insert(name.toLower());
-    const auto isTaken = [&taken](const QString &base) {
-        return taken.contains((base + kEdf).toLower()) || taken.contains((base + kExp).toLower());
-    };
+    QSet<QString> taken = RecordFileNames::takenNames(m_folder);
 
     const int total = int(files.size());
     QString lastFolder;
@@ -415,9 +409,7 @@ RecordDatabase::ImportResult RecordDatabase::importRecords(const QStringList &fi
             continue;
         }
         const QString sourceBase = source.completeBaseName();
-        QString base = sourceBase;
-        for (int n = 2; isTaken(base); ++n)
-            base = sourceBase + QStringLiteral(" (%1)").arg(n);
+        const QString base = RecordFileNames::freeBaseName(taken, sourceBase);
         // The record reads "<base>.edf", so the copy takes that spelling of the suffix.
         const QString targetName = base + kEdf;
         const QString target = m_folder + QLatin1Char('/') + targetName;
@@ -446,8 +438,7 @@ RecordDatabase::ImportResult RecordDatabase::importRecords(const QStringList &fi
             if (QFile::exists(copied))
                 QFile::setPermissions(copied, QFile::permissions(copied) | QFile::WriteOwner);
         }
-        taken.insert(targetName.toLower());
-        taken.insert((base + kExp).toLower());
+        RecordFileNames::take(taken, base);
         result.imported << target;
         if (base != sourceBase) {
             result.notes << tr("File") + QStringLiteral(" \"") + source.fileName() +
@@ -546,11 +537,10 @@ bool RecordDatabase::recalculate(const QList<CorvidaExperiment *> &records, QStr
             continue;
         }
         record->recalculate(true);
-        // Only the properties: the recording keeps its name and bytes, and the results stored in
-        // the ".exp" file take precedence over the marks inside it.
-        if (!record->getFilepath().isEmpty() && !record->VTSettings::save()) {
-            const QString text = genericText(QT_TRANSLATE_NOOP("Generic", "Error saving")) +
-                                 QStringLiteral(" \"") + record->getFilepath() + QLatin1Char('"');
+        // The properties, and the marks in the recording when the markers moved; the samples
+        // keep their bytes.
+        QString text;
+        if (!record->getFilepath().isEmpty() && !record->saveProperties(&text)) {
             qDebug().noquote() << "RECORDS:" << text;
             if (errors)
                 *errors << text;

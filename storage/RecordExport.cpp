@@ -176,6 +176,7 @@ XLSXTable RecordExport::recordTable(CorvidaExperiment *record, Content content)
     CorvidaExperiment copy(path);
     // Reading the recording may fill in missing markers; the copy must not write them.
     copy.setAutoSave(false);
+    copy.setRecordingPath(record->recordingPath());
     XLSXTable table = copy.exportTable(false);
     for (qsizetype i = 0; i < results.size() && i < table.size(); ++i)
         table[i] = results[i];

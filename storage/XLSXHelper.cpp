@@ -1,5 +1,8 @@
 #include "storage/XLSXHelper.h"
 
+#include "storage/ZipArchiveCheck.h"
+#include "toolkit/FileUtilities.h"
+
 #include <QAbstractItemModel>
 #include <QDebug>
 #include <QDir>
@@ -11,9 +14,50 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <optional>
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 namespace {
 constexpr int kSheetNameMax = 31;
+
+// The spreadsheet library prints its complaints to stderr, where a script calling the
+// command-line tool expects one line of ours at most. Its reason reaches our own message through
+// its error code, so while it works its own printing goes nowhere.
+class LibraryQuiet
+{
+public:
+    LibraryQuiet()
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        m_saved = ::dup(STDERR_FILENO);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (m_saved >= 0 && null >= 0)
+            ::dup2(null, STDERR_FILENO);
+        if (null >= 0)
+            ::close(null);
+#endif
+    }
+    ~LibraryQuiet()
+    {
+#ifdef Q_OS_UNIX
+        std::fflush(stderr);
+        if (m_saved >= 0) {
+            ::dup2(m_saved, STDERR_FILENO);
+            ::close(m_saved);
+        }
+#endif
+    }
+    LibraryQuiet(const LibraryQuiet &) = delete;
+    LibraryQuiet &operator=(const LibraryQuiet &) = delete;
+
+private:
+    int m_saved = -1;
+};
 
 // A free temporary name in the target's folder, so the final rename stays on one file system.
 QString temporaryPathBeside(const QString &path)
@@ -29,6 +73,17 @@ bool replaceWith(const QString &temporary, const QString &path)
     if (QFile::exists(path) && !QFile::remove(path))
         return false;
     return QFile::rename(temporary, path);
+}
+
+// The parts a workbook of `sheets` worksheets cannot open without.
+QStringList requiredParts(qsizetype sheets)
+{
+    QStringList parts = {QStringLiteral("[Content_Types].xml"), QStringLiteral("_rels/.rels"),
+                         QStringLiteral("xl/workbook.xml"),
+                         QStringLiteral("xl/_rels/workbook.xml.rels")};
+    for (qsizetype i = 1; i <= sheets; ++i)
+        parts << QStringLiteral("xl/worksheets/sheet%1.xml").arg(i);
+    return parts;
 }
 
 void setError(QString *error, const QString &text)
@@ -70,8 +125,10 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
     options.constant_memory = constantMemory ? LXW_TRUE : LXW_FALSE;
     options.tmpdir = const_cast<char *>(tmpDir.constData());
     options.use_zip64 = LXW_TRUE;
+    std::optional<LibraryQuiet> quiet(std::in_place);
     lxw_workbook *workbook = workbook_new_opt(tmpName.constData(), &options);
     if (!workbook) {
+        quiet.reset();
         setError(error, QStringLiteral("cannot create %1").arg(path));
         return false;
     }
@@ -106,9 +163,21 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
         }
     }
     const lxw_error closed = workbook_close(workbook);
+    quiet.reset();
     if (ok && closed != LXW_NO_ERROR) {
         setError(error, QStringLiteral("saving %1 failed: %2")
                             .arg(path, QString::fromUtf8(lxw_strerror(closed))));
+        ok = false;
+    }
+    QString damage;
+    if (ok && !ZipArchiveCheck::isComplete(temporary, requiredParts(names.size()), &damage)) {
+        setError(error, QStringLiteral("the workbook written for %1 is damaged (%2); the disk "
+                                       "may be full")
+                            .arg(path, damage));
+        ok = false;
+    }
+    if (ok && !FileUtilities::syncFile(temporary)) {
+        setError(error, QStringLiteral("cannot put %1 on the disk").arg(path));
         ok = false;
     }
     if (ok && !replaceWith(temporary, path)) {
@@ -266,9 +335,10 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
         return false;
     }
     QByteArray chunk("\xEF\xBB\xBF");
+    bool written = true;
     const auto flush = [&](bool force) {
         if (force || chunk.size() > (1 << 20)) {
-            file.write(chunk);
+            written = written && file.write(chunk) == chunk.size();
             chunk.clear();
         }
     };
@@ -291,8 +361,13 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
         chunk += lineEnd.toUtf8();
     }
     flush(true);
-    if (!file.commit()) {
-        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, file.errorString()));
+    QString why;
+    if (!written) {
+        why = file.errorString();
+        file.cancelWriting();
+    }
+    if (!written || !FileUtilities::commitSaveFile(file, &why)) {
+        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, why));
         return false;
     }
     return true;

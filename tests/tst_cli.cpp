@@ -1,7 +1,9 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "support/CorvidaUnitEmulator.h"
 #include "support/EDFRawFile.h"
+#include "support/EdfLibProbe.h"
 #include "support/RecordFiles.h"
+#include "support/ScratchDisk.h"
 
 #include <QDir>
 #include <QProcess>
@@ -131,10 +133,139 @@ private slots:
         r = cli(dir.path(), {"analyze", "--save", edf});
         QCOMPARE(resultFields(r).value(2), QStringLiteral("9"));
         QCOMPARE(CorvidaExperiment(exp).getSBPTime(), 9.0);
+        QCOMPARE(EdfLibProbe::onsetsOf(edf, "SBP"), QList<qint64>{9000});
         r = cli(dir.path(), {"analyze", "--reset", "--save", edf});
         QCOMPARE(r.status, 0);
         QCOMPARE(resultFields(r).value(2).toDouble(), automatic);
         QCOMPARE(CorvidaExperiment(exp).getSBPTime(), automatic);
+        // The recording's own marks were reset with the markers.
+        QCOMPARE(EdfLibProbe::onsetsOf(edf, "SBP"), QList<qint64>{qRound64(automatic * 1000)});
+    }
+
+    void upperCaseEdfIsOpenedAsGiven_data()
+    {
+        QTest::addColumn<QString>("expName");
+        QTest::newRow("NAME.EDF with NAME.exp") << "NAME.exp";
+        QTest::newRow("NAME.EDF with NAME.EXP") << "NAME.EXP";
+        QTest::newRow("NAME.EDF alone") << "";
+    }
+    void upperCaseEdfIsOpenedAsGiven()
+    {
+        QFETCH(QString, expName);
+        QTemporaryDir dir;
+        const QString made = makeRecord(dir.path());
+        QVERIFY(!made.isEmpty());
+        const QString edf = dir.filePath(QStringLiteral("NAME.EDF"));
+        QVERIFY(QFile::rename(made, edf));
+        const QString madeExp = made.chopped(4) + QStringLiteral(".exp");
+        if (expName.isEmpty())
+            QVERIFY(QFile::remove(madeExp));
+        else
+            QVERIFY(QFile::rename(madeExp, dir.filePath(expName)));
+
+        Result r = cli(dir.path(), {"analyze", edf});
+        QCOMPARE(r.status, 0);
+        QVERIFY2(resultFields(r).value(6).toInt() > 100, qPrintable(r.out)); // 7.5 beats a second
+        r = cli(dir.path(), {"analyze", "--save", edf});
+        QCOMPARE(r.status, 0);
+        const QString exp = dir.filePath(expName.isEmpty() ? QStringLiteral("NAME.exp") : expName);
+        QVERIFY(std::fabs(CorvidaExperiment(exp).getBPM() - 450.0) < 5.0);
+        const QString csv = dir.filePath(QStringLiteral("out.csv"));
+        r = cli(dir.path(), {"export", "--full", "--out", csv, edf});
+        QCOMPARE(r.status, 0);
+        QCOMPARE(RecordFiles::readAll(csv).count("\r\n"), 1 + 5 + 3 + 20000 + 1);
+    }
+
+    void saveOnFullDiskExitsNonZeroAndKeepsTheRecord()
+    {
+        ScratchDisk disk(4 << 20);
+        if (!disk.isMounted())
+            QSKIP(qPrintable(disk.whyNot()));
+        QVERIFY(QDir(disk.path()).mkdir(QStringLiteral("Records")));
+        const QString records = disk.filePath(QStringLiteral("Records"));
+        const QString edf = makeRecord(records);
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        {
+            CorvidaExperiment e(exp); // a hand-placed marker that a reset would move
+            e.setSBPTime(9.0);
+        }
+        const QByteArray expBefore = RecordFiles::readAll(exp);
+        const QByteArray edfBefore = RecordFiles::readAll(edf);
+        QVERIFY(disk.fill(0));
+
+        Result r = cli(disk.path(), {"analyze", "--reset", "--save", edf});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(r.err.contains(exp) || r.err.contains(edf), qPrintable(r.err));
+        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+        QCOMPARE(RecordFiles::readAll(edf), edfBefore);
+
+        r = cli(disk.path(), {"measure", "--simulated", "--seconds", "3"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(r.err.contains(QStringLiteral("disk is full")), qPrintable(r.err));
+        QVERIFY(!r.out.contains(QStringLiteral(".edf")));
+        QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
+        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+
+        for (const QString &name : {QStringLiteral("out.xlsx"), QStringLiteral("out.csv")}) {
+            r = cli(disk.path(), {"export", "--full", "--out", disk.filePath(name), edf});
+            QCOMPARE(r.status, 1);
+            QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+            QVERIFY(r.err.contains(QStringLiteral("Error saving")));
+            QVERIFY(!QFile::exists(disk.filePath(name)));
+        }
+    }
+
+    void readOnlyRecordsFolderExitsNonZero()
+    {
+        ScratchDisk disk(4 << 20);
+        if (!disk.isMounted())
+            QSKIP(qPrintable(disk.whyNot()));
+        QVERIFY(QDir(disk.path()).mkdir(QStringLiteral("Records")));
+        const QString records = disk.filePath(QStringLiteral("Records"));
+        const QString edf = makeRecord(records);
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        {
+            CorvidaExperiment e(exp);
+            e.setSBPTime(9.0);
+        }
+        const QByteArray expBefore = RecordFiles::readAll(exp);
+        QVERIFY(disk.remountReadOnly());
+
+        Result r = cli(disk.path(), {"analyze", "--reset", "--save", edf});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        r = cli(disk.path(), {"measure", "--simulated", "--seconds", "3"});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(r.err.contains(QStringLiteral("Cannot open \"") + records), qPrintable(r.err));
+        QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
+        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+    }
+
+    void twoMeasurementsAtOnceKeepBoth()
+    {
+        QTemporaryDir dir;
+        QList<QProcess *> runs;
+        for (int i = 0; i < 2; ++i) {
+            runs << new QProcess(this);
+            runs.last()->start(QStringLiteral(CORVIDA_CLI),
+                               {"--data", dir.path(), "measure", "--simulated", "--seconds", "3"});
+        }
+        QStringList saved;
+        for (QProcess *p : std::as_const(runs)) {
+            QVERIFY(p->waitForFinished(60000));
+            QCOMPARE(p->exitCode(), 0);
+            const QStringList lines =
+                QString::fromUtf8(p->readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+            saved << lines.value(1).section(QLatin1Char(';'), 0, 0);
+            delete p;
+        }
+        QVERIFY(saved[0] != saved[1]);
+        for (const QString &edf : saved)
+            QCOMPARE(EdfLibProbe::digitalSamples(edf).size(), 2);
+        QCOMPARE(QDir(dir.filePath("Records")).entryList(QDir::Files).size(), 4);
     }
 
     void listShowsEveryRecordAndWhatIsWrong()

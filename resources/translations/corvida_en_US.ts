@@ -183,6 +183,21 @@
     </message>
 </context>
 <context>
+    <name>CorvidaExperiment</name>
+    <message>
+        <source>the recording cannot be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the disk is full</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The record could not be written to</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>CorvidaSettings</name>
     <message>
         <source>Language</source>

@@ -183,6 +183,21 @@
     </message>
 </context>
 <context>
+    <name>CorvidaExperiment</name>
+    <message>
+        <source>the recording cannot be read</source>
+        <translation>не удаётся прочитать запись</translation>
+    </message>
+    <message>
+        <source>the disk is full</source>
+        <translation>диск заполнен</translation>
+    </message>
+    <message>
+        <source>The record could not be written to</source>
+        <translation>Не удалось сохранить запись в файл</translation>
+    </message>
+</context>
+<context>
     <name>CorvidaSettings</name>
     <message>
         <source>Language</source>
