@@ -25,8 +25,9 @@ public:
     enum Column { TitleColumn = 0, RodentColumn, CommentColumn, PressureColumn, ColumnCount };
     Q_ENUM(Column)
 
-    // What of a listed record cannot be read.
-    enum class Damage { None, Recording, Properties };
+    // What of a listed record cannot be read. An interrupted save leaves its recording under a
+    // name ending in ".edf.part"; it is listed as such, complete (recoverable) or not.
+    enum class Damage { None, Recording, Properties, Unfinished, UnfinishedIncomplete };
     Q_ENUM(Damage)
 
     // Called with the work done so far and the whole; returning false cancels.
@@ -61,6 +62,16 @@ public:
     // A translated sentence for a damaged row; empty for a sound one.
     QString damageText(int row) const;
     static QString damageText(Damage damage);
+    // An interrupted save's recording rather than a record.
+    bool isUnfinished(int row) const;
+
+    // Gives the complete recording of an interrupted save (its ".edf.part" path) the name it
+    // was to have, or the next free one (" (2)", " (3)", ...) when that is taken. Nothing is
+    // ever overwritten; the ".exp" file written by the same save stays with it when the name is
+    // its own. False with `error` when the file is incomplete, unreadable or cannot be renamed.
+    // Reloads on success.
+    bool recoverUnfinished(const QString &partPath, QString *recoveredPath = nullptr,
+                           QString *error = nullptr);
     // The row of a record given by its ".edf" or ".exp" path, or -1.
     int rowOf(const QString &path) const;
     int rowOf(const CorvidaExperiment *record) const;
@@ -111,6 +122,7 @@ private:
         CorvidaExperiment *record = nullptr;
         QString edfPath;
         Damage damage = Damage::None;
+        bool unfinished = false;
         qint64 edfSize = -1;
         QDateTime edfModified;
         qint64 expSize = -1;
