@@ -15,9 +15,10 @@ class CorvidaSettings;
 // list is rebuilt from the folder. The records page and the command-line tool share this class;
 // it shows nothing itself and returns the texts a caller may want to show.
 //
-// Listing reads only the ".exp" files and the first bytes of each ".edf" file, never the series,
-// so a folder of thousands of records lists at once. A record whose files cannot be read is
-// still listed, with damage() saying what is wrong: hiding it would look like a lost measurement.
+// Listing reads only the ".exp" files and the header of each ".edf" file (see EDFHeaderCheck),
+// never the series, so a folder of thousands of records lists at once. A record whose files
+// cannot be read is still listed, with damage() saying what is wrong: hiding it would look like a
+// lost measurement. So is the recording an interrupted save left under "<name>.edf.part".
 class RecordDatabase : public QObject
 {
     Q_OBJECT
