@@ -510,6 +510,14 @@ bool RecordDatabase::removeRecords(const QStringList &paths, QString *error)
             failed << path;
             continue;
         }
+        // An interrupted save is one file; the ".exp" file beside it may belong to another record.
+        if (isUnfinishedSave(base)) {
+            if (QFile::exists(base) && !QFile::moveToTrash(base)) {
+                qDebug().noquote() << "RECORDS: cannot move to the trash:" << base;
+                failed << base;
+            }
+            continue;
+        }
         // Without its recording the properties are no record; if the recording stays, they stay
         // with it.
         bool recordingGone = true;

@@ -100,8 +100,9 @@ public:
     static QString importFilter();
 
     // Moves each record's ".edf" and ".exp" files (given by either path) to the system's trash;
-    // a file that is not there is skipped. Reloads. False with `error` naming the files that
-    // could not be moved; the others are moved all the same.
+    // a file that is not there is skipped. An interrupted save's ".edf.part" goes alone. Reloads.
+    // False with `error` naming the files that could not be moved; the others are moved all the
+    // same.
     bool removeRecords(const QStringList &paths, QString *error = nullptr);
     static QString removeTitle();
     static QString removeQuestion(int count);

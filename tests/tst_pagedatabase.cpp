@@ -279,10 +279,26 @@ private slots:
         QStringList texts;
         for (QAction *a : menu->actions())
             texts << a->text();
-        QCOMPARE(texts, (QStringList{"Recover recording", "Show in folder"}));
+        QCOMPARE(texts, (QStringList{"Recover recording", "Show in folder", "Remove experiment"}));
         QCOMPARE(menu->actions()[0]->isEnabled(), recoverable);
-        if (!recoverable)
+        if (!recoverable) {
+            // Thrown away alone: the record whose name it has keeps both its files.
+            for (const char *dir : {"home/.qttest/share", "data"})
+                QVERIFY(QDir(m_dir->path()).mkpath(dir));
+            const QByteArray oldHome = qgetenv("HOME");
+            const QByteArray oldData = qgetenv("XDG_DATA_HOME");
+            qputenv("HOME", m_dir->filePath("home").toLocal8Bit());
+            qputenv("XDG_DATA_HOME", m_dir->filePath("data").toLocal8Bit());
+            m_page->answers << true;
+            menu->actions()[2]->trigger();
+            qputenv("HOME", oldHome);
+            qputenv("XDG_DATA_HOME", oldData);
+            QVERIFY(!QFile::exists(part));
+            QVERIFY(QFile::exists(m_paths[1]) && QFile::exists(expOf(m_paths[1])));
+            QCOMPARE(m_page->model()->rowCount(), 3);
+            QVERIFY(m_page->warnings.isEmpty());
             return;
+        }
         menu->actions()[0]->trigger();
         // The name was taken by the record it was to replace, which stays as it was.
         const QString recovered = m_paths[1].chopped(4) + QStringLiteral(" (2).edf");

@@ -229,6 +229,8 @@ QMenu *PageDatabase::createContextMenu()
                             RecordDatabase::Damage::Unfinished);
         menu->addAction(menuIcon(QStringLiteral(":/icons/folder.svg")), tr("Show in folder"), this,
                         [this, path] { showInFolder(path); });
+        menu->addAction(remove, tr("Remove experiment"), this,
+                        [this, paths] { removeExperiments(paths); });
     } else if (paths.size() == 1) {
         const QString path = paths.first();
         QPointer<CorvidaExperiment> record = m_model->record(m_model->rowOf(path));
