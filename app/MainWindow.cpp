@@ -6,12 +6,15 @@
 #include "toolkit/LanguageContext.h"
 #include "toolkit/widgets/NewVersionButton.h"
 #include "toolkit/widgets/StyleHelper.h"
+#include "ui/CorvidaDeviceView.h"
 #include "ui/PageAboutApp.h"
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SettingsFileNotice.h"
 
 #include <QAction>
+#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -19,6 +22,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QVBoxLayout>
@@ -97,6 +101,8 @@ MainWindow::MainWindow(QWidget *parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_topBar);
+    m_settingsNotice = new SettingsFileNotice(m_settings, central);
+    column->addWidget(m_settingsNotice);
     column->addLayout(m_pageStack, 100);
     setCentralWidget(central);
     setMinimumSize(800, 600);
@@ -262,7 +268,9 @@ void MainWindow::languageChanged()
     case AppHelper::Confirmed:
         m_settings->save();
         languages->setLanguage(wanted);
-        restartApplication();
+        // Keeping an unsaved measurement postpones the restart, as "Not now" does.
+        if (mayDiscardUnsaved(true))
+            restartApplication();
         break;
     case AppHelper::Declined:
         m_settings->save();
@@ -287,6 +295,48 @@ AppHelper::ConfirmResult MainWindow::askLanguageChange(const QString &title, con
 void MainWindow::restartApplication()
 {
     AppHelper::restart();
+}
+
+bool MainWindow::confirmDiscardUnsaved(const QString &text)
+{
+    return QMessageBox::question(this, CorvidaDeviceView::tr("Record not saved"), text,
+                                 QMessageBox::Discard | QMessageBox::Cancel,
+                                 QMessageBox::Cancel) == QMessageBox::Discard;
+}
+
+bool MainWindow::mayDiscardUnsaved(bool restarting)
+{
+    if (m_discardConfirmed || !m_experimentPage)
+        return true;
+    QStringList units;
+    for (const CorvidaDeviceView *panel : m_experimentPage->panels())
+        if (panel->hasUnsavedMeasurement())
+            units << panel->title();
+    if (units.isEmpty())
+        return true;
+    const QString names = units.join(QStringLiteral(", "));
+    QString text;
+    if (units.size() == 1)
+        text = restarting ? tr("The last measurement of %1 has not been saved. Discard it and "
+                               "restart Corvida now?")
+                          : tr("The last measurement of %1 has not been saved. Discard it and "
+                               "close Corvida?");
+    else
+        text = restarting ? tr("The last measurements of %1 have not been saved. Discard them "
+                               "and restart Corvida now?")
+                          : tr("The last measurements of %1 have not been saved. Discard them "
+                               "and close Corvida?");
+    m_discardConfirmed = confirmDiscardUnsaved(text.arg(names));
+    return m_discardConfirmed;
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (!mayDiscardUnsaved(false)) {
+        event->ignore();
+        return;
+    }
+    QMainWindow::closeEvent(event);
 }
 
 void MainWindow::openRecord(const QString &path)

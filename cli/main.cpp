@@ -5,6 +5,7 @@
 #include "cli/ListCommand.h"
 #include "cli/MeasureCommand.h"
 #include "cli/PortsCommand.h"
+#include "cli/RecoverCommand.h"
 #include "cli/StreamCommand.h"
 #include "toolkit/QuorvexCommon.h"
 
@@ -28,6 +29,8 @@ void printHelp(QTextStream &out)
         << "      describe recording files\n"
         << "  " << ListCommand::usage() << "\n"
         << "      the records folder as the records page lists it\n"
+        << "  " << RecoverCommand::usage() << "\n"
+        << "      keep the recording of an interrupted save as a record\n"
         << "  " << ExportCommand::usage() << "\n"
         << "      write records to a spreadsheet or CSV file\n"
         << "  " << StreamCommand::usage() << "\n"
@@ -102,6 +105,8 @@ int main(int argc, char *argv[])
         return InfoCommand::run(args, context);
     if (command == QLatin1String("list"))
         return ListCommand::run(args, context);
+    if (command == QLatin1String("recover"))
+        return RecoverCommand::run(args, context);
     if (command == QLatin1String("export"))
         return ExportCommand::run(args, context);
     if (command == QLatin1String("stream"))

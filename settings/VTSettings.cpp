@@ -39,6 +39,9 @@ void VTSettings::setFilepath(const QString &filePath)
     if (filePath == m_filePath)
         return;
     m_filePath = filePath;
+    // What was found in the old file says nothing about the new one.
+    m_fileState = FileState::Read;
+    m_keptCopy.clear();
     emit filePathChanged(m_filePath);
 }
 
@@ -51,16 +54,50 @@ bool VTSettings::saveAs(const QString &filePath)
 
 bool VTSettings::save()
 {
-    if (!saveAs(m_filePath))
+    if (!saveOwnFile())
         return false;
     emit saved();
     return true;
+}
+
+bool VTSettings::saveOwnFile()
+{
+    if (m_filePath.isEmpty())
+        return false;
+    bool ok = true;
+    if (m_fileState == FileState::Unreadable && QFile::exists(m_filePath)) {
+        // We do not know what it holds; writing our values over it could lose all of it.
+        qDebug().noquote() << "SETTINGS: not saving over" << m_filePath << "- it could not be read";
+        ok = false;
+    } else if (m_fileState == FileState::Damaged && QFile::exists(m_filePath)) {
+        // The part after the damage may still matter to a person: keep the file first.
+        m_keptCopy = FileUtilities::keepAside(m_filePath, QStringLiteral(".bad"));
+        if (m_keptCopy.isEmpty()) {
+            qDebug().noquote() << "SETTINGS: not saving over the damaged" << m_filePath
+                               << "- no copy of it could be kept";
+            ok = false;
+        } else {
+            qDebug().noquote() << "SETTINGS: damaged" << m_filePath << "kept as" << m_keptCopy;
+            m_fileState = FileState::Read;
+        }
+    }
+    ok = ok && saveAs(m_filePath);
+    if (ok && m_fileState == FileState::Missing)
+        m_fileState = FileState::Read;
+    const bool firstFailure = !ok && !m_lastSaveFailed;
+    m_lastSaveFailed = !ok;
+    if (firstFailure)
+        qDebug().noquote() << "SETTINGS: cannot save" << m_filePath;
+    if (!ok)
+        emit saveFailed(m_filePath);
+    return ok;
 }
 
 bool VTSettings::readFile()
 {
     if (!QFile::exists(m_filePath)) {
         qDebug().noquote() << "SETTINGS: no file" << m_filePath << "yet; current values stay";
+        m_fileState = FileState::Missing;
         return true;
     }
     {
@@ -69,21 +106,21 @@ bool VTSettings::readFile()
             // Not a damaged file, just one we may not read: leave it and the values alone.
             qDebug().noquote() << "SETTINGS: cannot open" << m_filePath << "-"
                                << probe.errorString();
+            m_fileState = FileState::Unreadable;
             return false;
         }
     }
     MetaDescriptor *d = descriptor();
     const bool ok = m_format == JSON ? d->loadFromJsonFile(m_filePath) : d->load(m_filePath);
-    if (ok)
+    if (ok) {
+        m_fileState = FileState::Read;
         return true;
-    // Part of the file may have been applied before the damage was found; start clean instead,
-    // and keep the file for a person to look at, since the next save replaces it.
-    const QString kept = FileUtilities::keepAside(m_filePath, QStringLiteral(".bad"));
+    }
+    // What was read before the damage stands; the rest keeps its current value. Reading writes
+    // nothing: the file is kept aside only when a save is about to replace it.
     qDebug().noquote() << "SETTINGS: cannot parse" << m_filePath << "(" << d->lastError() << ")"
-                       << (kept.isEmpty() ? QStringLiteral("and could not keep a copy")
-                                          : QStringLiteral("kept as ") + kept)
-                       << "- defaults apply";
-    loadDefaults();
+                       << "- values read before the damage apply";
+    m_fileState = FileState::Damaged;
     return false;
 }
 
@@ -114,7 +151,7 @@ void VTSettings::changedProperty(const QString &name)
     if (!m_autoSave || m_reloading > 0)
         return;
     if (!m_filePath.isEmpty())
-        saveAs(m_filePath);
+        saveOwnFile();
     emit saved();
 }
 

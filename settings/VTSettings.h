@@ -24,6 +24,15 @@ public:
     enum VTSettingsFormat { XML = 0, JSON = 1 };
     Q_ENUM(VTSettingsFormat)
 
+    // What the last reading of the file found.
+    enum class FileState {
+        Read,       // read whole, or nothing read yet
+        Missing,    // no file yet: the current values stay and the first save creates it
+        Unreadable, // there, but it may not be read: it is never written over
+        Damaged     // read up to the damage; kept aside before the first save replaces it
+    };
+    Q_ENUM(FileState)
+
     explicit VTSettings(const QString &filePath = QString(), bool autoSave = true,
                         QObject *parent = nullptr, VTSettingsFormat format = XML);
     ~VTSettings() override;
@@ -36,14 +45,20 @@ public:
     void setFormat(VTSettingsFormat format) { m_format = format; }
 
     // Writes the whole object to its file and emits saved. False with an empty path or when
-    // the file cannot be written (the previous file then stays as it was).
+    // the file cannot be written (the previous file then stays as it was). A file that could
+    // not be read is never written over; a damaged one is first kept aside (see keptCopy).
     bool save();
     // Writes the whole object to another file; the object's own path does not change.
     bool saveAs(const QString &filePath);
-    // Reads the file over the current values without writing it back. A missing file leaves
-    // everything as it is. A file that cannot be parsed is kept beside as path + ".bad" and the
-    // defaults apply. False only with an empty path.
+    // Reads the file over the current values without writing anything. A missing or unreadable
+    // file leaves everything as it is; a damaged one gives the values read before the damage.
+    // See fileState(). False only with an empty path.
     bool reload();
+    FileState fileState() const { return m_fileState; }
+    // The copy a damaged file was kept as when it was first saved over; empty until then.
+    QString keptCopy() const { return m_keptCopy; }
+    // Whether the last attempt to write the file failed (cleared by the next good save).
+    bool lastSaveFailed() const { return m_lastSaveFailed; }
     // Gives every setting its default (settings with NoDefault keep their value). Does not
     // write the file.
     void loadDefaults();
@@ -76,6 +91,8 @@ signals:
     void reloaded();
     void saved();
     void filePathChanged(QString filePath);
+    // Writing the file failed (or was refused to protect a file that could not be read).
+    void saveFailed(QString filePath);
 
 protected slots:
     // Every property change reaches the store here.
@@ -89,11 +106,16 @@ protected:
 
 private:
     bool readFile();
+    // saveAs(m_filePath) with the protection of a file that could not be read.
+    bool saveOwnFile();
 
     QString m_filePath;
     bool m_autoSave = true;
     VTSettingsFormat m_format = XML;
     int m_reloading = 0;
+    FileState m_fileState = FileState::Read;
+    QString m_keptCopy;
+    bool m_lastSaveFailed = false;
     mutable MetaDescriptor *m_descriptor = nullptr;
     mutable const QMetaObject *m_describedMeta = nullptr;
 };

@@ -3,7 +3,10 @@
 #include "analysis/CorvidaExperiment.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/EDFFixedHeader.h"
+#include "storage/EDFHeaderCheck.h"
+#include "storage/EDFReader.h"
 #include "storage/RecordFileNames.h"
+#include "toolkit/FileUtilities.h"
 #include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
@@ -20,6 +23,14 @@
 namespace {
 const QLatin1String kEdf(".edf");
 const QLatin1String kExp(".exp");
+// What a save writes the recording to before it takes its own name; one left behind is a save
+// that was interrupted.
+const QLatin1String kPart(".edf.part");
+
+bool isUnfinishedSave(const QString &name)
+{
+    return name.endsWith(kPart, Qt::CaseInsensitive) && name.size() > kPart.size();
+}
 
 // The path without its ".edf" or ".exp" suffix (in any case), so either file names the record.
 QString basePath(const QString &path)
@@ -30,20 +41,14 @@ QString basePath(const QString &path)
     return clean;
 }
 
-// The fixed header and the signal headers must at least be there. The library reads a whole
-// file's marks when it opens one, far too slow for listing, so this looks at the first bytes only;
-// it catches empty, cut-off and foreign files.
-bool recordingLooksReadable(const QString &path, qint64 size)
+// Whether the reader will open the recording, judged from its header bytes and its size alone:
+// the library reads a whole file's marks when it opens one, far too slow for listing.
+bool recordingLooksReadable(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const EDFFixedHeader header(file.read(EDFFixedHeader::kSize));
-    if (!header.isComplete() || header.isRejected())
-        return false;
-    bool ok = false;
-    const int signalCount = file.seek(252) ? file.read(4).trimmed().toInt(&ok) : 0;
-    return ok && signalCount > 0 && size >= qint64(EDFFixedHeader::kSize) * (signalCount + 1);
+    const EDFHeaderCheck check = EDFHeaderCheck::ofFile(path);
+    if (!check.isReadable())
+        qDebug().noquote() << "RECORDS:" << path << "-" << check.detail();
+    return check.isReadable();
 }
 
 // The ".exp" file beside a recording, spelt in any case (files carried over from Windows often
@@ -148,7 +153,8 @@ bool RecordDatabase::reload(const Progress &progress)
     QList<QFileInfo> recordings;
     for (const QFileInfo &info : files) {
         byName.insert(info.fileName(), info);
-        if (info.suffix().compare(QLatin1String("edf"), Qt::CaseInsensitive) == 0)
+        if (info.suffix().compare(QLatin1String("edf"), Qt::CaseInsensitive) == 0 ||
+            isUnfinishedSave(info.fileName()))
             recordings << info;
     }
 
@@ -161,8 +167,10 @@ bool RecordDatabase::reload(const Progress &progress)
             return false;
         }
         const QFileInfo &edf = recordings[i];
+        const bool unfinished = isUnfinishedSave(edf.fileName());
         const QString base = edf.completeBaseName();
-        const QFileInfo exp = byName.value(base + kExp);
+        // An unfinished save is shown on its own: its ".exp" file, if any, is not yet its own.
+        const QFileInfo exp = unfinished ? QFileInfo() : byName.value(base + kExp);
 
         Entry e;
         e.edfPath = edf.absoluteFilePath();
@@ -178,11 +186,14 @@ bool RecordDatabase::reload(const Progress &progress)
         if (sameProperties) {
             // Nothing changed since the last look: what was found then still holds.
             e.damage = old->damage;
+        } else if (unfinished) {
+            e.damage = recordingLooksReadable(e.edfPath) ? Damage::Unfinished
+                                                         : Damage::UnfinishedIncomplete;
         } else {
             // The record reads its recording as "<base>.edf"; another spelling of the suffix
             // it cannot find on a file system that minds case.
             const bool recordingOk =
-                edf.fileName() == base + kEdf && recordingLooksReadable(e.edfPath, e.edfSize);
+                edf.fileName() == base + kEdf && recordingLooksReadable(e.edfPath);
             const bool propertiesOk =
                 !exp.exists() || propertiesLookReadable(exp.absoluteFilePath());
             e.damage = !recordingOk ? Damage::Recording
@@ -195,11 +206,15 @@ bool RecordDatabase::reload(const Progress &progress)
             if (!sameProperties)
                 e.record->reload();
         } else {
-            e.record = new CorvidaExperiment(m_folder + QLatin1Char('/') + base + kExp, this);
+            // An unfinished save gets an empty record: nothing of it is read or written until it
+            // is recovered.
+            e.record = new CorvidaExperiment(
+                unfinished ? QString() : m_folder + QLatin1Char('/') + base + kExp, this);
             created << e.record;
         }
         if (e.damage != Damage::None)
             qDebug().noquote() << "RECORDS:" << e.edfPath << "-" << damageText(e.damage);
+        e.unfinished = unfinished;
         entries << e;
     }
     if (progress)
@@ -254,6 +269,10 @@ QString RecordDatabase::damageText(Damage damage)
         return tr("The recording cannot be read");
     case Damage::Properties:
         return tr("The record's properties cannot be read");
+    case Damage::Unfinished:
+        return tr("An interrupted save; the recording is complete and can be recovered");
+    case Damage::UnfinishedIncomplete:
+        return tr("An interrupted save; the recording is incomplete and cannot be recovered");
     case Damage::None:
         break;
     }
@@ -318,7 +337,15 @@ QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
 
 QString RecordDatabase::text(int row, int column) const
 {
+    // An unfinished save has no properties; its file name is all there is to show.
+    if (isUnfinished(row))
+        return column == TitleColumn ? QFileInfo(m_entries[row].edfPath).fileName() : QString();
     return cellText(record(row), column);
+}
+
+bool RecordDatabase::isUnfinished(int row) const
+{
+    return row >= 0 && row < m_entries.size() && m_entries[row].unfinished;
 }
 
 QString RecordDatabase::recordName(const CorvidaExperiment *record)
@@ -476,6 +503,14 @@ bool RecordDatabase::removeRecords(const QStringList &paths, QString *error)
             failed << path;
             continue;
         }
+        // An interrupted save is one file; the ".exp" file beside it may belong to another record.
+        if (isUnfinishedSave(base)) {
+            if (QFile::exists(base) && !QFile::moveToTrash(base)) {
+                qDebug().noquote() << "RECORDS: cannot move to the trash:" << base;
+                failed << base;
+            }
+            continue;
+        }
         // Without its recording the properties are no record; if the recording stays, they stay
         // with it.
         bool recordingGone = true;
@@ -560,4 +595,49 @@ QString RecordDatabase::recalculateTitle()
 QString RecordDatabase::recalculateQuestion()
 {
     return tr("All blood pressure data\nin this experiment will be reset.\nContinue?");
+}
+
+bool RecordDatabase::recoverUnfinished(const QString &partPath, QString *recoveredPath,
+                                       QString *error)
+{
+    const auto failWith = [error, &partPath](const QString &why) {
+        qDebug().noquote() << "RECORDS: cannot recover" << partPath << "-" << why;
+        if (error)
+            *error = why;
+        return false;
+    };
+    const QFileInfo part(partPath);
+    if (!part.isFile() || !isUnfinishedSave(part.fileName()))
+        return failWith(tr("Not an interrupted save") + QStringLiteral(" \"") +
+                        QDir::toNativeSeparators(partPath) + QLatin1Char('"'));
+    // The header check says whether the file is whole; the reader has the last word.
+    if (!EDFHeaderCheck::ofFile(part.absoluteFilePath()).isReadable())
+        return failWith(damageText(Damage::UnfinishedIncomplete));
+    {
+        EDFReader reader(part.absoluteFilePath());
+        if (!reader.open())
+            return failWith(damageText(Damage::UnfinishedIncomplete));
+    }
+
+    const QDir folder = part.absoluteDir();
+    const QSet<QString> taken = RecordFileNames::takenNames(folder.absolutePath());
+    const QString wanted = part.fileName().chopped(kPart.size());
+    // The save wrote the ".exp" file before it was interrupted, so under the name it chose the
+    // recording finds its properties again. Under another name it stays a bare recording: a
+    // ".exp" file there belongs to the record that already has the name.
+    const QString base = taken.contains((wanted + kEdf).toLower())
+                             ? RecordFileNames::freeBaseName(taken, wanted)
+                             : wanted;
+    const QString target = folder.filePath(base + kEdf);
+    // The rename never replaces a file, so a record appearing meanwhile under that name is
+    // safe as well.
+    if (!FileUtilities::renameNoReplace(part.absoluteFilePath(), target))
+        return failWith(tr("Cannot rename") + QStringLiteral(" \"") +
+                        QDir::toNativeSeparators(partPath) + QLatin1Char('"'));
+    qDebug().noquote() << "RECORDS: recovered" << partPath << "as" << target;
+    if (recoveredPath)
+        *recoveredPath = target;
+    if (QDir(m_folder).absolutePath() == folder.absolutePath())
+        reload();
+    return true;
 }

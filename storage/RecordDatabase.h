@@ -15,9 +15,10 @@ class CorvidaSettings;
 // list is rebuilt from the folder. The records page and the command-line tool share this class;
 // it shows nothing itself and returns the texts a caller may want to show.
 //
-// Listing reads only the ".exp" files and the first bytes of each ".edf" file, never the series,
-// so a folder of thousands of records lists at once. A record whose files cannot be read is
-// still listed, with damage() saying what is wrong: hiding it would look like a lost measurement.
+// Listing reads only the ".exp" files and the header of each ".edf" file (see EDFHeaderCheck),
+// never the series, so a folder of thousands of records lists at once. A record whose files
+// cannot be read is still listed, with damage() saying what is wrong: hiding it would look like a
+// lost measurement. So is the recording an interrupted save left under "<name>.edf.part".
 class RecordDatabase : public QObject
 {
     Q_OBJECT
@@ -25,8 +26,9 @@ public:
     enum Column { TitleColumn = 0, RodentColumn, CommentColumn, PressureColumn, ColumnCount };
     Q_ENUM(Column)
 
-    // What of a listed record cannot be read.
-    enum class Damage { None, Recording, Properties };
+    // What of a listed record cannot be read. An interrupted save leaves its recording under a
+    // name ending in ".edf.part"; it is listed as such, complete (recoverable) or not.
+    enum class Damage { None, Recording, Properties, Unfinished, UnfinishedIncomplete };
     Q_ENUM(Damage)
 
     // Called with the work done so far and the whole; returning false cancels.
@@ -61,6 +63,16 @@ public:
     // A translated sentence for a damaged row; empty for a sound one.
     QString damageText(int row) const;
     static QString damageText(Damage damage);
+    // An interrupted save's recording rather than a record.
+    bool isUnfinished(int row) const;
+
+    // Gives the complete recording of an interrupted save (its ".edf.part" path) the name it
+    // was to have, or the next free one (" (2)", " (3)", ...) when that is taken. Nothing is
+    // ever overwritten; the ".exp" file written by the same save stays with it when the name is
+    // its own. False with `error` when the file is incomplete, unreadable or cannot be renamed.
+    // Reloads on success.
+    bool recoverUnfinished(const QString &partPath, QString *recoveredPath = nullptr,
+                           QString *error = nullptr);
     // The row of a record given by its ".edf" or ".exp" path, or -1.
     int rowOf(const QString &path) const;
     int rowOf(const CorvidaExperiment *record) const;
@@ -88,8 +100,9 @@ public:
     static QString importFilter();
 
     // Moves each record's ".edf" and ".exp" files (given by either path) to the system's trash;
-    // a file that is not there is skipped. Reloads. False with `error` naming the files that
-    // could not be moved; the others are moved all the same.
+    // a file that is not there is skipped. An interrupted save's ".edf.part" goes alone. Reloads.
+    // False with `error` naming the files that could not be moved; the others are moved all the
+    // same.
     bool removeRecords(const QStringList &paths, QString *error = nullptr);
     static QString removeTitle();
     static QString removeQuestion(int count);
@@ -111,6 +124,7 @@ private:
         CorvidaExperiment *record = nullptr;
         QString edfPath;
         Damage damage = Damage::None;
+        bool unfinished = false;
         qint64 edfSize = -1;
         QDateTime edfModified;
         qint64 expSize = -1;

@@ -289,6 +289,91 @@ private slots:
         QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
     }
 
+    // What a full disk or a crash inside a save leaves behind, as "list" reports it.
+    void listNoLongerShowsCutOrUnfinishedRecordingsAsSound()
+    {
+        QTemporaryDir dir;
+        const QString records = dir.filePath(QStringLiteral("Records"));
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
+        const QString edf = makeRecord(records);
+        const QByteArray bytes = RecordFiles::readAll(edf);
+        QVERIFY(RecordFiles::writeAll(records + "/cut.edf", bytes.left(bytes.size() / 2)));
+        QByteArray miscounted = bytes;
+        miscounted.replace(236, 8, "1       ");
+        QVERIFY(RecordFiles::writeAll(records + "/miscounted.edf", miscounted));
+        QVERIFY(RecordFiles::writeAll(records + "/crashed.edf.part", bytes));
+        const Result r = cli(dir.path(), {QStringLiteral("list")});
+        QCOMPARE(r.status, 0);
+        // "info" is the independent judge of the files the list calls unreadable.
+        for (const char *name : {"cut.edf", "miscounted.edf"}) {
+            const QString path = records + QLatin1Char('/') + QLatin1String(name);
+            QVERIFY2(r.out.contains(path + QStringLiteral(";The recording cannot be read")),
+                     qPrintable(r.out));
+            QCOMPARE(cli(dir.path(), {QStringLiteral("info"), path}).status, 1);
+        }
+        QVERIFY2(r.out.contains(QStringLiteral("crashed.edf.part;;;;") + records +
+                                QStringLiteral("/crashed.edf.part;An interrupted save; the "
+                                               "recording is complete and can be recovered")),
+                 qPrintable(r.out));
+        QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
+    }
+
+    void recoverGivesAnInterruptedSaveAFreeNameAndOverwritesNothing()
+    {
+        QTemporaryDir dir;
+        const QString records = dir.filePath(QStringLiteral("Records"));
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
+        const QString edf = makeRecord(records);
+        const QByteArray original = RecordFiles::readAll(edf);
+        // The same recording left by a save that was interrupted under the same name.
+        const QString part = edf + QStringLiteral(".part");
+        QByteArray recording = original;
+        const int headerBytes = original.mid(184, 8).trimmed().toInt();
+        recording[headerBytes] = char(recording[headerBytes] ^ 0x55); // tell the two apart
+        QVERIFY(RecordFiles::writeAll(part, recording));
+        Result r = cli(dir.path(), {QStringLiteral("recover"), part});
+        QCOMPARE(r.status, 0);
+        const QString recovered = edf.chopped(4) + QStringLiteral(" (2).edf");
+        QCOMPARE(r.out, recovered + QLatin1Char('\n'));
+        QCOMPARE(RecordFiles::readAll(recovered), recording);
+        QCOMPARE(RecordFiles::readAll(edf), original);
+        QVERIFY(!QFile::exists(part));
+        QCOMPARE(cli(dir.path(), {QStringLiteral("info"), recovered}).status, 0);
+
+        // An incomplete one stays where it is, untouched.
+        QVERIFY(RecordFiles::writeAll(part, original.left(original.size() - 10)));
+        r = cli(dir.path(), {QStringLiteral("recover"), part});
+        QCOMPARE(r.status, 1);
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QVERIFY(r.err.contains(QStringLiteral("incomplete")));
+        QCOMPARE(RecordFiles::readAll(part), original.left(original.size() - 10));
+    }
+
+    // list, info and analyze without --save read a folder with a damaged properties file.
+    void readOnlyCommandsNoLongerWriteIntoTheRecordsFolder_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("list") << QStringList{"list"};
+        QTest::newRow("info") << QStringList{"info", "RECORD"};
+        QTest::newRow("analyze") << QStringList{"analyze", "RECORD"};
+    }
+    void readOnlyCommandsNoLongerWriteIntoTheRecordsFolder()
+    {
+        QFETCH(QStringList, arguments);
+        QTemporaryDir dir;
+        const QString records = dir.filePath(QStringLiteral("Records"));
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
+        const QString edf = makeRecord(records);
+        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        QVERIFY(RecordFiles::writeAll(exp, "<CorvidaExperiment><Rodent>rat 3</Rodent><SBP>1"));
+        const QStringList before = QDir(records).entryList(QDir::Files | QDir::Hidden);
+        arguments.replaceInStrings(QStringLiteral("RECORD"), edf);
+        QCOMPARE(cli(dir.path(), arguments).status, 0);
+        QCOMPARE(QDir(records).entryList(QDir::Files | QDir::Hidden), before);
+        QCOMPARE(RecordFiles::readAll(exp),
+                 QByteArray("<CorvidaExperiment><Rodent>rat 3</Rodent><SBP>1"));
+    }
+
     void exportWritesTheChosenContent()
     {
         QTemporaryDir dir;

@@ -1,12 +1,15 @@
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
+#include "device/VirtualCorvidaDevice.h"
 #include "settings/CorvidaSettings.h"
 #include "support/RecordFiles.h"
 #include "toolkit/LanguageContext.h"
+#include "ui/CorvidaDeviceView.h"
 #include "ui/PageAboutApp.h"
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SettingsFileNotice.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -15,6 +18,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
 #include <QtTest>
 #include <memory>
 
@@ -24,6 +28,8 @@ class AnsweringWindow : public MainWindow
 public:
     int questions = 0;
     int restarts = 0;
+    QStringList discardQuestions;
+    bool discard = false;
     Qt::KeyboardModifiers modifiers = Qt::NoModifier;
 
 protected:
@@ -35,6 +41,11 @@ protected:
         return MainWindow::askLanguageChange(title, text, ok, notNow, cancel);
     }
     void restartApplication() override { ++restarts; }
+    bool confirmDiscardUnsaved(const QString &text) override
+    {
+        discardQuestions << text;
+        return discard;
+    }
     Qt::KeyboardModifiers currentModifiers() const override { return modifiers; }
 };
 
@@ -44,7 +55,28 @@ class TestMainWindow : public QObject
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<CorvidaModel> m_model;
     std::unique_ptr<AnsweringWindow> m_window;
+    qint64 m_now = 1'000'000;
     CorvidaSettings *settings() const { return m_model->settings(); }
+    // A simulated unit driven by the test's clock, with a measurement of two seconds that was
+    // not saved in its panel.
+    void measureWithoutSaving()
+    {
+        auto *device = new VirtualCorvidaDevice();
+        device->setTickTimerActive(false);
+        device->setClock([this] { return m_now; });
+        m_model->addDevice(device);
+        device->connectDevice();
+        makeWindow();
+        CorvidaDeviceView *panel = m_window->experimentPage()->panels().value(0);
+        QVERIFY(panel);
+        panel->turnOn();
+        panel->measure();
+        for (int t = 0; t < 2000; t += 50) {
+            m_now += 50;
+            device->tick();
+        }
+        QVERIFY(panel->hasUnsavedMeasurement());
+    }
     void makeWindow()
     {
         m_window = std::make_unique<AnsweringWindow>();
@@ -227,6 +259,126 @@ private slots:
         QTableView *table = page->table();
         const QRect row = table->visualRect(table->currentIndex());
         QVERIFY(row.top() >= 0 && row.bottom() <= table->viewport()->height());
+    }
+
+    void closingNoLongerDiscardsAnUnsavedMeasurement_data()
+    {
+        QTest::addColumn<bool>("measured");
+        QTest::addColumn<bool>("discard");
+        QTest::addColumn<bool>("closed");
+        QTest::newRow("nothing measured: no question") << false << false << true;
+        QTest::newRow("unsaved, kept: window stays") << true << false << false;
+        QTest::newRow("unsaved, discarded") << true << true << true;
+    }
+    void closingNoLongerDiscardsAnUnsavedMeasurement()
+    {
+        QFETCH(bool, measured);
+        QFETCH(bool, discard);
+        if (measured)
+            measureWithoutSaving();
+        else
+            makeWindow();
+        m_window->discard = discard;
+        const bool closed = m_window->close();
+        QTEST(closed, "closed");
+        QCOMPARE(m_window->isVisible(), !closed);
+        QCOMPARE(m_window->discardQuestions.size(), measured ? 1 : 0);
+        if (measured) {
+            const QString unit = m_window->experimentPage()->panels()[0]->title();
+            QVERIFY2(m_window->discardQuestions[0].contains(unit),
+                     qPrintable(m_window->discardQuestions[0]));
+        }
+    }
+    void languageRestartNoLongerDiscardsAnUnsavedMeasurement_data()
+    {
+        QTest::addColumn<bool>("discard");
+        QTest::newRow("kept: no restart yet") << false;
+        QTest::newRow("discarded: restart") << true;
+    }
+    void languageRestartNoLongerDiscardsAnUnsavedMeasurement()
+    {
+        QFETCH(bool, discard);
+        measureWithoutSaving();
+        m_window->discard = discard;
+        QTimer::singleShot(100, this, [] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            for (QAbstractButton *b : box->buttons())
+                if (b->text() == QLatin1String("OK"))
+                    b->click();
+        });
+        settings()->setLanguage(CorvidaSettings::CorvidaLanguage::ru_RU);
+        QCOMPARE(m_window->discardQuestions.size(), 1);
+        QCOMPARE(m_window->restarts, discard ? 1 : 0);
+        // Kept or not, the new language is stored for the next start.
+        QCOMPARE(int(settings()->getLanguage()), 1);
+        // Once the operator agreed, the close that ends the old process does not ask again.
+        if (discard) {
+            QVERIFY(m_window->close());
+            QCOMPARE(m_window->discardQuestions.size(), 1);
+        }
+    }
+
+    // Settings.xml as the program finds it at start, and what the window then says.
+    void settingsFileProblemsAreToldOnce_data()
+    {
+        QTest::addColumn<QByteArray>("content"); // empty: a folder in the file's place
+        QTest::addColumn<QString>("saying");
+        QTest::newRow("damaged")
+            << QByteArray("<CorvidaSettings>\n<SortingColumn>2</SortingColumn>\n<Visual")
+            << QStringLiteral("was damaged");
+        QTest::newRow("cannot be read") << QByteArray() << QStringLiteral("cannot be read");
+    }
+    void settingsFileProblemsAreToldOnce()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, saying);
+        m_model.reset();
+        const QString path = m_dir->filePath(QStringLiteral("Settings.xml"));
+        QVERIFY(QFile::remove(path));
+        if (content.isEmpty())
+            QVERIFY(QDir(m_dir->path()).mkdir(QStringLiteral("Settings.xml")));
+        else
+            QVERIFY(RecordFiles::writeAll(path, content));
+        m_model = std::make_unique<CorvidaModel>(m_dir->path());
+        makeWindow();
+        SettingsFileNotice *notice = m_window->settingsNotice();
+        QVERIFY(notice->isVisible());
+        QVERIFY2(notice->text().contains(saying), qPrintable(notice->text()));
+        if (content.isEmpty()) {
+            // Nothing was written in the file's place, however the settings change.
+            settings()->setSortingColumn(3);
+            QVERIFY(QFileInfo(path).isDir());
+            QVERIFY(QDir(path).isEmpty());
+        } else {
+            // What was read before the damage stays, and the damaged file is kept beside.
+            QCOMPARE(settings()->getSortingColumn(), 2);
+            QVERIFY2(notice->text().contains(QStringLiteral("Settings.xml.bad")),
+                     qPrintable(notice->text()));
+            QCOMPARE(RecordFiles::readAll(path + QStringLiteral(".bad")), content);
+            CorvidaSettings reread(path);
+            QCOMPARE(reread.fileState(), VTSettings::FileState::Read);
+            QCOMPARE(reread.getSortingColumn(), 2);
+        }
+        // Closed by the operator, it does not come back for the same trouble.
+        notice->findChild<QToolButton *>(QStringLiteral("closeNotice"))->click();
+        settings()->setSortingColumn(1);
+        QVERIFY(!notice->isVisible());
+    }
+    void settingsThatCannotBeSavedAreToldOnce()
+    {
+        makeWindow();
+        SettingsFileNotice *notice = m_window->settingsNotice();
+        QVERIFY(!notice->isVisible());
+        // Without its folder the file cannot be written, even by root.
+        QVERIFY(QDir(m_dir->path()).removeRecursively());
+        settings()->setSortingColumn(2);
+        QVERIFY(notice->isVisible());
+        QVERIFY2(notice->text().contains(QStringLiteral("cannot be saved")),
+                 qPrintable(notice->text()));
+        notice->hide();
+        settings()->setSortingColumn(3);
+        QVERIFY(!notice->isVisible());
     }
 };
 

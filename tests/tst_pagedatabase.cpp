@@ -265,6 +265,66 @@ private slots:
         }
     }
 
+    // A crash inside a save leaves "<name>.edf.part"; the page shows it and recovers a whole one.
+    void interruptedSaveIsShownAndRecoveredFromTheMenu_data()
+    {
+        QTest::addColumn<int>("cut"); // bytes missing at the end of the left-behind recording
+        QTest::addColumn<bool>("recoverable");
+        QTest::newRow("complete") << 0 << true;
+        QTest::newRow("cut off") << 40 << false;
+    }
+    void interruptedSaveIsShownAndRecoveredFromTheMenu()
+    {
+        QFETCH(int, cut);
+        QFETCH(bool, recoverable);
+        const QString part = m_paths[1] + QStringLiteral(".part");
+        const QByteArray bytes = RecordFiles::readAll(m_paths[0]);
+        QVERIFY(RecordFiles::writeAll(part, bytes.left(bytes.size() - cut)));
+        makePage();
+        QCOMPARE(m_page->model()->rowCount(), 4);
+        m_page->selectRecords({part});
+        QCOMPARE(m_page->selectedRecordPaths(), QStringList{part});
+        QVERIFY(m_page->selectedRecords().isEmpty()); // nothing to export or recalculate
+        QCOMPARE(m_page->preview()->currentView(), m_page->preview()->messageLabel());
+        QVERIFY(m_page->preview()->messageLabel()->text().startsWith("An interrupted save"));
+
+        std::unique_ptr<QMenu> menu(m_page->createContextMenu());
+        QVERIFY(menu);
+        QStringList texts;
+        for (QAction *a : menu->actions())
+            texts << a->text();
+        QCOMPARE(texts, (QStringList{"Recover recording", "Show in folder", "Remove experiment"}));
+        QCOMPARE(menu->actions()[0]->isEnabled(), recoverable);
+        if (!recoverable) {
+            // Thrown away alone: the record whose name it has keeps both its files.
+            for (const char *dir : {"home/.qttest/share", "data"})
+                QVERIFY(QDir(m_dir->path()).mkpath(dir));
+            const QByteArray oldHome = qgetenv("HOME");
+            const QByteArray oldData = qgetenv("XDG_DATA_HOME");
+            qputenv("HOME", m_dir->filePath("home").toLocal8Bit());
+            qputenv("XDG_DATA_HOME", m_dir->filePath("data").toLocal8Bit());
+            m_page->answers << true;
+            menu->actions()[2]->trigger();
+            qputenv("HOME", oldHome);
+            qputenv("XDG_DATA_HOME", oldData);
+            QVERIFY(!QFile::exists(part));
+            QVERIFY(QFile::exists(m_paths[1]) && QFile::exists(expOf(m_paths[1])));
+            QCOMPARE(m_page->model()->rowCount(), 3);
+            QVERIFY(m_page->warnings.isEmpty());
+            return;
+        }
+        menu->actions()[0]->trigger();
+        // The name was taken by the record it was to replace, which stays as it was.
+        const QString recovered = m_paths[1].chopped(4) + QStringLiteral(" (2).edf");
+        QCOMPARE(m_page->selectedRecordPaths(), QStringList{recovered});
+        QCOMPARE(RecordFiles::readAll(recovered), bytes);
+        QVERIFY(!QFile::exists(part));
+        QCOMPARE(m_page->model()->rowCount(), 4);
+        QCOMPARE(m_page->preview()->currentView(),
+                 static_cast<QWidget *>(m_page->preview()->experimentViewer()));
+        QVERIFY(m_page->warnings.isEmpty());
+    }
+
     void removeAsksFirstAndTrashesBothFiles_data()
     {
         QTest::addColumn<int>("count");

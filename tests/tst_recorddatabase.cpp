@@ -1,5 +1,7 @@
 #include "analysis/CorvidaExperiment.h"
+#include "storage/EDFReader.h"
 #include "storage/RecordDatabase.h"
+#include "support/EDFRawFile.h"
 #include "support/RecordFiles.h"
 
 #include <QDir>
@@ -89,6 +91,129 @@ private slots:
         QCOMPARE(damageOf(brokenProps), RecordDatabase::Damage::Properties);
         QCOMPARE(damageOf(records.filePath("empty.edf")), RecordDatabase::Damage::Recording);
         QCOMPARE(damageOf(records.filePath("cut.edf")), RecordDatabase::Damage::Recording);
+    }
+    // Files the reader refuses although their first 256 bytes are fine.
+    void listNoLongerShowsDamagedRecordingsAsSound_data()
+    {
+        // Where the patch goes: a fixed-header offset, or a field of the second signal's header
+        // (0 label, 3 physical minimum, 4 physical maximum, 5 digital minimum, 8 samples); a
+        // negative offset cuts that many bytes off the end.
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<int>("field");
+        QTest::addColumn<QByteArray>("patch");
+        QTest::addColumn<int>("damage");
+        const int none = int(RecordDatabase::Damage::None);
+        const int bad = int(RecordDatabase::Damage::Recording);
+        QTest::newRow("sound") << 0 << -1 << QByteArray() << none;
+        QTest::newRow("cut inside the data") << -150 << -1 << QByteArray() << bad;
+        QTest::newRow("record count one too high") << 236 << -1 << QByteArray("3       ") << bad;
+        QTest::newRow("physical maximum not a number") << 0 << 4 << QByteArray("abc     ") << bad;
+        QTest::newRow("digital minimum above the maximum")
+            << 0 << 5 << QByteArray("32767   ") << bad;
+        QTest::newRow("no samples") << 0 << 8 << QByteArray("0       ") << bad;
+        QTest::newRow("another label is fine") << 0 << 0 << QByteArray("Cuff            ") << none;
+    }
+    void listNoLongerShowsDamagedRecordingsAsSound()
+    {
+        QFETCH(int, offset);
+        QFETCH(int, field);
+        QFETCH(QByteArray, patch);
+        QFETCH(int, damage);
+        QTemporaryDir records;
+        const QString path = RecordFiles::write(records.path(), {at(1), QStringLiteral("x")});
+        QByteArray bytes = RecordFiles::readAll(path);
+        QCOMPARE(bytes.mid(236, 8), QByteArray("2       ")); // two seconds of one-second records
+        if (field >= 0) {
+            // Each field is stored for all signals before the next field starts.
+            const int widths[] = {16, 80, 8, 8, 8, 8, 8, 80, 8};
+            const int n = EDFRawFile(path).signalCount();
+            offset = 256 + widths[field] * 1;
+            for (int f = 0; f < field; ++f)
+                offset += widths[f] * n;
+        }
+        if (offset < 0)
+            bytes.chop(-offset);
+        else
+            bytes.replace(offset, patch.size(), patch);
+        QVERIFY(RecordFiles::writeAll(path, bytes));
+
+        RecordDatabase db(records.path());
+        QVERIFY(db.reload());
+        QCOMPARE(int(db.damage(db.rowOf(path))), damage);
+        // The reader agrees: what the list calls sound opens, the rest does not.
+        EDFReader reader(path);
+        QCOMPARE(reader.open(), damage == int(RecordDatabase::Damage::None));
+    }
+
+    // A crash inside a save leaves "<name>.edf.part" (and maybe "<name>.exp").
+    void interruptedSaveIsListedAndRecoveredUnderAFreeName_data()
+    {
+        QTest::addColumn<bool>("nameTaken");
+        QTest::addColumn<QString>("recoveredName");
+        QTest::addColumn<QString>("rodent"); // of the recovered record
+        QTest::newRow("its own name, with its properties") << false << "crash.edf"
+                                                           << "rat 5";
+        QTest::newRow("name taken: a bare record beside") << true << "crash (2).edf"
+                                                          << "";
+    }
+    void interruptedSaveIsListedAndRecoveredUnderAFreeName()
+    {
+        QFETCH(bool, nameTaken);
+        QFETCH(QString, recoveredName);
+        QTemporaryDir records;
+        const QString folder = records.path();
+        const QString part = folder + QStringLiteral("/crash.edf.part");
+        QVERIFY(QFile::copy(m_recording, part));
+        QByteArray takenBytes;
+        if (nameTaken) {
+            const QString taken = RecordFiles::write(folder, {at(7), QStringLiteral("rat 7")});
+            QVERIFY(QFile::rename(taken, folder + QStringLiteral("/CRASH.edf")));
+            QVERIFY(
+                QFile::rename(taken.chopped(4) + ".exp", folder + QStringLiteral("/crash.exp")));
+            takenBytes = RecordFiles::readAll(folder + QStringLiteral("/CRASH.edf"));
+        } else {
+            QVERIFY(RecordFiles::writeAll(
+                folder + QStringLiteral("/crash.exp"),
+                "<CorvidaExperiment><Rodent>rat 5</Rodent></CorvidaExperiment>"));
+        }
+
+        RecordDatabase db(folder);
+        QVERIFY(db.reload());
+        const int row = db.rowOf(part);
+        QVERIFY(row >= 0);
+        QVERIFY(db.isUnfinished(row));
+        QCOMPARE(db.damage(row), RecordDatabase::Damage::Unfinished);
+        QCOMPARE(db.text(row, RecordDatabase::TitleColumn), QStringLiteral("crash.edf.part"));
+        QCOMPARE(db.text(row, RecordDatabase::RodentColumn), QString());
+
+        QString recovered;
+        QString error;
+        QVERIFY2(db.recoverUnfinished(part, &recovered, &error), qPrintable(error));
+        QCOMPARE(recovered, folder + QLatin1Char('/') + recoveredName);
+        QCOMPARE(RecordFiles::readAll(recovered), RecordFiles::readAll(m_recording));
+        QVERIFY(!QFile::exists(part));
+        if (nameTaken)
+            QCOMPARE(RecordFiles::readAll(folder + QStringLiteral("/CRASH.edf")), takenBytes);
+        const int now = db.rowOf(recovered);
+        QVERIFY(now >= 0);
+        QCOMPARE(db.damage(now), RecordDatabase::Damage::None);
+        QTEST(db.text(now, RecordDatabase::RodentColumn), "rodent");
+        QCOMPARE(db.count(), nameTaken ? 2 : 1);
+    }
+    void incompleteInterruptedSaveIsListedButNotRecovered()
+    {
+        QTemporaryDir records;
+        const QString part = records.filePath(QStringLiteral("crash.edf.part"));
+        const QByteArray cut = RecordFiles::readAll(m_recording).chopped(7);
+        QVERIFY(RecordFiles::writeAll(part, cut));
+        RecordDatabase db(records.path());
+        QVERIFY(db.reload());
+        QCOMPARE(db.damage(db.rowOf(part)), RecordDatabase::Damage::UnfinishedIncomplete);
+        QString error;
+        QVERIFY(!db.recoverUnfinished(part, nullptr, &error));
+        QCOMPARE(error, RecordDatabase::damageText(RecordDatabase::Damage::UnfinishedIncomplete));
+        QCOMPARE(RecordFiles::readAll(part), cut);
+        QCOMPARE(QDir(records.path()).entryList(QDir::Files), QStringList{"crash.edf.part"});
     }
     void sortByColumn_data()
     {

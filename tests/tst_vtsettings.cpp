@@ -3,7 +3,10 @@
 
 #include "settings/MetaDescriptor.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -61,42 +64,111 @@ private slots:
             QVERIFY2(back == sent && back.metaType() == sent.metaType(), qPrintable(it.key()));
         }
     }
-    void loadingKeepsWhatItCanRead_data()
+    // Count 3 and Flag false are set before reading; the defaults are Count 7, Ratio 0.25.
+    void damagedFileNoLongerResetsWhatWasReadBeforeTheDamage_data()
     {
         QTest::addColumn<VTSettings::VTSettingsFormat>("format");
         QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<int>("count");
         QTest::addColumn<double>("ratio");
-        QTest::addColumn<bool>(
-            "keptAside"); // unparsable as a whole: copied to .bad, defaults apply
+        QTest::addColumn<bool>("damaged");
         // From another version: the value after an unparsable one is still read.
         QTest::newRow("unparsable value")
             << VTSettings::XML
             << QByteArray("<SampleSettings><Count>many</Count><Ratio>0.5</Ratio>"
                           "</SampleSettings>")
-            << 0.5 << false;
+            << 3 << 0.5 << false;
         QTest::newRow("XML cut off after a value")
-            << VTSettings::XML << QByteArray("<SampleSettings>\n<Count>9</Count>\n<Ratio>0.5")
+            << VTSettings::XML << QByteArray("<SampleSettings>\n<Count>9</Count>\n<Ratio>0.5") << 9
             << 0.25 << true;
-        QTest::newRow("JSON array") << VTSettings::JSON << QByteArray("[1, 2]") << 0.25 << true;
+        QTest::newRow("JSON array")
+            << VTSettings::JSON << QByteArray("[1, 2]") << 3 << 0.25 << true;
     }
-    void loadingKeepsWhatItCanRead()
+    void damagedFileNoLongerResetsWhatWasReadBeforeTheDamage()
     {
         QFETCH(VTSettings::VTSettingsFormat, format);
         QFETCH(QByteArray, content);
-        QFETCH(bool, keptAside);
-        const QString path = m_dir.filePath(QString::fromLatin1(QTest::currentDataTag()));
+        QFETCH(bool, damaged);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("settings"));
         QVERIFY(RecordFiles::writeAll(path, content));
 
         SampleSettings settings(path, false, format);
+        settings.loadDefaults();
         settings.setValue(QStringLiteral("Count"), 3);
         settings.setValue(QStringLiteral("Flag"), false);
         settings.setAutoSave(true);
         QVERIFY(settings.reload());
-        QCOMPARE(settings.getValue(QStringLiteral("Count")).toInt(), keptAside ? 7 : 3);
+        QTEST(settings.getValue(QStringLiteral("Count")).toInt(), "count");
         QTEST(settings.getValue(QStringLiteral("Ratio")).toDouble(), "ratio");
-        QCOMPARE(settings.getValue(QStringLiteral("Flag")).toBool(), keptAside);
-        QCOMPARE(readAll(path + QStringLiteral(".bad")), keptAside ? content : QByteArray());
-        QCOMPARE(readAll(path), content); // loading never writes, even with automatic saving on
+        QCOMPARE(settings.getValue(QStringLiteral("Flag")).toBool(), false);
+        QCOMPARE(settings.fileState(),
+                 damaged ? VTSettings::FileState::Damaged : VTSettings::FileState::Read);
+        // Reading writes nothing, not even a copy, with automatic saving on.
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"settings"});
+        QCOMPARE(readAll(path), content);
+
+        // The first save keeps the damaged file before it replaces it.
+        settings.setProperty("Count", 11);
+        QCOMPARE(readAll(path + QStringLiteral(".bad")), damaged ? content : QByteArray());
+        SampleSettings back(path, false, format);
+        QVERIFY(back.reload());
+        QCOMPARE(back.getValue(QStringLiteral("Count")).toInt(), 11);
+    }
+    void keepAsideNoLongerDeletesAnEarlierCopy()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("Settings.xml"));
+        const QByteArrayList damage = {"<SampleSettings><Count>1", "<SampleSettings><Count>2",
+                                       "{not json"};
+        QStringList kept;
+        for (const QByteArray &bytes : damage) {
+            QVERIFY(RecordFiles::writeAll(path, bytes));
+            SampleSettings settings(path, false);
+            settings.reload();
+            QVERIFY(settings.save());
+            kept << QFileInfo(settings.keptCopy()).fileName();
+        }
+        QCOMPARE(kept,
+                 (QStringList{"Settings.xml.bad", "Settings.xml.2.bad", "Settings.xml.3.bad"}));
+        for (int i = 0; i < damage.size(); ++i)
+            QCOMPARE(readAll(dir.filePath(kept[i])), damage[i]);
+    }
+    // A file the program may not read keeps whatever it holds: no default is ever written over
+    // it, and the failure is announced once per attempt for the window to report.
+    void unreadableFileIsNoLongerOverwrittenWithDefaults()
+    {
+#ifndef Q_OS_UNIX
+        QSKIP("needs POSIX permissions");
+#else
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("Settings.xml"));
+        const QByteArray content("<SampleSettings><Count>42</Count></SampleSettings>");
+        QVERIFY(RecordFiles::writeAll(path, content));
+        QVERIFY(QFile::setPermissions(path, QFileDevice::WriteOwner));
+        // Root reads any file; run as an ordinary user for as long as the settings are read.
+        const bool root = geteuid() == 0;
+        if (root) {
+            QVERIFY(QFile::setPermissions(dir.path(), QFileDevice::Permissions(0x7777)));
+            QVERIFY(seteuid(65534) == 0);
+        }
+        SampleSettings settings(path, true);
+        settings.reload();
+        const VTSettings::FileState state = settings.fileState();
+        QSignalSpy failures(&settings, &VTSettings::saveFailed);
+        settings.setProperty("Count", 5);
+        const bool saved = settings.save();
+        if (root)
+            QVERIFY(seteuid(0) == 0);
+        QCOMPARE(state, VTSettings::FileState::Unreadable);
+        QCOMPARE(settings.getValue(QStringLiteral("Count")).toInt(), 5);
+        QVERIFY(!saved);
+        QCOMPARE(failures.size(), 2); // the automatic save and the explicit one
+        QVERIFY(settings.lastSaveFailed());
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        QCOMPARE(readAll(path), content);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"Settings.xml"});
+#endif
     }
     void interruptedSaveLeavesThePreviousFileIntact()
     {

@@ -118,8 +118,16 @@ QString FileUtilities::keepAside(const QString &path, const QString &suffix)
 {
     if (!QFile::exists(path))
         return {};
-    const QString target = path + suffix;
-    if (QFile::exists(target) && !QFile::remove(target))
-        return {};
-    return QFile::copy(path, target) ? target : QString();
+    // QFile::copy never replaces a file, so a name taken meanwhile only moves on to the next.
+    for (int n = 1; n < 10000; ++n) {
+        const QString target =
+            n == 1 ? path + suffix : path + QLatin1Char('.') + QString::number(n) + suffix;
+        if (QFile::exists(target))
+            continue;
+        if (QFile::copy(path, target))
+            return target;
+        if (!QFile::exists(target))
+            return {}; // not a name clash: the folder or the file refuses
+    }
+    return {};
 }

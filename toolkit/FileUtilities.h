@@ -30,8 +30,9 @@ public:
     // step, so two programs saving at once cannot replace each other's file.
     static bool renameNoReplace(const QString &from, const QString &to, QString *error = nullptr);
 
-    // Copies the file to path + suffix (replacing an older copy of that name), so that a file we
-    // cannot use is kept for a person to look at before it gets overwritten. Returns the path of
-    // the copy, or an empty text when nothing could be copied.
+    // Copies the file to path + suffix, so that a file we cannot use is kept for a person to look
+    // at before it gets overwritten. An earlier copy is never replaced: the next one is
+    // path + ".2" + suffix, then ".3", and so on. Returns the path of the copy, or an empty text
+    // when nothing could be copied.
     static QString keepAside(const QString &path, const QString &suffix);
 };

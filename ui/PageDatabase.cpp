@@ -184,7 +184,11 @@ QList<CorvidaExperiment *> PageDatabase::selectedRecords() const
 {
     QList<CorvidaExperiment *> records;
     for (const QString &path : selectedRecordPaths()) {
-        if (CorvidaExperiment *r = m_model->record(m_model->rowOf(path)))
+        const int row = m_model->rowOf(path);
+        // An interrupted save is no record to recalculate or export until it is recovered.
+        if (m_database->isUnfinished(row))
+            continue;
+        if (CorvidaExperiment *r = m_model->record(row))
             records << r;
     }
     return records;
@@ -216,7 +220,18 @@ QMenu *PageDatabase::createContextMenu()
         return nullptr;
     auto *menu = new QMenu(this);
     const QIcon remove = menuIcon(QStringLiteral(":/icons/delete.svg"));
-    if (paths.size() == 1) {
+    if (paths.size() == 1 && m_database->isUnfinished(m_model->rowOf(paths.first()))) {
+        const QString path = paths.first();
+        QAction *recover = menu->addAction(
+            menuIcon(QStringLiteral(":/resources/images/add_record.svg")), tr("Recover recording"),
+            this, [this, path] { recoverUnfinished(path); });
+        recover->setEnabled(m_database->damage(m_model->rowOf(path)) ==
+                            RecordDatabase::Damage::Unfinished);
+        menu->addAction(menuIcon(QStringLiteral(":/icons/folder.svg")), tr("Show in folder"), this,
+                        [this, path] { showInFolder(path); });
+        menu->addAction(remove, tr("Remove experiment"), this,
+                        [this, paths] { removeExperiments(paths); });
+    } else if (paths.size() == 1) {
         const QString path = paths.first();
         QPointer<CorvidaExperiment> record = m_model->record(m_model->rowOf(path));
         menu->addAction(menuIcon(QStringLiteral(":/resources/images/calculate.svg")),
@@ -278,7 +293,8 @@ void PageDatabase::manageSelection()
         if (!r)
             continue;
         records << r;
-        if (m_database->damage(row) == RecordDatabase::Damage::Recording)
+        const RecordDatabase::Damage damage = m_database->damage(row);
+        if (damage != RecordDatabase::Damage::None && damage != RecordDatabase::Damage::Properties)
             problem = m_database->damageText(row);
         else
             readable << r;
@@ -338,6 +354,22 @@ void PageDatabase::removeExperiments(const QStringList &paths)
     manageSelection();
     if (!removed)
         warn(RecordDatabase::removeTitle(), error);
+}
+
+void PageDatabase::recoverUnfinished(const QString &partPath)
+{
+    QString recovered;
+    QString error;
+    m_restoringSelection = true;
+    const bool ok = m_model->recoverUnfinished(partPath, &recovered, &error);
+    m_restoringSelection = false;
+    if (!ok) {
+        warn(tr("Recover recording"), error);
+        return;
+    }
+    selectRecords({recovered});
+    manageSelection();
+    scrollToCurrentRow();
 }
 
 void PageDatabase::recalcExperiment(CorvidaExperiment *exp)

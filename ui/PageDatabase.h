@@ -59,6 +59,9 @@ public slots:
     void manageSelection();
     void importRecords();
     void removeExperiments(const QStringList &paths);
+    // Keeps the complete recording of an interrupted save (".edf.part") as a record under a
+    // free name and selects it.
+    void recoverUnfinished(const QString &partPath);
     void recalcExperiment(CorvidaExperiment *exp);
     void recalculateSelected();
     void exportSelected();

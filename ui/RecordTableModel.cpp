@@ -113,7 +113,7 @@ QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, 
 Qt::ItemFlags RecordTableModel::flags(const QModelIndex &index) const
 {
     Qt::ItemFlags f = QAbstractTableModel::flags(index);
-    if (index.isValid() && isEditable(index.column()))
+    if (index.isValid() && isEditable(index.column()) && !m_database->isUnfinished(index.row()))
         f |= Qt::ItemIsEditable;
     return f;
 }
@@ -193,6 +193,15 @@ bool RecordTableModel::removeRecords(const QStringList &paths, QString *error)
 {
     beginRebuild();
     const bool done = m_database->removeRecords(paths, error);
+    endRebuild();
+    return done;
+}
+
+bool RecordTableModel::recoverUnfinished(const QString &partPath, QString *recoveredPath,
+                                         QString *error)
+{
+    beginRebuild();
+    const bool done = m_database->recoverUnfinished(partPath, recoveredPath, error);
     endRebuild();
     return done;
 }

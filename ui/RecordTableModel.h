@@ -51,6 +51,7 @@ public:
     RecordDatabase::ImportResult importRecords(const QStringList &files,
                                                const RecordDatabase::Progress &progress = {});
     bool removeRecords(const QStringList &paths, QString *error = nullptr);
+    bool recoverUnfinished(const QString &partPath, QString *recoveredPath, QString *error);
 
 signals:
     // The record's ".exp" file could not be written; the cell keeps its old text.

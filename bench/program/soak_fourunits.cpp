@@ -1,6 +1,7 @@
 // The long run before a release: four simulated units measuring and saving in a loop in the
 // real window. Every minute it prints the processor share and the resident memory; at the end
-// it reads every saved record back. Exits 1 on any warning, failed save or unreadable record.
+// it reads every saved record back: the records list, then every recording whole through the
+// reader. Exits 1 on any warning, failed save or unreadable record.
 //
 //   soak_fourunits [minutes=30]   (run under xvfb-run; scripts/soak.sh does)
 #include "ProcessFigures.h"
@@ -8,6 +9,7 @@
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "storage/EDFReader.h"
 #include "storage/RecordDatabase.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/PageExperimentMulti.h"
@@ -31,6 +33,23 @@ void countWarnings(QtMsgType type, const QMessageLogContext &, const QString &me
         return;
     ++g_warnings;
     std::fprintf(stderr, "WARNING: %s\n", qPrintable(message));
+}
+
+// Opens the recording with the reader and reads every sample of every signal; an empty text when
+// all of it reads, else what failed.
+QString readBack(const QString &path)
+{
+    EDFReader reader(path);
+    if (!reader.open())
+        return QStringLiteral("the reader refuses it");
+    if (reader.samplesInFile() < 1 || reader.signalCount() < 2)
+        return QStringLiteral("no samples");
+    QList<double> buffer(reader.samplesInFile());
+    for (int s = 0; s < reader.signalCount(); ++s) {
+        if (reader.getChannelBuffData(s, 0, int(buffer.size()), buffer.data()) != 0)
+            return QStringLiteral("signal %1 cannot be read to its end").arg(s);
+    }
+    return QString();
 }
 
 } // namespace
@@ -115,10 +134,14 @@ int main(int argc, char **argv)
     records.reload();
     int damaged = 0;
     for (int row = 0; row < records.count(); ++row) {
-        if (records.damage(row) != RecordDatabase::Damage::None) {
+        // The list's verdict and the reader's, each on its own: they must both find it sound.
+        QString problem = records.damageText(row);
+        if (problem.isEmpty())
+            problem = readBack(records.edfPath(row));
+        if (!problem.isEmpty()) {
             ++damaged;
             std::fprintf(stderr, "unreadable: %s (%s)\n", qPrintable(records.edfPath(row)),
-                         qPrintable(records.damageText(row)));
+                         qPrintable(problem));
         }
     }
     std::printf("saved %d, listed %d, unreadable %d, failed saves %d, warnings %d\n", saved,

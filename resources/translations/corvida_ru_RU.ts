@@ -584,6 +584,22 @@ Restart now?</source>
         <source>New experiment in database</source>
         <translation>Новый эксперимент в базе</translation>
     </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and restart Corvida now?</source>
+        <translation>Последнее измерение %1 не сохранено. Отбросить его и перезапустить Corvida сейчас?</translation>
+    </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and close Corvida?</source>
+        <translation>Последнее измерение %1 не сохранено. Отбросить его и закрыть Corvida?</translation>
+    </message>
+    <message>
+        <source>The last measurements of %1 have not been saved. Discard them and restart Corvida now?</source>
+        <translation>Последние измерения %1 не сохранены. Отбросить их и перезапустить Corvida сейчас?</translation>
+    </message>
+    <message>
+        <source>The last measurements of %1 have not been saved. Discard them and close Corvida?</source>
+        <translation>Последние измерения %1 не сохранены. Отбросить их и закрыть Corvida?</translation>
+    </message>
 </context>
 <context>
     <name>MultiExperimentViewer</name>
@@ -656,6 +672,10 @@ Restart now?</source>
     <message>
         <source>Exporting records</source>
         <translation>Экспорт записей</translation>
+    </message>
+    <message>
+        <source>Recover recording</source>
+        <translation>Восстановить запись</translation>
     </message>
 </context>
 <context>
@@ -769,6 +789,22 @@ Continue?</source>
         <translation>Все данные об артериальном давлении
 в этом эксперименте будут сброшены.
 Продолжить?</translation>
+    </message>
+    <message>
+        <source>An interrupted save; the recording is complete and can be recovered</source>
+        <translation>Прерванное сохранение; запись полная, её можно восстановить</translation>
+    </message>
+    <message>
+        <source>An interrupted save; the recording is incomplete and cannot be recovered</source>
+        <translation>Прерванное сохранение; запись неполная, восстановить её нельзя</translation>
+    </message>
+    <message>
+        <source>Not an interrupted save</source>
+        <translation>Это не прерванное сохранение</translation>
+    </message>
+    <message>
+        <source>Cannot rename</source>
+        <translation>Не удаётся переименовать</translation>
     </message>
 </context>
 <context>
@@ -917,6 +953,29 @@ Continue?</source>
     <message>
         <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
         <translation>Немного сдвинуть манжету и датчик вдоль хвоста, если хвост не пережимается (кости могут защищать сосуд хвоста)</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsFileNotice</name>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>The settings file %1 cannot be read, so Corvida started with its default settings. To keep that file as it is, changes to the settings are not saved in this session. Check who may read the file, then start Corvida again.</source>
+        <translation>Файл настроек %1 не удаётся прочитать, поэтому Corvida запущена с настройками по умолчанию. Чтобы этот файл остался как есть, изменения настроек в этом сеансе не сохраняются. Проверьте, кому разрешено читать файл, и запустите Corvida снова.</translation>
+    </message>
+    <message>
+        <source>The settings file %1 was damaged and cannot be replaced. The settings that could be read are in use; changes are not saved in this session.</source>
+        <translation>Файл настроек %1 повреждён, и его не удаётся заменить. Используются настройки, которые удалось прочитать; изменения в этом сеансе не сохраняются.</translation>
+    </message>
+    <message>
+        <source>The settings file was damaged. The settings that could be read are kept; the others are back to their defaults. The damaged file was kept as %1.</source>
+        <translation>Файл настроек был повреждён. Настройки, которые удалось прочитать, сохранены; остальные возвращены к значениям по умолчанию. Повреждённый файл сохранён как %1.</translation>
+    </message>
+    <message>
+        <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
+        <translation>Не удаётся сохранить настройки в %1. Изменения, сделанные сейчас, будут потеряны при закрытии Corvida. Проверьте, что диск не заполнен и в папку разрешено писать.</translation>
     </message>
 </context>
 </TS>
