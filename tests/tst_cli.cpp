@@ -312,8 +312,8 @@ private slots:
             QCOMPARE(cli(dir.path(), {QStringLiteral("info"), path}).status, 1);
         }
         QVERIFY2(r.out.contains(QStringLiteral("crashed.edf.part;;;;") + records +
-                                QStringLiteral("/crashed.edf.part;An interrupted save; the "
-                                               "recording is complete and can be recovered")),
+                                QStringLiteral("/crashed.edf.part;\"An interrupted save; the "
+                                               "recording is complete and can be recovered\"")),
                  qPrintable(r.out));
         QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
     }

@@ -160,8 +160,16 @@ private slots:
         QTEST(m_view->turnOnButton()->text() + '/' + m_view->measureButton()->text(), "texts");
         QCOMPARE(m_view->saveButton()->text().isEmpty(), width <= 700);
         QTEST(m_view->recordedFileContainer()->isVisibleTo(m_view.get()), "fileShown");
-        QTEST(m_view->rodentEditor()->width(), "editorWidth");
-        QTEST(m_view->commentEditor()->width(), "editorWidth");
+        // The editors take their share of the width, but never cut their placeholder short
+        // ("Com..." at the narrowest widths once).
+        QFETCH(int, editorWidth);
+        for (QLineEdit *editor : {m_view->rodentEditor(), m_view->commentEditor()}) {
+            const int placeholder =
+                editor->fontMetrics().horizontalAdvance(editor->placeholderText());
+            QVERIFY(editor->width() >= editorWidth);
+            QVERIFY2(placeholder + 16 <= editor->width(), qPrintable(editor->placeholderText()));
+            QVERIFY(editor->width() <= std::max(editorWidth, placeholder + 30));
+        }
         // Each pair is as wide as its wider member, so swapping them does not move the header.
         QCOMPARE(m_view->turnOnButton()->minimumWidth(), m_view->turnOffButton()->minimumWidth());
         QCOMPARE(m_view->measureButton()->minimumWidth(), m_view->abortButton()->minimumWidth());
@@ -211,7 +219,7 @@ private slots:
         QTest::addColumn<QString>("shown");
         const QFontMetrics fm(QApplication::font());
         const QString name = QStringLiteral("2026-11-21_10-05-00 (CV0042).edf");
-        QTest::newRow("room for all") << fm.horizontalAdvance(name) << name;
+        QTest::newRow("room for all") << fm.horizontalAdvance(name) + 8 << name;
         QTest::newRow("suffix dropped")
             << fm.horizontalAdvance(name) - 5 << QStringLiteral("2026-11-21_10-05-00 (CV0042)");
         QTest::newRow("date dropped")

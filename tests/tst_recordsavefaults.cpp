@@ -330,10 +330,19 @@ private slots:
         const QString second = baseName() + QStringLiteral(" (2)");
         QVERIFY(QFile::exists(dir.filePath(second + ".edf.part")));
         QVERIFY(!QFile::exists(dir.filePath(second + ".edf")));
+        // Listed: the earlier record as sound, and the cut-short recording as an interrupted
+        // save that can be recovered, never as a record of its own.
         RecordDatabase records(dir.path());
         records.reload();
-        QCOMPARE(records.count(), 1);
-        QCOMPARE(records.damage(0), RecordDatabase::Damage::None);
+        QCOMPARE(records.count(), 2);
+        QList<RecordDatabase::Damage> damages;
+        for (int row = 0; row < records.count(); ++row) {
+            damages << records.damage(row);
+            if (records.damage(row) == RecordDatabase::Damage::Unfinished)
+                QVERIFY(records.edfPath(row).endsWith(second + ".edf.part"));
+        }
+        QVERIFY(damages.contains(RecordDatabase::Damage::None));
+        QVERIFY(damages.contains(RecordDatabase::Damage::Unfinished));
 
         // The next save leaves what the cut-short one left for a person to recover.
         const auto leftovers = snapshot(dir.path());
