@@ -6,6 +6,9 @@
 #include "ui/PageExperimentMulti.h"
 #include "ui/SuggestionsWidget.h"
 
+#include <QAbstractButton>
+#include <cmath>
+
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -190,6 +193,42 @@ private slots:
         for (auto it = source.globalMatch(html); it.hasNext(); ++pictures)
             QVERIFY2(QFile::exists(it.next().captured(1)), qPrintable(html));
         QCOMPARE(pictures, 7);
+
+        // Closed from the panel itself, it stays closed at the next start.
+        static_cast<QAbstractButton *>(m_page->suggestionsWidget()->closeButton())->click();
+        QVERIFY(!shown(m_page->suggestionsWidget()));
+        QVERIFY(!settings()->getShowSuggestions());
+        QVERIFY(!m_page->suggestionsButton()->isChecked());
+    }
+
+    // WCAG AA asks 4.5:1 for text of this size; the warnings once had 1.7:1 on the blue panel.
+    void suggestionWarningsAreReadableOnBothThemes_data()
+    {
+        QTest::addColumn<QString>("theme");
+        QTest::newRow("light") << ":/themes/light.css";
+        QTest::newRow("dark") << ":/themes/dark.css";
+    }
+    void suggestionWarningsAreReadableOnBothThemes()
+    {
+        QFETCH(QString, theme);
+        QFile css(theme);
+        QVERIFY(css.open(QIODevice::ReadOnly));
+        const QRegularExpression panel(QStringLiteral("--v-panel-bg:\\s*(#[0-9A-Fa-f]{6})"));
+        const QRegularExpressionMatch m = panel.match(QString::fromUtf8(css.readAll()));
+        QVERIFY(m.hasMatch());
+        // Relative luminance and contrast ratio as WCAG 2 defines them.
+        const auto luminance = [](const QColor &c) {
+            const auto linear = [](double v) {
+                return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+            };
+            return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) +
+                   0.0722 * linear(c.blueF());
+        };
+        const double text = luminance(QColor(SuggestionsWidget::kWarningColor));
+        const double background = luminance(QColor(m.captured(1)));
+        const double ratio =
+            (std::max(text, background) + 0.05) / (std::min(text, background) + 0.05);
+        QVERIFY2(ratio >= 4.5, qPrintable(QString::number(ratio)));
     }
 };
 

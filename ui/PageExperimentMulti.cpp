@@ -75,6 +75,11 @@ PageExperimentMulti::PageExperimentMulti(QWidget *parent)
     grid->addWidget(m_tabsBox, 1, 0);
     m_suggestions = new SuggestionsWidget(this);
     grid->addWidget(m_suggestions, 1, 1);
+    m_connections << connect(m_suggestions, &SuggestionsWidget::closeRequested, this, [this] {
+        if (m_settings)
+            m_settings->setShowSuggestions(false);
+        setSuggestionsShown(false);
+    });
     grid->setColumnStretch(0, 100);
     grid->setRowStretch(1, 100);
 

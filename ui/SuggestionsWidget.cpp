@@ -3,9 +3,11 @@
 #include "toolkit/widgets/StyleHelper.h"
 
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
 #include <QStringList>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -18,8 +20,9 @@ QString picture(const QString &name, int width)
 
 QString warning(const QString &text)
 {
-    return QStringLiteral("<br><b style=\"color:#C30\">") + text.toHtmlEscaped() +
-           QStringLiteral("</b>");
+    return QStringLiteral("<br><b style=\"color:") +
+           QLatin1String(SuggestionsWidget::kWarningColor) + QStringLiteral("\">") +
+           text.toHtmlEscaped() + QStringLiteral("</b>");
 }
 
 // A table of numbered items; each item is already HTML.
@@ -54,6 +57,22 @@ SuggestionsWidget::SuggestionsWidget(QWidget *parent)
     setMaximumWidth(340);
     auto *box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(0);
+    auto *closeRow = new QHBoxLayout;
+    closeRow->setContentsMargins(0, 2, 4, 0);
+    closeRow->addStretch(1);
+    auto *close = new QToolButton(this);
+    close->setObjectName(QStringLiteral("closeSuggestions"));
+    close->setText(QStringLiteral("\u2715")); // ✕
+    close->setAutoRaise(true);
+    close->setCursor(Qt::PointingHandCursor);
+    close->setStyleSheet(
+        QStringLiteral("QToolButton { color: #F0F3F6; border: none; padding: 2px 6px; }"
+                       "QToolButton:hover { background: rgba(255,255,255,40); }"));
+    connect(close, &QToolButton::clicked, this, &SuggestionsWidget::closeRequested);
+    m_close = close;
+    closeRow->addWidget(close);
+    box->addLayout(closeRow);
     auto *scroll = new QScrollArea(this);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
@@ -69,6 +88,7 @@ SuggestionsWidget::SuggestionsWidget(QWidget *parent)
     // The panel is dark in both themes; its text is light.
     m_text->setStyleSheet(QStringLiteral("QLabel { color: #F0F3F6; }"));
     m_text->setText(html());
+    m_close->setToolTip(tr("Hide the tips (the Suggestions button brings them back)"));
     scroll->setWidget(m_text);
     box->addWidget(scroll);
 }
@@ -92,10 +112,11 @@ QString SuggestionsWidget::html()
                        "sensor's position.")) +
             warning(tr("Do not start the actual experiment, until the PPG signal is stable in "
                        "amplitude!")) +
-            QStringLiteral("<br>") + picture(QStringLiteral("ppg-valid.png"), 50) +
-            QLatin1Char(' ') + picture(QStringLiteral("ppg-invalid-1.png"), 50) + QLatin1Char(' ') +
-            picture(QStringLiteral("ppg-invalid-2.png"), 50) + QLatin1Char(' ') +
-            picture(QStringLiteral("ppg-invalid-3.png"), 50),
+            // Two by two, so that the narrowest panel shows all four whole.
+            QStringLiteral("<br>") + picture(QStringLiteral("ppg-valid.png"), 64) +
+            QLatin1Char(' ') + picture(QStringLiteral("ppg-invalid-1.png"), 64) +
+            QStringLiteral("<br>") + picture(QStringLiteral("ppg-invalid-2.png"), 64) +
+            QLatin1Char(' ') + picture(QStringLiteral("ppg-invalid-3.png"), 64),
         plain(tr("When the PPG signal is stable, press 'Measure'")),
     });
     html += heading(tr("During a common experiment:"));
@@ -121,6 +142,8 @@ QString SuggestionsWidget::html()
 void SuggestionsWidget::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::LanguageChange)
+    if (event->type() == QEvent::LanguageChange) {
         m_text->setText(html());
+        m_close->setToolTip(tr("Hide the tips (the Suggestions button brings them back)"));
+    }
 }
