@@ -53,7 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         (void)reader.infoFull();
         (void)reader.getAnnotations();
         for (int channel = 0; channel < reader.signalCount(); ++channel)
-            (void)reader.getChannelData(channel, 0, int(std::min<qint64>(reader.samplesInFile(), 4096)));
+            (void)reader.getChannelData(channel, 0,
+                                        int(std::min<qint64>(reader.samplesInFile(), 4096)));
         reader.close();
     }
     return 0;

@@ -21,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             std::abort();
     }
     for (const QString &current : {QStringLiteral("0.1.0"), QStringLiteral("1.2.3.4.5.6")}) {
-        if (VersionChecker::isNewer(texts[0], current) && VersionChecker::isNewer(current, texts[0]))
+        if (VersionChecker::isNewer(texts[0], current) &&
+            VersionChecker::isNewer(current, texts[0]))
             std::abort();
     }
     if (VersionChecker::isNewer(texts[0], texts[1]) && VersionChecker::isNewer(texts[1], texts[0]))
