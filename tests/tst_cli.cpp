@@ -67,13 +67,12 @@ QString serialLockFile(const QString &portPath)
     QSerialPort holder(portPath);
     if (!holder.open(QIODevice::ReadWrite))
         return QString();
+    // Named after the port's path with "_" for "/"; other tests' ports may be locked meanwhile.
+    const QString name = QStringLiteral("LCK..") + QString(portPath).replace(QLatin1Char('/'), '_');
     QString found;
     for (const char *folder : {"/var/lock", "/run/lock", "/tmp", "/var/tmp"}) {
-        const QStringList locks = QDir(folder).entryList({QStringLiteral("LCK..*")}, QDir::Files);
-        for (const QString &name : locks) {
-            if (name.endsWith(QFileInfo(portPath).fileName()))
-                found = QDir(folder).filePath(name);
-        }
+        if (QFile::exists(QDir(folder).filePath(name)))
+            found = QDir(folder).filePath(name);
         if (!found.isEmpty())
             break;
     }
