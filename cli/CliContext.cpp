@@ -61,7 +61,7 @@ int CliContext::help(const QString &usage, const QCommandLineParser *parser)
         const QString text = parser->helpText();
         const qsizetype options = text.indexOf(QLatin1String("\n\n"));
         if (options >= 0)
-            m_out << text.mid(options);
+            m_out << text.mid(options + 1);
     }
     m_out.flush();
     return 0;

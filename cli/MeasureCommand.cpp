@@ -129,12 +129,16 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
         QStringLiteral("port"), QStringLiteral("Serial port of the unit."), QStringLiteral("NAME"));
     const QCommandLineOption simulated(QStringLiteral("simulated"),
                                        QStringLiteral("Simulated unit."));
-    const QCommandLineOption limitsOption(QStringLiteral("limits"),
-                                          QStringLiteral("Cuff pressures in mmHg."),
-                                          QStringLiteral("UPPER/LOWER"));
-    const QCommandLineOption secondsOption(QStringLiteral("seconds"),
-                                           QStringLiteral("Recording time (default 15)."),
-                                           QStringLiteral("N"), QStringLiteral("15"));
+    const QCommandLineOption limitsOption(
+        QStringLiteral("limits"),
+        QStringLiteral("Cuff pressures in mmHg, e.g. 200/50 (default: the "
+                       "Pressure limits setting)."),
+        QStringLiteral("UPPER/LOWER"));
+    const QCommandLineOption secondsOption(
+        QStringLiteral("seconds"),
+        QStringLiteral("Recording time in seconds, 1 to 3600 (default 15). "
+                       "Ctrl+C ends it early and keeps the record."),
+        QStringLiteral("N"), QStringLiteral("15"));
     const QCommandLineOption rodent(QStringLiteral("rodent"), QStringLiteral("The animal."),
                                     QStringLiteral("TEXT"));
     const QCommandLineOption comment(QStringLiteral("comment"), QStringLiteral("A note."),
