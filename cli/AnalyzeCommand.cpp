@@ -58,6 +58,8 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
     parser.addOptions({reset, save, json});
     parser.addPositionalArgument(QStringLiteral("RECORD"), QStringLiteral(".edf files"));
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage(), &parser);
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
     const QStringList records = parser.positionalArguments();

@@ -5,6 +5,7 @@
 #include "storage/XLSXHelper.h"
 #include "toolkit/QuorvexCommon.h"
 
+#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -43,6 +44,29 @@ int CliContext::fail(const QString &message)
     m_out.flush();
     m_err << "corvida-cli: " << message << Qt::endl;
     return 1;
+}
+
+bool CliContext::asksForHelp(const QStringList &arguments)
+{
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        if (arguments[i] == QLatin1String("--help") || arguments[i] == QLatin1String("-h"))
+            return true;
+    }
+    return false;
+}
+
+int CliContext::help(const QString &usage, const QCommandLineParser *parser)
+{
+    m_out << "usage: corvida-cli " << usage << '\n';
+    if (parser) {
+        // The parser's own first line names the executable only; its options follow a blank line.
+        const QString text = parser->helpText();
+        const qsizetype options = text.indexOf(QLatin1String("\n\n"));
+        if (options >= 0)
+            m_out << text.mid(options + 1);
+    }
+    m_out.flush();
+    return 0;
 }
 
 bool CliContext::stderrIsTerminal()

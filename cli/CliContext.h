@@ -6,6 +6,7 @@
 #include <memory>
 
 class CorvidaSettings;
+class QCommandLineParser;
 
 // What every subcommand of corvida-cli shares: the data folder with its settings and records
 // folder, and the output streams. Errors are one clear line on stderr and exit status 1.
@@ -24,6 +25,12 @@ public:
     QTextStream &err() { return m_err; }
     // Writes "corvida-cli: <message>" to stderr and returns the failure status.
     int fail(const QString &message);
+    // Whether a command was asked for its help ("--help" or "-h" among its arguments). Asked
+    // before anything else, so that no command takes "--help" for a file name.
+    static bool asksForHelp(const QStringList &arguments);
+    // Prints "usage: corvida-cli <usage>" and the parser's options on stdout; status 0.
+    int help(const QString &usage, const QCommandLineParser *parser = nullptr);
+
     // Whether the path names a record this program can read: an existing EDF+ file with the
     // "Pressure" and "Pulse" signals. Otherwise `why` says what is wrong, in one line.
     static bool checkRecord(const QString &edfPath, QString *why);

@@ -17,6 +17,8 @@ int ExportCommand::run(const QStringList &arguments, CliContext &context)
     const QCommandLineOption out(QStringLiteral("out"), QStringLiteral("The file to write."),
                                  QStringLiteral("FILE"));
     parser.addOptions({essential, full, out});
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage(), &parser);
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
     if (parser.isSet(essential) == parser.isSet(full))

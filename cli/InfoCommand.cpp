@@ -7,6 +7,8 @@
 
 int InfoCommand::run(const QStringList &arguments, CliContext &context)
 {
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage());
     const QStringList files = arguments.mid(1);
     if (files.isEmpty())
         return context.fail(QStringLiteral("usage: corvida-cli ") + usage());

@@ -7,6 +7,8 @@
 
 int ListCommand::run(const QStringList &arguments, CliContext &context)
 {
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage());
     if (arguments.size() > 1)
         return context.fail(QStringLiteral("list takes no arguments"));
     if (!QDir(context.recordsFolder()).exists())

@@ -4,6 +4,7 @@
 #include "analysis/LiveRecorder.h"
 #include "cli/AnalyzeCommand.h"
 #include "cli/CliContext.h"
+#include "cli/InterruptWatcher.h"
 #include "device/ComCorvidaDevice.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "settings/CorvidaSettings.h"
@@ -13,25 +14,63 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QSerialPort>
 #include <QTimer>
+#include <cmath>
+#include <functional>
 #include <memory>
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 namespace {
 constexpr int kConnectTimeoutMs = 5000;
 constexpr double kMaximumPressure = 300.0;
+// After the asked time the last packet may still be on its way; a unit that sends less than
+// that is stopped anyway once this much more time has passed.
+constexpr int kLateSamplesMs = 2000;
+// How often a wait looks at its condition. The loop sleeps in between (port data, timers and
+// Ctrl+C wake it as well), so one unit costs next to no processor time.
+constexpr int kCheckIntervalMs = 25;
 
-// Runs the event loop until `done` says so or the time is up; true when done.
-bool waitFor(const std::function<bool()> &done, int timeoutMs)
+// Runs the event loop until `done` says so, Ctrl+C arrives or the time is up; true when done.
+bool waitFor(const std::function<bool()> &done, int timeoutMs, InterruptWatcher &interrupts)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > timeoutMs)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-    return true;
+    if (done())
+        return true;
+    QEventLoop loop;
+    QTimer check;
+    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
+        if (done())
+            loop.quit();
+    });
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    QObject::connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
+    QObject::connect(&interrupts, &InterruptWatcher::interrupted, &loop, &QEventLoop::quit);
+    check.start(kCheckIntervalMs);
+    timeout.start(timeoutMs);
+    if (!interrupts.isInterrupted())
+        loop.exec();
+    return done();
+}
+
+// Whether this user may open the device file itself (a port name without a folder is in /dev).
+bool mayReadAndWrite(const QString &port)
+{
+#ifdef Q_OS_UNIX
+    const QString path = port.startsWith(QLatin1Char('/')) ? port : QStringLiteral("/dev/") + port;
+    return ::access(QFile::encodeName(path).constData(), R_OK | W_OK) == 0;
+#else
+    Q_UNUSED(port);
+    return false;
+#endif
+}
+
+QString secondsText(double seconds)
+{
+    return QString::number(seconds, 'f', 1);
 }
 } // namespace
 
@@ -44,7 +83,11 @@ bool MeasureCommand::parseLimits(const QString &text, QPair<double, double> *lim
     bool okLower = false;
     const double upper = parts[0].trimmed().toDouble(&okUpper);
     const double lower = parts[1].trimmed().toDouble(&okLower);
-    if (!okUpper || !okLower || lower <= 0 || upper <= lower || upper > kMaximumPressure)
+    // The unit takes whole mmHg, cut toward zero: the limits must still differ after the cut.
+    // "nan" and "inf" read as numbers and compare false with everything, so they are refused
+    // here by name.
+    if (!okUpper || !okLower || !std::isfinite(upper) || !std::isfinite(lower) ||
+        std::trunc(lower) < 1 || std::trunc(upper) <= std::trunc(lower) || upper > kMaximumPressure)
         return false;
     *limits = {upper, lower};
     return true;
@@ -62,8 +105,15 @@ bool MeasureCommand::probePort(const QString &port, QString *why)
         *why = QStringLiteral("%1: no such port").arg(port);
         break;
     case QSerialPort::PermissionError:
-        *why =
-            QStringLiteral("%1: permission denied (is your user in the plugdev group, or logged in at this computer?)").arg(port);
+        // The serial port reports a port that another program holds (its lock file, or the
+        // exclusive mode of the terminal) as a permission error too. When we may read and write
+        // the device file, it is taken, not forbidden.
+        if (mayReadAndWrite(port))
+            *why = QStringLiteral("%1: port busy: another program is using it").arg(port);
+        else
+            *why = QStringLiteral("%1: permission denied (is your user in the plugdev group, or "
+                                  "logged in at this computer?)")
+                       .arg(port);
         break;
     default:
         *why = QStringLiteral("%1: port busy or unusable (%2)").arg(port, probe.errorString());
@@ -79,17 +129,23 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
         QStringLiteral("port"), QStringLiteral("Serial port of the unit."), QStringLiteral("NAME"));
     const QCommandLineOption simulated(QStringLiteral("simulated"),
                                        QStringLiteral("Simulated unit."));
-    const QCommandLineOption limitsOption(QStringLiteral("limits"),
-                                          QStringLiteral("Cuff pressures in mmHg."),
-                                          QStringLiteral("UPPER/LOWER"));
-    const QCommandLineOption secondsOption(QStringLiteral("seconds"),
-                                           QStringLiteral("Recording time (default 15)."),
-                                           QStringLiteral("N"), QStringLiteral("15"));
+    const QCommandLineOption limitsOption(
+        QStringLiteral("limits"),
+        QStringLiteral("Cuff pressures in mmHg, e.g. 200/50 (default: the "
+                       "Pressure limits setting)."),
+        QStringLiteral("UPPER/LOWER"));
+    const QCommandLineOption secondsOption(
+        QStringLiteral("seconds"),
+        QStringLiteral("Recording time in seconds, 1 to 3600 (default 15). "
+                       "Ctrl+C ends it early and keeps the record."),
+        QStringLiteral("N"), QStringLiteral("15"));
     const QCommandLineOption rodent(QStringLiteral("rodent"), QStringLiteral("The animal."),
                                     QStringLiteral("TEXT"));
     const QCommandLineOption comment(QStringLiteral("comment"), QStringLiteral("A note."),
                                      QStringLiteral("TEXT"));
     parser.addOptions({port, simulated, limitsOption, secondsOption, rodent, comment});
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage(), &parser);
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
     if (parser.isSet(port) == parser.isSet(simulated))
@@ -97,15 +153,26 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
 
     bool ok = false;
     const double seconds = parser.value(secondsOption).toDouble(&ok);
-    if (!ok || seconds < 1 || seconds > 3600)
-        return context.fail(QStringLiteral("--seconds wants a number from 1 to 3600"));
+    // "nan" reads as a number that compares false with everything: test for a real one.
+    if (!ok || !std::isfinite(seconds) || seconds < MinimumSeconds || seconds > 3600)
+        return context.fail(QStringLiteral("--seconds wants a number from 1 to 3600 (a record "
+                                           "holds at least one second)"));
     QPair<double, double> limits =
         CorvidaSettings::pressureLimitPair(context.settings()->getPressureLimit());
     if (parser.isSet(limitsOption) && !parseLimits(parser.value(limitsOption), &limits))
         return context.fail(
-            QStringLiteral("bad limits \"%1\": give UPPER/LOWER in mmHg, upper above "
-                           "lower, at most 300")
+            QStringLiteral("bad limits \"%1\": give UPPER/LOWER in whole mmHg, upper above "
+                           "lower, lower at least 1, upper at most 300")
                 .arg(parser.value(limitsOption)));
+
+    // From here on Ctrl+C and SIGTERM end the command in order: the cuff is released, what was
+    // recorded is kept and the port is closed (which also removes its lock file).
+    InterruptWatcher interrupts;
+    const auto interruptedStatus = [&](const QString &what) {
+        context.fail(QStringLiteral("stopped by %1: %2")
+                         .arg(InterruptWatcher::signalName(interrupts.signalNumber()), what));
+        return InterruptWatcher::exitStatus(interrupts.signalNumber());
+    };
 
     std::unique_ptr<BaseCorvidaDevice> device;
     if (parser.isSet(simulated)) {
@@ -116,8 +183,11 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
             return context.fail(why);
         device = std::make_unique<ComCorvidaDevice>(parser.value(port));
     }
-    if (!waitFor([&] { return device->isConnected(); }, kConnectTimeoutMs))
+    if (!waitFor([&] { return device->isConnected(); }, kConnectTimeoutMs, interrupts)) {
+        if (interrupts.isInterrupted())
+            return interruptedStatus(QStringLiteral("nothing was recorded"));
         return context.fail(QStringLiteral("%1: the unit does not answer").arg(parser.value(port)));
+    }
     device->setPressureLimits(limits.first, limits.second);
 
     LiveRecorder recorder(device.get());
@@ -129,6 +199,7 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
     experiment->setComment(parser.value(comment));
 
     const bool progress = CliContext::stderrIsTerminal();
+    const double rate = device->sampleRate();
     QElapsedTimer clock;
     clock.start();
     QTimer ticker;
@@ -142,22 +213,34 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
         context.err().flush();
     });
     ticker.start(200);
-    const bool lost = !waitFor(
+    // The record is as long as asked when it holds that many samples; the clock alone stops
+    // short, because the first samples arrive a little after the command that starts them.
+    const qsizetype wanted = qsizetype(std::ceil(seconds * rate));
+    waitFor(
         [&] {
-            return clock.elapsed() >= seconds * 1000 || !device->isConnected() ||
+            return recorder.recordedSamples() >= wanted || !device->isConnected() ||
                    recorder.isLinkLost() || recorder.isLimitReached();
         },
-        int(seconds * 1000) + 1000);
+        int(seconds * 1000) + kLateSamplesMs, interrupts);
     ticker.stop();
     if (progress)
         context.err() << '\n';
-    const bool unitLost = lost || !device->isConnected();
+    const bool unitLost = !device->isConnected();
+    // Stop-measuring and stop go to the unit now, whatever ended the wait.
     recorder.abort();
 
     QString error;
     QuorvexCommon::CreateDirIfNotExists(context.recordsFolder());
-    if (!recorder.save(context.recordsFolder(), &error))
+    const double recorded = rate > 0 ? double(recorder.recordedSamples()) / rate : 0.0;
+    if (interrupts.isInterrupted() && recorded < MinimumSeconds)
+        return interruptedStatus(QStringLiteral("%1 s recorded, too short to keep (a record "
+                                                "holds at least one second); nothing was saved")
+                                     .arg(secondsText(recorded)));
+    if (!recorder.save(context.recordsFolder(), &error)) {
+        if (interrupts.isInterrupted())
+            return interruptedStatus(QStringLiteral("the record was not saved: %1").arg(error));
         return context.fail(QStringLiteral("the record was not saved: %1").arg(error));
+    }
     const QString edf = recorder.savedPath().chopped(4) + QStringLiteral(".edf");
     context.out() << AnalyzeCommand::header() << '\n'
                   << AnalyzeCommand::resultLine(edf, *experiment) << '\n';
@@ -168,6 +251,9 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
                                         "sensor values, not mmHg, and it is marked so\n");
         context.err().flush();
     }
+    if (interrupts.isInterrupted())
+        return interruptedStatus(QStringLiteral("the unit is stopped; the %1 s recorded are saved")
+                                     .arg(secondsText(recorded)));
     if (recorder.isLinkLost())
         return context.fail(QStringLiteral("the link to the unit was lost during the "
                                            "measurement; what was recorded is saved"));

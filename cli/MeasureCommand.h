@@ -17,8 +17,12 @@ public:
     }
     static int run(const QStringList &arguments, CliContext &context);
 
-    // "200/50" → (200, 50). False for anything that is not two positive numbers, upper first
-    // and above lower, at most 300 mmHg.
+    // The shortest record there is: one second of samples.
+    static constexpr double MinimumSeconds = 1.0;
+
+    // "200/50" → (200, 50). False for anything that is not two finite numbers, upper first and
+    // above lower once both are cut to whole mmHg (as the unit takes them), lower at least 1,
+    // upper at most 300.
     static bool parseLimits(const QString &text, QPair<double, double> *limits);
     // Whether a serial port can be opened now; otherwise a one-line reason.
     static bool probePort(const QString &port, QString *why);

@@ -5,6 +5,8 @@
 
 int PortsCommand::run(const QStringList &arguments, CliContext &context)
 {
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage());
     if (arguments.size() > 1)
         return context.fail(QStringLiteral("ports takes no arguments"));
     context.out() << "port;description;manufacturer;unit\n";

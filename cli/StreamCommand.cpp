@@ -1,18 +1,20 @@
 #include "cli/StreamCommand.h"
 
+#include "cli/CliContext.h"
 #include "device/VirtualCorvidaDevice.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QTextStream>
 #include <QTimer>
+#include <cmath>
 
 QString StreamCommand::usage()
 {
     return QStringLiteral("stream --simulated [--seconds N] [--measure]");
 }
 
-int StreamCommand::run(const QStringList &arguments, QTextStream &out, QTextStream &err)
+int StreamCommand::run(const QStringList &arguments, CliContext &context)
 {
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("simulated"), QStringLiteral("Use a simulated unit.")});
@@ -20,25 +22,23 @@ int StreamCommand::run(const QStringList &arguments, QTextStream &out, QTextStre
                       QStringLiteral("N"), QStringLiteral("10")});
     parser.addOption(
         {QStringLiteral("measure"), QStringLiteral("Run a cuff cycle while streaming.")});
-    if (!parser.parse(arguments)) {
-        err << parser.errorText() << "\nusage: corvida-cli " << usage() << Qt::endl;
-        return 2;
-    }
-    if (!parser.isSet(QStringLiteral("simulated"))) {
-        err << "stream needs a unit; only --simulated is available here\n"
-            << "usage: corvida-cli " << usage() << Qt::endl;
-        return 2;
-    }
+    if (CliContext::asksForHelp(arguments))
+        return context.help(usage(), &parser);
+    if (!parser.parse(arguments))
+        return context.fail(parser.errorText());
+    if (!parser.isSet(QStringLiteral("simulated")))
+        return context.fail(
+            QStringLiteral("stream needs a unit; only --simulated is available here"));
     bool ok = false;
     const double seconds = parser.value(QStringLiteral("seconds")).toDouble(&ok);
-    if (!ok || seconds <= 0 || seconds > 24 * 3600) {
-        err << "--seconds wants a number of seconds greater than 0" << Qt::endl;
-        return 2;
-    }
+    if (!ok || !std::isfinite(seconds) || seconds <= 0 || seconds > 24 * 3600)
+        return context.fail(QStringLiteral("--seconds wants a number of seconds greater than 0, "
+                                           "at most a day"));
 
     VirtualCorvidaDevice device;
     qint64 index = 0;
     const double rate = device.sampleRate();
+    QTextStream &out = context.out();
     out << "time_s,pressure_mmHg,pulse,ir\n";
     QObject::connect(&device, &BaseCorvidaDevice::pressurePulseData, &device,
                      [&](const QList<QList<float>> &frame) {

@@ -110,7 +110,7 @@ int main(int argc, char *argv[])
     if (command == QLatin1String("export"))
         return ExportCommand::run(args, context);
     if (command == QLatin1String("stream"))
-        return StreamCommand::run(args, out, err);
+        return StreamCommand::run(args, context);
 
     err << "corvida-cli: unknown command \"" << command << "\"; see corvida-cli --help" << Qt::endl;
     return 1;

@@ -7,10 +7,14 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QSerialPort>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
+#include <edflib.h>
+#include <sys/resource.h>
 
 namespace {
 QString expOf(const QString &edf)
@@ -52,6 +56,53 @@ QStringList resultFields(const Result &r)
     return lines.size() == 2 ? lines[1].split(QLatin1Char(';')) : QStringList();
 }
 
+// Seconds of samples in a recording as EDFlib itself reads it; -1 when it refuses the file.
+double recordedSeconds(const QString &edf)
+{
+    edf_hdr_struct header;
+    if (edfopen_file_readonly(QFile::encodeName(edf).constData(), &header,
+                              EDFLIB_DO_NOT_READ_ANNOTATIONS) != 0)
+        return -1;
+    const double seconds = double(header.file_duration) / EDFLIB_TIME_DIMENSION;
+    edfclose_file(header.handle);
+    return seconds;
+}
+
+QStringList recordsIn(const QString &data)
+{
+    return QDir(data + QStringLiteral("/Records"))
+        .entryList({QStringLiteral("*.edf")}, QDir::Files, QDir::Name);
+}
+
+// The lock file the serial port library keeps for an open port: found while a port of our own
+// holds it, so the test does not depend on where the library puts it.
+QString serialLockFile(const QString &portPath)
+{
+    QSerialPort holder(portPath);
+    if (!holder.open(QIODevice::ReadWrite))
+        return QString();
+    // Named after the port's path with "_" for "/"; other tests' ports may be locked meanwhile.
+    const QString name = QStringLiteral("LCK..") + QString(portPath).replace(QLatin1Char('/'), '_');
+    QString found;
+    for (const char *folder : {"/var/lock", "/run/lock", "/tmp", "/var/tmp"}) {
+        if (QFile::exists(QDir(folder).filePath(name)))
+            found = QDir(folder).filePath(name);
+        if (!found.isEmpty())
+            break;
+    }
+    holder.close();
+    return QFile::exists(found) ? QString() : found; // closing must have removed it
+}
+
+// Processor seconds used by the children this process has waited for so far.
+double childProcessorSeconds()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
 // A saved record of the simulated unit, made in-process (faster than measuring for real).
 QString makeRecord(const QString &folder)
 {
@@ -86,8 +137,30 @@ private slots:
             << QStringList{"analyze", "/no/such/file.edf"} << "no such file";
         QTest::newRow("not an EDF+ file")
             << QStringList{"info", QStringLiteral(CORVIDA_CLI)} << "not an EDF+ file";
-        QTest::newRow("bad limits")
+        QTest::newRow("limits upside down")
             << QStringList{"measure", "--simulated", "--limits", "40/160"} << "bad limits";
+        // Regression: "nan" and "inf" read as numbers and went to the unit as 0/0.
+        QTest::newRow("limits nan sent as 0/0")
+            << QStringList{"measure", "--simulated", "--limits", "nan/40"} << "bad limits";
+        QTest::newRow("limits inf")
+            << QStringList{"measure", "--simulated", "--limits", "inf/40"} << "bad limits";
+        QTest::newRow("limits negative")
+            << QStringList{"measure", "--simulated", "--limits", "160/-40"} << "bad limits";
+        QTest::newRow("limits equal as whole mmHg")
+            << QStringList{"measure", "--simulated", "--limits", "120.8/120.1"} << "bad limits";
+        QTest::newRow("seconds nan accepted")
+            << QStringList{"measure", "--simulated", "--seconds", "nan"} << "at least one second";
+        QTest::newRow("seconds zero")
+            << QStringList{"measure", "--simulated", "--seconds", "0"} << "at least one second";
+        QTest::newRow("seconds negative")
+            << QStringList{"measure", "--simulated", "--seconds", "-5"} << "at least one second";
+        // Regression: stream answered with status 2 and two lines.
+        QTest::newRow("stream without unit status 2")
+            << QStringList{"stream", "--seconds", "1"} << "only --simulated";
+        QTest::newRow("stream seconds nan")
+            << QStringList{"stream", "--simulated", "--seconds", "nan"} << "--seconds";
+        QTest::newRow("stream unknown option")
+            << QStringList{"stream", "--simulated", "--fast"} << "fast";
         QTest::newRow("no such port")
             << QStringList{"measure", "--port", "/dev/no-such-port"} << "no such port";
         QTest::newRow("two units")
@@ -105,6 +178,155 @@ private slots:
         QCOMPARE(r.status, 1);
         QVERIFY2(r.err.contains(message), qPrintable(r.err));
         QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+    }
+
+    // Regression: "info --help" looked for a file named "--help".
+    void everyCommandAnswersHelp_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("option"); // one the help must mention, empty for none
+        QTest::newRow("ports") << "ports"
+                               << "";
+        QTest::newRow("list") << "list"
+                              << "";
+        QTest::newRow("info looked for a file named --help") << "info"
+                                                             << "";
+        QTest::newRow("measure") << "measure"
+                                 << "--seconds";
+        QTest::newRow("analyze") << "analyze"
+                                 << "--reset";
+        QTest::newRow("export") << "export"
+                                << "--out";
+        QTest::newRow("stream") << "stream"
+                                << "--measure";
+    }
+    void everyCommandAnswersHelp()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, option);
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), {command, QStringLiteral("--help")});
+        QCOMPARE(r.status, 0);
+        QVERIFY2(r.out.startsWith(QStringLiteral("usage: corvida-cli ") + command),
+                 qPrintable(r.out));
+        QVERIFY(r.out.contains(option));
+        QCOMPARE(r.err, QString());
+        QVERIFY(!QDir(dir.filePath(QStringLiteral("Records"))).exists()); // nothing was run
+    }
+
+    // Regression: the clock stopped the recording before a second of samples had arrived, so
+    // "--seconds 1" always failed with "Experiment is too short".
+    void measureOfOneSecondKeepsOneSecond()
+    {
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), {"measure", "--simulated", "--seconds", "1"});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        const QString edf = resultFields(r).value(0);
+        QVERIFY(QFile::exists(edf));
+        QVERIFY2(recordedSeconds(edf) >= 1.0, qPrintable(QString::number(recordedSeconds(edf))));
+    }
+
+    // Regression: waiting for the samples spun the event loop at 92-95 % of a core. A second of
+    // a simulated unit takes well under 10 ms of processor time; the bound leaves room for
+    // start-up, the analysis at the end and a slow (sanitizer) build, and still fails at a
+    // fifth of the busy loop's share.
+    void measureBusyWaitedOnTheEventLoop()
+    {
+        QTemporaryDir dir;
+        QElapsedTimer wall;
+        const double before = childProcessorSeconds();
+        wall.start();
+        const Result r = cli(dir.path(), {"measure", "--simulated", "--seconds", "5"});
+        const double seconds = wall.elapsed() / 1000.0;
+        const double used = childProcessorSeconds() - before;
+        QCOMPARE(r.status, 0);
+        QVERIFY2(used < 0.2 * seconds,
+                 qPrintable(QStringLiteral("%1 s of processor in %2 s").arg(used).arg(seconds)));
+    }
+
+    // Regression: a port that another program holds was reported as a permission problem.
+    void busyPortIsReportedAsBusy()
+    {
+        CorvidaUnitEmulator unit;
+        QVERIFY(unit.plug());
+        QSerialPort other(unit.portPath());
+        QVERIFY(other.open(QIODevice::ReadWrite));
+        QTemporaryDir dir;
+        const Result r = cli(dir.path(), {"measure", "--port", unit.portPath(), "--seconds", "2"});
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.err.contains(QStringLiteral("port busy")), qPrintable(r.err));
+        QVERIFY(!r.err.contains(QStringLiteral("permission")));
+        QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
+        QCOMPARE(unit.receivedBytes(), QByteArray()); // the unit was left alone
+    }
+
+    // Regression: Ctrl+C or SIGTERM during a measurement left the cuff cycle running, saved
+    // nothing and left the port's lock file behind.
+    void interruptedMeasureStopsTheUnitAndKeepsTheRecord_data()
+    {
+        QTest::addColumn<int>("signalNumber");
+        QTest::addColumn<int>("samplesBefore"); // samples the unit sends before the signal
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("Ctrl+C left the cuff running") << int(SIGINT) << 3000 << 130 << true;
+        QTest::newRow("SIGTERM left the cuff running") << int(SIGTERM) << 3000 << 143 << true;
+        QTest::newRow("Ctrl+C at once: too short to keep") << int(SIGINT) << 0 << 130 << false;
+    }
+    void interruptedMeasureStopsTheUnitAndKeepsTheRecord()
+    {
+        QFETCH(int, signalNumber);
+        QFETCH(int, samplesBefore);
+        CorvidaUnitEmulator unit;
+        unit.setPulse(7.0, 3000);
+        QVERIFY(unit.plug());
+        unit.setStreamTimerActive(true);
+        const QString lockFile = serialLockFile(unit.portPath());
+        QVERIFY2(!lockFile.isEmpty(), "the serial port library keeps no lock file here");
+        QTemporaryDir dir;
+        QProcess p;
+        QSignalSpy finished(&p, &QProcess::finished);
+        p.start(QStringLiteral(CORVIDA_CLI),
+                {"--data", dir.path(), "measure", "--port", unit.portPath(), "--limits", "160/40",
+                 "--seconds", "120"});
+        QTRY_VERIFY_WITH_TIMEOUT(unit.isMeasuring(), 20000);
+        const qint64 start = unit.samplesSent();
+        QTRY_VERIFY_WITH_TIMEOUT(unit.samplesSent() - start >= samplesBefore, 20000);
+        QVERIFY(QFile::exists(lockFile)); // the check below can see a lock file
+        unit.clearReceived();
+        QCOMPARE(::kill(pid_t(p.processId()), signalNumber), 0);
+        QVERIFY(finished.wait(30000));
+
+        QCOMPARE(p.exitStatus(), QProcess::NormalExit);
+        QTEST(p.exitCode(), "status");
+        // Stop-measuring and stop, on the wire, before anything else.
+        const QByteArray stop = CorvidaUnitEmulator::packet(4) + CorvidaUnitEmulator::packet(2);
+        QVERIFY2(unit.receivedBytes().startsWith(stop),
+                 unit.receivedBytes().toHex(' ').constData());
+        QVERIFY(!unit.isMeasuring());
+        QVERIFY(!unit.isStreaming());
+        QVERIFY(!QFile::exists(lockFile));
+        const QString err = QString::fromUtf8(p.readAllStandardError());
+        QCOMPARE(err.count(QLatin1Char('\n')), 1);
+        QVERIFY2(err.startsWith(QStringLiteral("corvida-cli: stopped by ")), qPrintable(err));
+        const QStringList records = recordsIn(dir.path());
+        QFETCH(bool, saved);
+        if (!saved) {
+            QVERIFY2(err.contains(QStringLiteral("nothing was saved")), qPrintable(err));
+            QCOMPARE(records, QStringList());
+            return;
+        }
+        QVERIFY2(err.contains(QStringLiteral("saved")), qPrintable(err));
+        QCOMPARE(records.size(), 1);
+        const QString edf = dir.filePath(QStringLiteral("Records/") + records[0]);
+        const QStringList lines =
+            QString::fromUtf8(p.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 2);
+        QCOMPARE(lines[1].section(';', 0, 0), edf);
+        // At least what the unit had sent when the signal came, and far less than was asked.
+        const double seconds = recordedSeconds(edf);
+        QVERIFY2(seconds >= samplesBefore / 1000.0 - 0.1 && seconds < 60,
+                 qPrintable(QString::number(seconds)));
+        QVERIFY(QFile::exists(edf.chopped(4) + QStringLiteral(".exp")));
     }
 
     void analyzeWritesTheExpFileOnlyWithSave()

@@ -6,6 +6,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
+#include <limits>
 #include <memory>
 
 // A loopback HTTP server giving every request the same answer; it keeps the request lines.
@@ -74,6 +75,38 @@ private slots:
             return;
         QCOMPARE(VersionChecker::versionToZero4String(version), zero4);
         QCOMPARE(VersionChecker::versionFromZero4String(zero4), version);
+    }
+
+    // Six parts need 10000^5 = 1e20, beyond 64 bits: the sum used to wrap around (undefined
+    // behaviour) and a longer version could come out older.
+    void longVersionsDoNotOverflowTheNumber_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QString>("than");
+        QTest::addColumn<bool>("newer");
+        QTest::newRow("six parts after five") << "1.0.0.0.0.1"
+                                              << "9.9.9.9.9" << true;
+        QTest::newRow("six parts, last differs") << "1.2.3.4.5.7"
+                                                 << "1.2.3.4.5.6" << true;
+        QTest::newRow("six parts, first differs") << "2.0.0.0.0.0"
+                                                  << "1.9999.9999.9999.9999.9999" << true;
+        QTest::newRow("same six parts") << "1.2.3.4.5.6"
+                                        << "1.2.3.4.5.6" << false;
+        QTest::newRow("eight parts older") << "1.0.0.0.0.0.0.0"
+                                           << "2.0.0.0.0.0.0.0" << false;
+        QTest::newRow("a part of 10000 carries") << "1.10000"
+                                                 << "2.0" << false;
+        QTest::newRow("huge part") << "99999999999999999999.1"
+                                   << "1.2" << false; // reads as 0
+    }
+    void longVersionsDoNotOverflowTheNumber()
+    {
+        QFETCH(QString, version);
+        QFETCH(QString, than);
+        QTEST(VersionChecker::isNewer(version, than), "newer");
+        if (version.count(QLatin1Char('.')) >= 5)
+            QCOMPARE(VersionChecker::versionToZero4Number(version),
+                     std::numeric_limits<qint64>::max());
     }
 
     void synchronousCheckKeepsLastGoodAnswer()

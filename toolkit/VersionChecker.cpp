@@ -10,6 +10,9 @@
 #include <QSysInfo>
 #include <QTimer>
 #include <QUrlQuery>
+#include <QtNumeric>
+#include <algorithm>
+#include <limits>
 
 VersionChecker::VersionChecker(QObject *parent)
     : QObject(parent)
@@ -60,11 +63,55 @@ VersionInfo VersionChecker::parseVersionInfo(const QByteArray &reply)
     return info;
 }
 
+namespace {
+constexpr qint64 kPartWeight = 10000;
+// A part beyond this is nonsense; comparing versions holds parts to it, which keeps every sum of
+// digits and carries far from overflow.
+constexpr qint64 kLargestPart = 1000000000000LL;
+
+QList<qint64> versionParts(const QString &version)
+{
+    QList<qint64> parts;
+    for (const QString &part : version.trimmed().split(QLatin1Char('.')))
+        parts.append(part.toLongLong());
+    return parts;
+}
+
+// The weighted sum of the parts as base-10000 digits, lowest first, `size` of them: every digit
+// but the top one lies in 0..9999, so two such lists of one size compare digit by digit from the
+// top, however many parts the versions have.
+QList<qint64> zero4Digits(const QList<qint64> &parts, qsizetype size)
+{
+    QList<qint64> digits(size, 0);
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        digits[i] = std::clamp(parts[parts.size() - 1 - i], -kLargestPart, kLargestPart);
+    for (qsizetype i = 0; i + 1 < size; ++i) {
+        qint64 carry = digits[i] / kPartWeight;
+        digits[i] %= kPartWeight;
+        if (digits[i] < 0) {
+            digits[i] += kPartWeight;
+            --carry;
+        }
+        digits[i + 1] += carry;
+    }
+    return digits;
+}
+} // namespace
+
 qint64 VersionChecker::versionToZero4Number(const QString &version)
 {
+    // Six or more parts no longer fit in 64 bits: the number then stays at the end of the range
+    // (isNewer still compares such versions exactly).
     qint64 number = 0;
-    for (const QString &part : version.trimmed().split(QLatin1Char('.')))
-        number = number * 10000 + part.toLongLong();
+    for (const qint64 part : versionParts(version)) {
+        qint64 shifted = 0;
+        if (qMulOverflow(number, kPartWeight, &shifted))
+            return number < 0 ? std::numeric_limits<qint64>::min()
+                              : std::numeric_limits<qint64>::max();
+        if (qAddOverflow(shifted, part, &number))
+            return part < 0 ? std::numeric_limits<qint64>::min()
+                            : std::numeric_limits<qint64>::max();
+    }
     return number;
 }
 
@@ -86,7 +133,17 @@ QString VersionChecker::versionFromZero4String(const QString &zero4)
 
 bool VersionChecker::isNewer(const QString &candidate, const QString &current)
 {
-    return versionToZero4Number(candidate) > versionToZero4Number(current);
+    const QList<qint64> a = versionParts(candidate);
+    const QList<qint64> b = versionParts(current);
+    // Room for the carries of parts as large as kLargestPart.
+    const qsizetype size = std::max(a.size(), b.size()) + 4;
+    const QList<qint64> x = zero4Digits(a, size);
+    const QList<qint64> y = zero4Digits(b, size);
+    for (qsizetype i = size - 1; i >= 0; --i) {
+        if (x[i] != y[i])
+            return x[i] > y[i];
+    }
+    return false;
 }
 
 bool VersionChecker::newVersionAvailable() const

@@ -30,11 +30,13 @@ public:
     QUrl fetchUrl() const;
 
     static VersionInfo parseVersionInfo(const QByteArray &reply);
-    // "1.2.3" -> 100020003: each part weighs 10000 times the one after it.
+    // "1.2.3" -> 100020003: each part weighs 10000 times the one after it. A version too long for
+    // 64 bits (six parts and more) gives the largest number (the smallest, when negative).
     static qint64 versionToZero4Number(const QString &version);
     // "1.2.3" -> "0001.0002.0003", which sorts as text the way the versions compare.
     static QString versionToZero4String(const QString &version);
     static QString versionFromZero4String(const QString &zero4);
+    // Whether the candidate's number is larger, compared exactly also beyond 64 bits.
     static bool isNewer(const QString &candidate, const QString &current);
 
     // Waits for the reply in a local event loop, at most timeoutMs.
