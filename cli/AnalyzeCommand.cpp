@@ -26,7 +26,7 @@ QJsonValue jsonNumber(double v)
 
 QString AnalyzeCommand::header()
 {
-    return QStringLiteral("file;SBP;SBPTime;DBP;DBPTime;BPM;beats");
+    return QStringLiteral("file;SBP;SBPTime;DBP;DBPTime;BPM;beats;MAP");
 }
 
 QString AnalyzeCommand::resultLine(const QString &file, CorvidaExperiment &e)
@@ -37,7 +37,8 @@ QString AnalyzeCommand::resultLine(const QString &file, CorvidaExperiment &e)
                        number(e.getDBP()),
                        number(e.getDBPTime()),
                        number(e.getBPM()),
-                       QString::number(e.beats().size())}
+                       QString::number(e.beats().size()),
+                       number(e.meanArterialPressure())}
         .join(QLatin1Char(';'));
 }
 
@@ -49,7 +50,10 @@ QJsonObject AnalyzeCommand::resultObject(const QString &file, CorvidaExperiment 
                        {QStringLiteral("DBP"), jsonNumber(e.getDBP())},
                        {QStringLiteral("DBPTime"), jsonNumber(e.getDBPTime())},
                        {QStringLiteral("BPM"), jsonNumber(e.getBPM())},
-                       {QStringLiteral("beats"), int(e.beats().size())}};
+                       {QStringLiteral("beats"), int(e.beats().size())},
+                       {QStringLiteral("MAP"), e.meanArterialPressure() > 0
+                                                   ? QJsonValue(e.meanArterialPressure())
+                                                   : QJsonValue(QJsonValue::Null)}};
 }
 
 int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)

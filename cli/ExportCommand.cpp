@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "cli/CliContext.h"
+#include "session/SessionCatalog.h"
 #include "storage/RecordExport.h"
 
 #include <QCommandLineParser>
@@ -41,8 +42,15 @@ int ExportCommand::run(const QStringList &arguments, CliContext &context)
         owned.back()->setAutoSave(false); // exporting never changes a record
         records << owned.back().get();
     }
+    // Records measured in sessions bring their sessions' results along.
+    const QList<SessionCatalog::Session> sessions = SessionCatalog::group(
+        records, SessionStatistics(SessionStatistics::limitsFrom(*context.settings())));
+    QList<XLSXSheet> extra;
+    if (!sessions.isEmpty())
+        extra << XLSXSheet(SessionCatalog::sheetName(), SessionCatalog::sessionsTable(sessions));
     QString error;
-    if (RecordExport::write(records, path, filter, &error) != RecordExport::Result::Written)
+    if (RecordExport::write(records, path, filter, &error, {}, extra) !=
+        RecordExport::Result::Written)
         return context.fail(error.isEmpty() ? RecordExport::errorText(path) : error);
     context.out() << path << '\n';
     context.out().flush();
