@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "cli/CliContext.h"
+#include "session/AcceptanceRules.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -86,6 +87,9 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
         // Reading wrote nothing; from here on only an explicit --save does.
         experiment.setAutoSave(false);
         experiment.recalculate(parser.isSet(reset));
+        // A cycle of a session is judged again on what was found now.
+        if (experiment.isSessionCycle())
+            AcceptanceRules(AcceptanceRules::limitsFrom(*context.settings())).apply(experiment);
         if (parser.isSet(save) && !experiment.saveProperties()) {
             status = context.fail(
                 QStringLiteral("%1: cannot write %2").arg(path, CliContext::expPathFor(path)));

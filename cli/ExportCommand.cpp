@@ -43,11 +43,8 @@ int ExportCommand::run(const QStringList &arguments, CliContext &context)
         records << owned.back().get();
     }
     // Records measured in sessions bring their sessions' results along.
-    const QList<SessionCatalog::Session> sessions = SessionCatalog::group(
+    const QList<XLSXSheet> extra = SessionCatalog::exportSheets(
         records, SessionStatistics(SessionStatistics::limitsFrom(*context.settings())));
-    QList<XLSXSheet> extra;
-    if (!sessions.isEmpty())
-        extra << XLSXSheet(SessionCatalog::sheetName(), SessionCatalog::sessionsTable(sessions));
     QString error;
     if (RecordExport::write(records, path, filter, &error, {}, extra) !=
         RecordExport::Result::Written)

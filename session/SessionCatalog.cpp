@@ -79,6 +79,15 @@ QString SessionCatalog::sheetName()
     return tr("Sessions");
 }
 
+QList<XLSXSheet> SessionCatalog::exportSheets(const QList<CorvidaExperiment *> &records,
+                                              const SessionStatistics &statistics)
+{
+    const QList<Session> sessions = group(records, statistics);
+    if (sessions.isEmpty())
+        return {};
+    return {XLSXSheet(sheetName(), sessionsTable(sessions))};
+}
+
 XLSXTable SessionCatalog::sessionsTable(const QList<Session> &sessions)
 {
     const QString sd = tr("SD");

@@ -36,6 +36,10 @@ public:
     // The "Sessions" sheet: a header row, then one row per session.
     static XLSXTable sessionsTable(const QList<Session> &sessions);
     static QString sheetName();
+    // What an export of `records` adds: the "Sessions" sheet when any of them belongs to a
+    // session, nothing otherwise.
+    static QList<XLSXSheet> exportSheets(const QList<CorvidaExperiment *> &records,
+                                         const SessionStatistics &statistics);
 
     // One cycle as the command-line tool reports it; pressures and rate are null where none.
     static QJsonObject cycleJson(int cycle, bool acclimation, const QString &file, double sbp,

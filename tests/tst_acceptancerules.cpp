@@ -1,6 +1,8 @@
 #include "analysis/CorvidaExperiment.h"
 #include "session/AcceptanceRules.h"
 #include "session/PulseGate.h"
+#include "session/SessionVerdictKeeper.h"
+#include "storage/RecordDatabase.h"
 #include "support/ExpFile.h"
 #include "support/MemoryRecord.h"
 #include "support/PulseTrain.h"
@@ -191,6 +193,43 @@ private slots:
         rules.apply(record);
         QCOMPARE(record.getVerdict(), qint32(CorvidaExperiment::VerdictAccepted));
         QCOMPARE(record.verdictText(), QStringLiteral("Accepted by the operator"));
+    }
+
+    void listedCycleIsJudgedAgainWhenItsMarkerMoves()
+    {
+        QTemporaryDir dir;
+        QList<double> pressure, pulse;
+        tailCuffRecording(&pressure, &pulse);
+        MemoryRecord cycle, ordinary;
+        for (MemoryRecord *r : {&cycle, &ordinary}) {
+            r->setSeries(pressure, pulse, 1000);
+            r->recalculate(true);
+        }
+        ordinary.setStartDateTime(cycle.startDateTime().addSecs(60));
+        cycle.setSession(QStringLiteral("2026-01-05T09:00:00 V1"));
+        cycle.setPulseBefore(true);
+        AcceptanceRules().apply(cycle);
+        QVERIFY(cycle.getAccepted());
+        QVERIFY(cycle.save(dir.path()));
+        QVERIFY(ordinary.save(dir.path()));
+
+        RecordDatabase database(dir.path());
+        database.reload();
+        SessionVerdictKeeper keeper(&database, nullptr);
+        QCOMPARE(database.count(), 2);
+        for (CorvidaExperiment *r : database.records())
+            r->setSBPTime(1.0); // 80 mmHg, under the diastolic marker
+
+        const QMap<QString, QString> judged = ExpFile::values(cycle.getFilepath());
+        QCOMPARE(judged.value("Accepted"), QStringLiteral("false"));
+        QVERIFY2(judged.value("Reason").contains(QLatin1String("above DBP")),
+                 qPrintable(judged.value("Reason")));
+        QVERIFY(!ExpFile::values(ordinary.getFilepath()).contains("Accepted"));
+
+        // Put back where the pulse returns, the cycle is accepted again.
+        CorvidaExperiment *listed = database.record(database.rowOf(cycle.getFilepath()));
+        listed->setSBPTime(cycle.getSBPTime());
+        QCOMPARE(ExpFile::values(cycle.getFilepath()).value("Accepted"), QStringLiteral("true"));
     }
 
     void ordinaryRecordsWriteNoSessionData()

@@ -44,9 +44,11 @@ private slots:
             "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;\r\n"
             "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;\r\n"
             "2026-11-21_10-05-00;Крыса 2;;?;\r\n\r\n"
-            "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
+            "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nMAP;94.2;mmHg;\r\n"
+            "Pulse;0;bpm;\r\n"
             "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\n\r\n"
-            "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
+            "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nMAP;0;mmHg;\r\n"
+            "Pulse;0;bpm;\r\n"
             "Rodent;Крыса 2;\r\nComment;;\r\n\r\n";
         QCOMPARE(RecordFiles::readAll(path), expected);
         QCOMPARE(filesIn(out.path()), QStringList{"both.csv"});
@@ -75,11 +77,11 @@ private slots:
         QCOMPARE(RecordExport::write({m_both.first()}, path, RecordExport::filters()[3]),
                  RecordExport::Result::Written);
         const QList<QByteArray> lines = RecordFiles::readAll(path).split('\n');
-        QCOMPARE(lines.size(), 1 + 5 + 1 + 1 + 1 + 200 + 1 + 1);
-        QCOMPARE(lines[7] + lines[8], QByteArray("Sampling rate;100;\rPressure, mmHg;PPG, V;\r"));
+        QCOMPARE(lines.size(), 1 + 6 + 1 + 1 + 1 + 200 + 1 + 1);
+        QCOMPARE(lines[8] + lines[9], QByteArray("Sampling rate;100;\rPressure, mmHg;PPG, V;\r"));
         // The recording keeps 16 bits per sample: 0.25 mmHg and 1.8 V / 32767 apart.
         for (int i : {0, 57, 199}) {
-            const QList<QByteArray> cells = lines[9 + i].split(';');
+            const QList<QByteArray> cells = lines[10 + i].split(';');
             QVERIFY(qAbs(cells[0].toDouble() - RecordFiles::pressureAt(kFirst, i)) <= 0.125);
             QVERIFY(qAbs(cells[1].toDouble() - RecordFiles::pulseAt(kFirst, i)) <= 0.6e-4);
         }
