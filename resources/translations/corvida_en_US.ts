@@ -221,6 +221,66 @@
         <translation>Save raw data</translation>
     </message>
     <message>
+        <source>SessionAcclimationCycles</source>
+        <translation>Session: acclimation cycles</translation>
+    </message>
+    <message>
+        <source>SessionMeasurementCycles</source>
+        <translation>Session: measurement cycles</translation>
+    </message>
+    <message>
+        <source>SessionInterval</source>
+        <translation>Session: pause between cycles, s</translation>
+    </message>
+    <message>
+        <source>SessionPulseWait</source>
+        <translation>Session: wait for a pulse, s</translation>
+    </message>
+    <message>
+        <source>SessionPulseAmplitude</source>
+        <translation>Session: least pulse height</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMin</source>
+        <translation>Accept: lowest heart rate, bpm</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMax</source>
+        <translation>Accept: highest heart rate, bpm</translation>
+    </message>
+    <message>
+        <source>SessionSBPMin</source>
+        <translation>Accept: lowest SBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionSBPMax</source>
+        <translation>Accept: highest SBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionDBPMin</source>
+        <translation>Accept: lowest DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionDBPMax</source>
+        <translation>Accept: highest DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionPulsePressureMin</source>
+        <translation>Accept: least SBP − DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionIrregularBeatsMax</source>
+        <translation>Accept: most irregular beats, %</translation>
+    </message>
+    <message>
+        <source>SessionMinAccepted</source>
+        <translation>Session: least accepted cycles</translation>
+    </message>
+    <message>
+        <source>SessionSBPSDMax</source>
+        <translation>Session: largest SD of SBP, mmHg</translation>
+    </message>
+    <message>
         <source>en_US</source>
         <translation>English</translation>
     </message>

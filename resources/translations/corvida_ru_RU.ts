@@ -221,6 +221,66 @@
         <translation>Сохранять сырые данные</translation>
     </message>
     <message>
+        <source>SessionAcclimationCycles</source>
+        <translation>Сеанс: циклы привыкания</translation>
+    </message>
+    <message>
+        <source>SessionMeasurementCycles</source>
+        <translation>Сеанс: измерительные циклы</translation>
+    </message>
+    <message>
+        <source>SessionInterval</source>
+        <translation>Сеанс: пауза между циклами, с</translation>
+    </message>
+    <message>
+        <source>SessionPulseWait</source>
+        <translation>Сеанс: ожидание пульса, с</translation>
+    </message>
+    <message>
+        <source>SessionPulseAmplitude</source>
+        <translation>Сеанс: наименьшая высота пульса</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMin</source>
+        <translation>Принять: наименьший пульс, уд/мин</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMax</source>
+        <translation>Принять: наибольший пульс, уд/мин</translation>
+    </message>
+    <message>
+        <source>SessionSBPMin</source>
+        <translation>Принять: наименьшее САД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionSBPMax</source>
+        <translation>Принять: наибольшее САД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionDBPMin</source>
+        <translation>Принять: наименьшее ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionDBPMax</source>
+        <translation>Принять: наибольшее ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionPulsePressureMin</source>
+        <translation>Принять: наименьшая разница САД − ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionIrregularBeatsMax</source>
+        <translation>Принять: наибольшая доля неровных ударов, %</translation>
+    </message>
+    <message>
+        <source>SessionMinAccepted</source>
+        <translation>Сеанс: наименьшее число принятых циклов</translation>
+    </message>
+    <message>
+        <source>SessionSBPSDMax</source>
+        <translation>Сеанс: наибольшее СО САД, мм рт. ст.</translation>
+    </message>
+    <message>
         <source>en_US</source>
         <translation>English</translation>
     </message>
