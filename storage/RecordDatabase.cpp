@@ -308,8 +308,13 @@ QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
         return record->getRodent();
     case CommentColumn:
         return record->getComment();
-    case PressureColumn:
-        return record->bpText();
+    case PressureColumn: {
+        // The mean arterial pressure beside the two it is worked out from: "121/81 (94)".
+        const double map = record->meanArterialPressure();
+        return map > 0 ? record->bpText() + QStringLiteral(" (") + QString::number(map, 'f', 0) +
+                             QLatin1Char(')')
+                       : record->bpText();
+    }
     default:
         return QString();
     }

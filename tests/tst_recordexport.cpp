@@ -42,7 +42,7 @@ private slots:
                  RecordExport::Result::Written);
         const QByteArray expected =
             "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;\r\n"
-            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;\r\n"
+            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81 (94);\r\n"
             "2026-11-21_10-05-00;Крыса 2;;?;\r\n\r\n"
             "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nMAP;94.2;mmHg;\r\n"
             "Pulse;0;bpm;\r\n"
