@@ -1,4 +1,5 @@
 #include "support/CorvidaUnitEmulator.h"
+#include "support/XlsxReader.h"
 
 #include <QDir>
 #include <QFile>
@@ -160,6 +161,19 @@ private slots:
             lines.value(sessionsAt + 2).contains(QStringLiteral(";%1/1;").arg(accepted ? 1 : 0)));
         QVERIFY(text.contains(QStringLiteral("Cycle;2;;")));
         QVERIFY(text.contains(QStringLiteral("Accepted;") + (accepted ? "Yes;" : "No;")));
+
+        // In a workbook the sessions come after the summary, before the records, as numbers.
+        if (!XlsxReader::available())
+            return;
+        const QString xlsx = dir.filePath("day.xlsx");
+        QCOMPARE(
+            cli(dir.path(), QStringList{"export", "--essential", "--out", xlsx} + files).status, 0);
+        const QJsonArray book = XlsxReader::read(xlsx);
+        QCOMPARE(book.size(), 4);
+        QCOMPARE(book[1].toObject()["name"].toString(), QStringLiteral("Sessions"));
+        const QJsonArray row = book[1].toObject()["rows"].toArray()[1].toArray();
+        QVERIFY(row[4].isDouble());
+        QVERIFY(sameNumber(row[4], summary["SBP"].toObject()["mean"]));
     }
 
     void sessionOnASerialUnit()
