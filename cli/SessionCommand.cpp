@@ -10,7 +10,6 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -43,16 +42,19 @@ QString meanSd(const SessionStatistics::Measure &m)
                : QString::number(m.mean, 'f', 1);
 }
 
+// Waits on the event loop (not in a polling loop) until the unit answers or the time is up.
 bool connectUnit(BaseCorvidaDevice *device)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!device->isConnected()) {
-        if (clock.elapsed() > kConnectTimeoutMs)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-    return true;
+    if (device->isConnected())
+        return true;
+    QEventLoop loop;
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    QObject::connect(device, &BaseCorvidaDevice::connected, &loop, &QEventLoop::quit);
+    QObject::connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timeout.start(kConnectTimeoutMs);
+    loop.exec();
+    return device->isConnected();
 }
 } // namespace
 

@@ -96,8 +96,9 @@ void SessionRun::setState(State state)
 
 bool SessionRun::start()
 {
+    // A unit already in a cuff cycle belongs to whoever started it.
     if (m_state != State::Idle || !m_device || !m_device->isConnected() ||
-        m_plan.measurementCycles < 1 || m_plan.acclimationCycles < 0)
+        m_device->isMeasuring() || m_plan.measurementCycles < 1 || m_plan.acclimationCycles < 0)
         return false;
     if (!QuorvexCommon::CreateDirIfNotExists(m_folder)) {
         qDebug() << "SESSION cannot create" << m_folder;

@@ -326,13 +326,26 @@ private slots:
         QCOMPARE(sessions[1].unit, b.deviceId());
     }
 
-    void refusesPlansWithoutMeasurementCycles()
+    void refusesToStart_data()
     {
+        QTest::addColumn<int>("cycles");
+        QTest::addColumn<bool>("busy");
+        QTest::newRow("no measurement cycles") << 0 << false;
+        QTest::newRow("unit already in a cuff cycle") << 3 << true;
+    }
+    void refusesToStart()
+    {
+        QFETCH(int, cycles);
+        QFETCH(bool, busy);
         QTemporaryDir dir;
-        Rig rig(dir.path(), plan120(2, 0));
+        Rig rig(dir.path(), plan120(2, cycles));
+        if (busy)
+            rig.device.startMeasuring();
         QVERIFY(!rig.run->start());
         QCOMPARE(rig.run->state(), SessionRun::State::Idle);
-        QVERIFY(!rig.device.isAcquiring());
+        QCOMPARE(rig.device.isMeasuring(), busy);
+        rig.advance(30000);
+        QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
     }
 };
 
