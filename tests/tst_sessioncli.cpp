@@ -1,4 +1,5 @@
 #include "support/CorvidaUnitEmulator.h"
+#include "support/RecordFiles.h"
 #include "support/XlsxArchive.h"
 #include "support/XlsxReader.h"
 
@@ -178,6 +179,27 @@ private slots:
             QVERIFY(row[4].isDouble());
             QVERIFY(sameNumber(row[4], summary["SBP"].toObject()["mean"]));
         }
+    }
+
+    void olderRecordsAreListedButMakeNoSession()
+    {
+        QTemporaryDir dir;
+        QCOMPARE(cli(dir.path(), {"sessions"}).status, 1); // no records folder yet
+        const QString records = dir.filePath("Records");
+        QVERIFY(QDir().mkpath(records));
+        RecordFiles::Plan plan;
+        plan.start = QDateTime(QDate(2026, 11, 21), QTime(10, 0));
+        plan.rodent = QStringLiteral("rat 3");
+        plan.sbp = 121;
+        plan.dbp = 81;
+        QVERIFY(!RecordFiles::write(records, plan).isEmpty());
+
+        const Result listed = cli(dir.path(), {"sessions", "--json"});
+        QCOMPARE(listed.status, 0);
+        QCOMPARE(QJsonDocument::fromJson(listed.out.toUtf8()).array().size(), 0);
+        const Result list = cli(dir.path(), {"list"});
+        QCOMPARE(list.status, 0);
+        QVERIFY2(list.out.contains(QStringLiteral(";rat 3;;121/81 (94);")), qPrintable(list.out));
     }
 
     void sessionOnASerialUnit()
