@@ -8,6 +8,7 @@
 #include "cli/SessionCommand.h"
 #include "cli/SessionsCommand.h"
 #include "cli/StreamCommand.h"
+#include "cli/VerdictCommand.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
@@ -29,6 +30,8 @@ void printHelp(QTextStream &out)
         << "      rejected one by one, and the session's mean and spread\n"
         << "  " << SessionsCommand::usage() << "\n"
         << "      the sessions of the records folder with their results\n"
+        << "  " << VerdictCommand::usage() << "\n"
+        << "      accept or reject cycles of a session by hand, or leave them to the rules\n"
         << "  " << AnalyzeCommand::usage() << "\n"
         << "      recalculate records and print their results\n"
         << "  " << InfoCommand::usage() << "\n"
@@ -107,6 +110,8 @@ int main(int argc, char *argv[])
         return SessionCommand::run(args, context);
     if (command == QLatin1String("sessions"))
         return SessionsCommand::run(args, context);
+    if (command == QLatin1String("verdict"))
+        return VerdictCommand::run(args, context);
     if (command == QLatin1String("analyze"))
         return AnalyzeCommand::run(args, context);
     if (command == QLatin1String("info"))

@@ -1,4 +1,6 @@
+#include "analysis/CorvidaOnlineExperiment.h"
 #include "support/CorvidaUnitEmulator.h"
+#include "support/ExpFile.h"
 #include "support/RecordFiles.h"
 #include "support/XlsxArchive.h"
 #include "support/XlsxReader.h"
@@ -46,6 +48,29 @@ QJsonObject object(const QString &text)
 QStringList recordsIn(const QString &data)
 {
     return QDir(data + QStringLiteral("/Records")).entryList({"*.edf"}, QDir::Files);
+}
+
+// A recording whose pulse comes back below 120 mmHg, saved as cycle 1 of a session, or as an
+// ordinary record without one. Returns the ".edf" path.
+QString writeRecord(const QString &folder, const QString &session, int minute)
+{
+    CorvidaOnlineExperiment e;
+    QList<double> pressure, pulse;
+    for (int i = 0; i < 20000; ++i) {
+        const double t = i / 1000.0;
+        pressure << (t < 2 ? 80 * t : std::max(0.0, 160 - 10 * (t - 2)));
+        pulse << (pressure.last() > 120 ? 0.005 : 0.3) * std::sin(2 * M_PI * 7.5 * t);
+    }
+    e.setSamplingRate(1000);
+    e.updateData({pressure, pulse});
+    e.setStartDateTime(QDateTime(QDate(2026, 5, 4), QTime(9, minute)));
+    if (!session.isEmpty()) {
+        e.setSession(session);
+        e.setCycle(1);
+        e.setPlanned(1);
+        e.setAccepted(true);
+    }
+    return e.save(folder) ? e.getFilepath().chopped(4) + QStringLiteral(".edf") : QString();
 }
 
 // A number of the CLI's JSON against the same number elsewhere: both null, or equal.
@@ -200,6 +225,37 @@ private slots:
         const Result list = cli(dir.path(), {"list"});
         QCOMPARE(list.status, 0);
         QVERIFY2(list.out.contains(QStringLiteral(";rat 3;;121/81 (94);")), qPrintable(list.out));
+    }
+
+    void operatorVerdictOverridesAndCanBeGivenBack()
+    {
+        QTemporaryDir dir;
+        const QString records = dir.filePath("Records");
+        QVERIFY(QDir().mkpath(records));
+        const QString cycle = writeRecord(records, "2026-05-04T09:00:00 CV-1", 0);
+        const QString ordinary = writeRecord(records, QString(), 5);
+        QVERIFY(!cycle.isEmpty() && !ordinary.isEmpty());
+        const QString exp = cycle.chopped(4) + ".exp";
+
+        Result r = cli(dir.path(), {"verdict", "--reject", cycle});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        QCOMPARE(r.out, "file;accepted;reason\n" + cycle + ";no;Rejected by the operator\n");
+        QCOMPARE(ExpFile::values(exp).value("Verdict"), QStringLiteral("2"));
+        QCOMPARE(ExpFile::values(exp).value("Accepted"), QStringLiteral("true"));
+        r = cli(dir.path(), {"sessions", "--json"});
+        const QJsonObject session = QJsonDocument::fromJson(r.out.toUtf8()).array()[0].toObject();
+        QCOMPARE(session["summary"].toObject()["accepted"].toInt(), 0);
+
+        r = cli(dir.path(), {"verdict", "--automatic", cycle});
+        QCOMPARE(r.out, "file;accepted;reason\n" + cycle + ";yes;\n");
+        QCOMPARE(ExpFile::values(exp).value("Verdict"), QStringLiteral("0"));
+
+        const QByteArray before = RecordFiles::readAll(ordinary.chopped(4) + ".exp");
+        r = cli(dir.path(), {"verdict", "--accept", ordinary});
+        QCOMPARE(r.status, 1);
+        QVERIFY(r.err.contains("not a cycle of a session"));
+        QCOMPARE(RecordFiles::readAll(ordinary.chopped(4) + ".exp"), before);
+        QCOMPARE(cli(dir.path(), {"verdict", "--accept", "--reject", cycle}).status, 1);
     }
 
     void sessionOnASerialUnit()
