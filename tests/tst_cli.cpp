@@ -113,9 +113,9 @@ private slots:
         QVERIFY(std::fabs(fields[1].toDouble() - 120.0) < 3.0); // the pulse comes back at 120 mmHg
         QVERIFY(std::fabs(fields[5].toDouble() - 450.0) < 5.0);
         // MAP is worked out from the two pressures printed beside it.
-        QVERIFY(std::fabs(fields[7].toDouble() - (fields[3].toDouble() +
-                                                  (fields[1].toDouble() - fields[3].toDouble()) /
-                                                      3.0)) < 1e-6);
+        QVERIFY(std::fabs(fields[7].toDouble() -
+                          (fields[3].toDouble() +
+                           (fields[1].toDouble() - fields[3].toDouble()) / 3.0)) < 1e-6);
         const double automatic = fields[2].toDouble();
         QVERIFY(automatic != 9.0 && automatic >= 4.0);
         QCOMPARE(RecordFiles::readAll(exp), before);
