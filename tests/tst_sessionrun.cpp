@@ -1,7 +1,9 @@
 #include "analysis/CorvidaExperiment.h"
+#include "device/ComCorvidaDevice.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "session/SessionCatalog.h"
 #include "session/SessionRun.h"
+#include "support/CorvidaUnitEmulator.h"
 #include "support/ExpFile.h"
 
 #include <QDir>
@@ -164,6 +166,75 @@ private slots:
         QVERIFY(!r.accepted);
         QVERIFY2(r.reason.contains(QLatin1String("No pulse before inflation")),
                  qPrintable(r.reason));
+    }
+
+    void serialUnitGateWaitsForAPulse_data()
+    {
+        QTest::addColumn<bool>("pulseAtRest");
+        QTest::newRow("pulse at rest") << true;
+        QTest::newRow("cold tail, pulse only later") << false;
+    }
+    void serialUnitGateWaitsForAPulse()
+    {
+        QFETCH(bool, pulseAtRest);
+        qint64 now = 1'750'000'000'000;
+        CorvidaUnitEmulator unit;
+        unit.setClock([&now] { return now; });
+        unit.setSystolic(110);
+        unit.setPulse(7.0, pulseAtRest ? 3000 : 0);
+        unit.setCuffRates(80, 8);
+        if (!unit.plug())
+            QSKIP("no pseudo-terminals on this machine");
+        ComCorvidaDevice device(unit.portPath());
+        device.setWatchdogActive(false);
+        device.connectDevice();
+        QVERIFY(QTest::qWaitFor([&] { return device.isConnected() && device.isCalibrated(); }));
+        qint64 samples = 0;
+        connect(&device, &BaseCorvidaDevice::pressurePulseData, this,
+                [&](const QList<QList<float>> &f) { samples += f[0].size(); });
+
+        QTemporaryDir dir;
+        SessionPlan plan = plan120(0, 1);
+        plan.upperPressure = 160;
+        plan.lowerPressure = 40;
+        plan.pulseWaitMs = 8000;
+        SessionRun run(&device, dir.path(), plan);
+        run.setClock([&now] { return now; });
+        run.setTickTimerActive(false);
+        qint64 startedAt = 0;
+        connect(&run, &SessionRun::cycleStarted, this, [&] {
+            startedAt = now;
+            unit.setPulse(7.0, 3000); // the tail has warmed up
+        });
+        QVERIFY(run.start());
+        QVERIFY(QTest::qWaitFor([&] { return unit.isStreaming(); }));
+        const qint64 begin = now;
+        // Each step the unit sends 50 ms of samples and the test waits until they have come
+        // through the port; the clock itself only moves here.
+        for (int i = 0; i < 2000 && run.isRunning(); ++i) {
+            now += kStepMs;
+            const qint64 expected = samples + kStepMs;
+            unit.tick();
+            QVERIFY(QTest::qWaitFor([&] { return samples >= expected; }));
+            run.tick();
+        }
+        QCOMPARE(run.state(), SessionRun::State::Finished);
+        const SessionRun::CycleResult r = run.results().value(0);
+        QVERIFY2(std::fabs(r.sbp - 110.0) < 10.0, qPrintable(QString::number(r.sbp)));
+        if (pulseAtRest) {
+            // Three seconds of pulse fill the gate's window; the next check opens it.
+            QVERIFY2(startedAt - begin <= 3600, qPrintable(QString::number(startedAt - begin)));
+            QVERIFY(r.pulseBefore);
+            QVERIFY2(!r.reason.contains(QLatin1String("pulse")), qPrintable(r.reason));
+        } else {
+            QCOMPARE(startedAt - begin, plan.pulseWaitMs);
+            QVERIFY(!r.pulseBefore);
+            QVERIFY(!r.accepted);
+            QVERIFY2(r.reason.startsWith(QLatin1String("No pulse before inflation")),
+                     qPrintable(r.reason));
+        }
+        QCOMPARE(unit.upperLimit(), 160);
+        QVERIFY(!unit.isMeasuring());
     }
 
     void abortMidCycleStopsTheUnitAndKeepsFinishedCycles()
