@@ -133,6 +133,53 @@ QString CorvidaExperiment::pressureUnitText() const
     return m_Uncalibrated
                ? genericText(QT_TRANSLATE_NOOP("Generic", "sensor units, not calibrated"))
                : genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"));
+void CorvidaExperiment::setSession(const QString &Session)
+{
+    assign(m_Session, Session, &CorvidaExperiment::changedSession, "Session");
+}
+
+void CorvidaExperiment::setCycle(qint32 Cycle)
+{
+    assign(m_Cycle, Cycle, &CorvidaExperiment::changedCycle, "Cycle");
+}
+
+void CorvidaExperiment::setAcclimation(bool Acclimation)
+{
+    assign(m_Acclimation, Acclimation, &CorvidaExperiment::changedAcclimation, "Acclimation");
+}
+
+void CorvidaExperiment::setPulseBefore(bool PulseBefore)
+{
+    assign(m_PulseBefore, PulseBefore, &CorvidaExperiment::changedPulseBefore, "PulseBefore");
+}
+
+void CorvidaExperiment::setAccepted(bool Accepted)
+{
+    assign(m_Accepted, Accepted, &CorvidaExperiment::changedAccepted, "Accepted");
+}
+
+void CorvidaExperiment::setReason(const QString &Reason)
+{
+    assign(m_Reason, Reason, &CorvidaExperiment::changedReason, "Reason");
+}
+
+void CorvidaExperiment::setVerdict(qint32 Verdict)
+{
+    assign(m_Verdict, Verdict, &CorvidaExperiment::changedVerdict, "Verdict");
+}
+
+void CorvidaExperiment::setPlanned(qint32 Planned)
+{
+    assign(m_Planned, Planned, &CorvidaExperiment::changedPlanned, "Planned");
+}
+
+QString CorvidaExperiment::verdictText() const
+{
+    if (m_Verdict == VerdictAccepted)
+        return QCoreApplication::translate("CorvidaExperiment", "Accepted by the operator");
+    if (m_Verdict == VerdictRejected)
+        return QCoreApplication::translate("CorvidaExperiment", "Rejected by the operator");
+    return m_Accepted ? QString() : m_Reason;
 }
 
 void CorvidaExperiment::storeSBPTime(double SBPTime)
@@ -724,6 +771,20 @@ QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)
         {genericText(QT_TRANSLATE_NOOP("Generic", "Rodent")), m_Rodent},
         {genericText(QT_TRANSLATE_NOOP("Generic", "Comment")), m_Comment},
     };
+    if (isSessionCycle()) {
+        // MAP is derived from the markers, so it is shown, never stored. Records measured one
+        // at a time keep the rows they always had.
+        rows.insert(2, {genericText(QT_TRANSLATE_NOOP("Generic", "MAP")), meanArterialPressure(),
+                        pressureUnit});
+        const QString yes = genericText(QT_TRANSLATE_NOOP("Generic", "Yes"));
+        const QString no = genericText(QT_TRANSLATE_NOOP("Generic", "No"));
+        rows << QList<QVariant>{
+            genericText(QT_TRANSLATE_NOOP("Generic", "Cycle")), m_Cycle,
+            m_Acclimation ? genericText(QT_TRANSLATE_NOOP("Generic", "Acclimation")) : QString()};
+        rows << QList<QVariant>{genericText(QT_TRANSLATE_NOOP("Generic", "Accepted")),
+                                isAccepted() ? yes : no};
+        rows << QList<QVariant>{genericText(QT_TRANSLATE_NOOP("Generic", "Reason")), verdictText()};
+    }
     if (essentialOnly)
         return rows;
     const QList<double> pressure = getPressure();

@@ -54,8 +54,47 @@ class CorvidaExperiment : public VTSettings
         bool Uncalibrated READ isUncalibrated WRITE setUncalibrated NOTIFY changedUncalibrated)
     Q_CLASSINFO("UncalibratedNoDefault", "true")
     Q_CLASSINFO("UncalibratedNotVisible", "true")
+    // A record measured as one cycle of a session carries the session's identity, its place in
+    // it and its verdict. None of these is written for an ordinary record, so its file stays as
+    // it always was.
+    Q_PROPERTY(
+        QString Session READ getSession WRITE setSession RESET resetSession NOTIFY changedSession)
+    Q_CLASSINFO("SessionNoDefault", "true")
+    Q_CLASSINFO("SessionEditable", "true")
+    Q_PROPERTY(qint32 Cycle READ getCycle WRITE setCycle RESET resetCycle NOTIFY changedCycle)
+    Q_CLASSINFO("CycleNoDefault", "true")
+    Q_CLASSINFO("CycleEditable", "true")
+    Q_PROPERTY(bool Acclimation READ getAcclimation WRITE setAcclimation RESET resetAcclimation
+                   NOTIFY changedAcclimation)
+    Q_CLASSINFO("AcclimationNoDefault", "true")
+    Q_CLASSINFO("AcclimationEditable", "true")
+    // Whether a regular pulse was seen before the cuff was inflated.
+    Q_PROPERTY(bool PulseBefore READ getPulseBefore WRITE setPulseBefore RESET resetPulseBefore
+                   NOTIFY changedPulseBefore)
+    Q_CLASSINFO("PulseBeforeNoDefault", "true")
+    Q_CLASSINFO("PulseBeforeEditable", "true")
+    // The automatic verdict and, when rejected, why.
+    Q_PROPERTY(
+        bool Accepted READ getAccepted WRITE setAccepted RESET resetAccepted NOTIFY changedAccepted)
+    Q_CLASSINFO("AcceptedNoDefault", "true")
+    Q_CLASSINFO("AcceptedEditable", "true")
+    Q_PROPERTY(QString Reason READ getReason WRITE setReason RESET resetReason NOTIFY changedReason)
+    Q_CLASSINFO("ReasonNoDefault", "true")
+    Q_CLASSINFO("ReasonEditable", "true")
+    // How many measurement cycles the session was to run: fewer records say it stopped early.
+    Q_PROPERTY(
+        qint32 Planned READ getPlanned WRITE setPlanned RESET resetPlanned NOTIFY changedPlanned)
+    Q_CLASSINFO("PlannedNoDefault", "true")
+    Q_CLASSINFO("PlannedEditable", "true")
+    // The operator's own verdict (an OperatorVerdict), which outlasts every automatic one.
+    Q_PROPERTY(
+        qint32 Verdict READ getVerdict WRITE setVerdict RESET resetVerdict NOTIFY changedVerdict)
+    Q_CLASSINFO("VerdictNoDefault", "true")
+    Q_CLASSINFO("VerdictEditable", "true")
 
 public:
+    enum OperatorVerdict { VerdictAutomatic = 0, VerdictAccepted = 1, VerdictRejected = 2 };
+
     explicit CorvidaExperiment(QObject *parent = nullptr);
     // A stored record: its ".exp" path; the series are read from the ".edf" beside it on first use.
     explicit CorvidaExperiment(const QString &settingsPath, QObject *parent = nullptr);
@@ -72,6 +111,29 @@ public:
     bool isUncalibrated() const { return m_Uncalibrated; }
     // "mmHg", or a note that the pressures are uncalibrated sensor values.
     QString pressureUnitText() const;
+    QString getSession() const { return m_Session; }
+    qint32 getCycle() const { return m_Cycle; }
+    bool getAcclimation() const { return m_Acclimation; }
+    bool getPulseBefore() const { return m_PulseBefore; }
+    bool getAccepted() const { return m_Accepted; }
+    QString getReason() const { return m_Reason; }
+    qint32 getVerdict() const { return m_Verdict; }
+    qint32 getPlanned() const { return m_Planned; }
+
+    bool isSessionCycle() const { return !m_Session.isEmpty(); }
+    // The verdict that counts: the operator's when there is one, the automatic one otherwise.
+    bool isAccepted() const
+    {
+        return m_Verdict == VerdictAutomatic ? m_Accepted : m_Verdict == VerdictAccepted;
+    }
+    // What the lists show beside the verdict: the reason of a rejection, or that the operator
+    // decided.
+    QString verdictText() const;
+    // Mean arterial pressure, DBP + (SBP - DBP) / 3; 0 unless both pressures are set.
+    double meanArterialPressure() const
+    {
+        return m_SBP > 0 && m_DBP > 0 ? m_DBP + (m_SBP - m_DBP) / 3.0 : 0.0;
+    }
 
     QDateTime startDateTime() const { return m_startDateTime; }
     void setStartDateTime(const QDateTime &start) { m_startDateTime = start; }
@@ -138,6 +200,14 @@ public slots:
     void setBPM(double BPM);
     void setSN(const QString &SN);
     void setUncalibrated(bool on);
+    void setSession(const QString &Session);
+    void setCycle(qint32 Cycle);
+    void setAcclimation(bool Acclimation);
+    void setPulseBefore(bool PulseBefore);
+    void setAccepted(bool Accepted);
+    void setReason(const QString &Reason);
+    void setVerdict(qint32 Verdict);
+    void setPlanned(qint32 Planned);
     void resetRodent();
     void resetComment();
     void resetSBP();
@@ -146,6 +216,14 @@ public slots:
     void resetDBPTime();
     void resetBPM();
     void resetSN();
+    void resetSession() { setSession(QString()); }
+    void resetCycle() { setCycle(0); }
+    void resetAcclimation() { setAcclimation(false); }
+    void resetPulseBefore() { setPulseBefore(false); }
+    void resetAccepted() { setAccepted(false); }
+    void resetReason() { setReason(QString()); }
+    void resetVerdict() { setVerdict(VerdictAutomatic); }
+    void resetPlanned() { setPlanned(0); }
 
 signals:
     void changedRodent(QString Rodent);
@@ -157,6 +235,14 @@ signals:
     void changedBPM(double BPM);
     void changedSN(QString SN);
     void changedUncalibrated(bool on);
+    void changedSession(QString Session);
+    void changedCycle(qint32 Cycle);
+    void changedAcclimation(bool Acclimation);
+    void changedPulseBefore(bool PulseBefore);
+    void changedAccepted(bool Accepted);
+    void changedReason(QString Reason);
+    void changedVerdict(qint32 Verdict);
+    void changedPlanned(qint32 Planned);
     void bpResetted();
     void dataUpdated();
 
@@ -205,6 +291,14 @@ private:
     double m_BPM = 0.0;
     QString m_SN;
     bool m_Uncalibrated = false;
+    QString m_Session;
+    qint32 m_Cycle = 0;
+    bool m_Acclimation = false;
+    bool m_PulseBefore = false;
+    bool m_Accepted = false;
+    QString m_Reason;
+    qint32 m_Verdict = VerdictAutomatic;
+    qint32 m_Planned = 0;
 
     QList<int> m_beats;
     QList<int> m_valleys;

@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "cli/CliContext.h"
+#include "session/AcceptanceRules.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -26,14 +27,15 @@ QJsonValue jsonNumber(double v)
 
 QString AnalyzeCommand::header()
 {
-    return QStringLiteral("file;SBP;SBPTime;DBP;DBPTime;BPM;beats");
+    return QStringLiteral("file;SBP;SBPTime;DBP;DBPTime;BPM;beats;MAP");
 }
 
 QString AnalyzeCommand::resultLine(const QString &file, CorvidaExperiment &e)
 {
     return CliContext::tableLine({file, number(e.getSBP()), number(e.getSBPTime()),
                                   number(e.getDBP()), number(e.getDBPTime()), number(e.getBPM()),
-                                  QString::number(e.beats().size())});
+                                  QString::number(e.beats().size()),
+                                  number(e.meanArterialPressure())});
 }
 
 QJsonObject AnalyzeCommand::resultObject(const QString &file, CorvidaExperiment &e)
@@ -44,7 +46,10 @@ QJsonObject AnalyzeCommand::resultObject(const QString &file, CorvidaExperiment 
                        {QStringLiteral("DBP"), jsonNumber(e.getDBP())},
                        {QStringLiteral("DBPTime"), jsonNumber(e.getDBPTime())},
                        {QStringLiteral("BPM"), jsonNumber(e.getBPM())},
-                       {QStringLiteral("beats"), int(e.beats().size())}};
+                       {QStringLiteral("beats"), int(e.beats().size())},
+                       {QStringLiteral("MAP"), e.meanArterialPressure() > 0
+                                                   ? QJsonValue(e.meanArterialPressure())
+                                                   : QJsonValue(QJsonValue::Null)}};
 }
 
 int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
@@ -82,6 +87,9 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
         // Reading wrote nothing; from here on only an explicit --save does.
         experiment.setAutoSave(false);
         experiment.recalculate(parser.isSet(reset));
+        // A cycle of a session is judged again on what was found now.
+        if (experiment.isSessionCycle())
+            AcceptanceRules(AcceptanceRules::limitsFrom(*context.settings())).apply(experiment);
         QString error;
         if (parser.isSet(save) && !experiment.saveProperties(&error)) {
             status = context.fail(QStringLiteral("%1: %2").arg(path, error));

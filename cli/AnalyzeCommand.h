@@ -16,7 +16,7 @@ public:
     }
     static int run(const QStringList &arguments, CliContext &context);
 
-    // "file;SBP;SBPTime;DBP;DBPTime;BPM;beats" and one record's line of it.
+    // "file;SBP;SBPTime;DBP;DBPTime;BPM;beats;MAP" and one record's line of it.
     static QString header();
     static QString resultLine(const QString &file, CorvidaExperiment &experiment);
     static QJsonObject resultObject(const QString &file, CorvidaExperiment &experiment);

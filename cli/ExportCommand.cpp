@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "cli/CliContext.h"
+#include "session/SessionCatalog.h"
 #include "storage/RecordExport.h"
 
 #include <QCommandLineParser>
@@ -44,8 +45,12 @@ int ExportCommand::run(const QStringList &arguments, CliContext &context)
         owned.back()->setRecordingPath(edf);
         records << owned.back().get();
     }
+    // Records measured in sessions bring their sessions' results along.
+    const QList<XLSXSheet> extra = SessionCatalog::exportSheets(
+        records, SessionStatistics(SessionStatistics::limitsFrom(*context.settings())));
     QString error;
-    if (RecordExport::write(records, path, filter, &error) != RecordExport::Result::Written)
+    if (RecordExport::write(records, path, filter, &error, {}, extra) !=
+        RecordExport::Result::Written)
         return context.fail(error.isEmpty() ? RecordExport::errorText(path) : error);
     context.out() << path << '\n';
     context.out().flush();

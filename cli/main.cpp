@@ -6,7 +6,10 @@
 #include "cli/MeasureCommand.h"
 #include "cli/PortsCommand.h"
 #include "cli/RecoverCommand.h"
+#include "cli/SessionCommand.h"
+#include "cli/SessionsCommand.h"
 #include "cli/StreamCommand.h"
+#include "cli/VerdictCommand.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
@@ -23,6 +26,13 @@ void printHelp(QTextStream &out)
         << "      list the serial ports and which of them are measuring units\n"
         << "  " << MeasureCommand::usage() << "\n"
         << "      measure once and save the record into the records folder\n"
+        << "  " << SessionCommand::usage() << "\n"
+        << "      a measurement session: acclimation and measurement cycles, accepted or\n"
+        << "      rejected one by one, and the session's mean and spread\n"
+        << "  " << SessionsCommand::usage() << "\n"
+        << "      the sessions of the records folder with their results\n"
+        << "  " << VerdictCommand::usage() << "\n"
+        << "      accept or reject cycles of a session by hand, or leave them to the rules\n"
         << "  " << AnalyzeCommand::usage() << "\n"
         << "      recalculate records and print their results\n"
         << "  " << InfoCommand::usage() << "\n"
@@ -99,6 +109,12 @@ int main(int argc, char *argv[])
         return PortsCommand::run(args, context);
     if (command == QLatin1String("measure"))
         return MeasureCommand::run(args, context);
+    if (command == QLatin1String("session"))
+        return SessionCommand::run(args, context);
+    if (command == QLatin1String("sessions"))
+        return SessionsCommand::run(args, context);
+    if (command == QLatin1String("verdict"))
+        return VerdictCommand::run(args, context);
     if (command == QLatin1String("analyze"))
         return AnalyzeCommand::run(args, context);
     if (command == QLatin1String("info"))

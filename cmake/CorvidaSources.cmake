@@ -1,6 +1,6 @@
 # corvida_core: everything that needs no widgets. Each layer lives in its own folder and the
 # folders are collected here, so adding a class means adding its files, nothing more.
-set(CORVIDA_CORE_DIRS toolkit settings device analysis storage)
+set(CORVIDA_CORE_DIRS toolkit settings device analysis storage session)
 
 set(corvida_core_sources)
 foreach(dir IN LISTS CORVIDA_CORE_DIRS)

@@ -4,6 +4,31 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QHash>
+#include <QMutex>
+
+namespace {
+// Every object of a class has the same class information, and a records folder lists thousands
+// of records: the entries are gathered once per class into a table, instead of being searched
+// name by name for every hint of every setting of every object. As with indexOfClassInfo, an
+// entry of a derived class hides one of the same name in its base.
+QHash<QString, QString> classInfoTable(const QMetaObject *owner)
+{
+    static QMutex mutex;
+    static QHash<const QMetaObject *, QHash<QString, QString>> tables;
+    const QMutexLocker lock(&mutex);
+    auto found = tables.constFind(owner);
+    if (found != tables.constEnd())
+        return *found;
+    QHash<QString, QString> table;
+    for (int i = 0; i < owner->classInfoCount(); ++i) {
+        const QMetaClassInfo info = owner->classInfo(i);
+        table.insert(QString::fromLatin1(info.name()), QString::fromUtf8(info.value()));
+    }
+    tables.insert(owner, table);
+    return table;
+}
+} // namespace
 
 AbstractMetaDescription::AbstractMetaDescription(QObject *parent)
     : QObject(parent)
@@ -73,18 +98,18 @@ void AbstractMetaDescription::readHints(const QMetaObject *owner)
     m_keyIcons.clear();
     if (!owner)
         return;
+    const QHash<QString, QString> table = classInfoTable(owner);
     for (const QString &word : hintWords()) {
-        const int index = owner->indexOfClassInfo((m_name + word).toLatin1().constData());
-        if (index >= 0)
-            m_hints.insert(word, QString::fromUtf8(owner->classInfo(index).value()));
+        const auto found = table.constFind(m_name + word);
+        if (found != table.constEnd())
+            m_hints.insert(word, *found);
     }
     if (m_enumerator.isValid()) {
         for (int i = 0; i < m_enumerator.keyCount(); ++i) {
             const QString key = QString::fromLatin1(m_enumerator.key(i));
-            const int index = owner->indexOfClassInfo(
-                (m_name + QStringLiteral("Icon") + key).toLatin1().constData());
-            if (index >= 0)
-                m_keyIcons.insert(key, QString::fromUtf8(owner->classInfo(index).value()));
+            const auto found = table.constFind(m_name + QStringLiteral("Icon") + key);
+            if (found != table.constEnd())
+                m_keyIcons.insert(key, *found);
         }
     }
 }

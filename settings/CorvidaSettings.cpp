@@ -273,3 +273,164 @@ void CorvidaSettings::resetSaveRawData()
 {
     resetValue(QStringLiteral("SaveRawData"));
 }
+
+void CorvidaSettings::setSessionAcclimationCycles(qint32 SessionAcclimationCycles)
+{
+    assign(m_SessionAcclimationCycles, SessionAcclimationCycles,
+           &CorvidaSettings::changedSessionAcclimationCycles, "SessionAcclimationCycles");
+}
+
+void CorvidaSettings::setSessionMeasurementCycles(qint32 SessionMeasurementCycles)
+{
+    assign(m_SessionMeasurementCycles, SessionMeasurementCycles,
+           &CorvidaSettings::changedSessionMeasurementCycles, "SessionMeasurementCycles");
+}
+
+void CorvidaSettings::setSessionInterval(double SessionInterval)
+{
+    assign(m_SessionInterval, SessionInterval, &CorvidaSettings::changedSessionInterval,
+           "SessionInterval");
+}
+
+void CorvidaSettings::setSessionPulseWait(double SessionPulseWait)
+{
+    assign(m_SessionPulseWait, SessionPulseWait, &CorvidaSettings::changedSessionPulseWait,
+           "SessionPulseWait");
+}
+
+void CorvidaSettings::setSessionPulseAmplitude(double SessionPulseAmplitude)
+{
+    assign(m_SessionPulseAmplitude, SessionPulseAmplitude,
+           &CorvidaSettings::changedSessionPulseAmplitude, "SessionPulseAmplitude");
+}
+
+void CorvidaSettings::setSessionHeartRateMin(double SessionHeartRateMin)
+{
+    assign(m_SessionHeartRateMin, SessionHeartRateMin, &CorvidaSettings::changedSessionHeartRateMin,
+           "SessionHeartRateMin");
+}
+
+void CorvidaSettings::setSessionHeartRateMax(double SessionHeartRateMax)
+{
+    assign(m_SessionHeartRateMax, SessionHeartRateMax, &CorvidaSettings::changedSessionHeartRateMax,
+           "SessionHeartRateMax");
+}
+
+void CorvidaSettings::setSessionSBPMin(double SessionSBPMin)
+{
+    assign(m_SessionSBPMin, SessionSBPMin, &CorvidaSettings::changedSessionSBPMin, "SessionSBPMin");
+}
+
+void CorvidaSettings::setSessionSBPMax(double SessionSBPMax)
+{
+    assign(m_SessionSBPMax, SessionSBPMax, &CorvidaSettings::changedSessionSBPMax, "SessionSBPMax");
+}
+
+void CorvidaSettings::setSessionDBPMin(double SessionDBPMin)
+{
+    assign(m_SessionDBPMin, SessionDBPMin, &CorvidaSettings::changedSessionDBPMin, "SessionDBPMin");
+}
+
+void CorvidaSettings::setSessionDBPMax(double SessionDBPMax)
+{
+    assign(m_SessionDBPMax, SessionDBPMax, &CorvidaSettings::changedSessionDBPMax, "SessionDBPMax");
+}
+
+void CorvidaSettings::setSessionPulsePressureMin(double SessionPulsePressureMin)
+{
+    assign(m_SessionPulsePressureMin, SessionPulsePressureMin,
+           &CorvidaSettings::changedSessionPulsePressureMin, "SessionPulsePressureMin");
+}
+
+void CorvidaSettings::setSessionIrregularBeatsMax(double SessionIrregularBeatsMax)
+{
+    assign(m_SessionIrregularBeatsMax, SessionIrregularBeatsMax,
+           &CorvidaSettings::changedSessionIrregularBeatsMax, "SessionIrregularBeatsMax");
+}
+
+void CorvidaSettings::setSessionMinAccepted(qint32 SessionMinAccepted)
+{
+    assign(m_SessionMinAccepted, SessionMinAccepted, &CorvidaSettings::changedSessionMinAccepted,
+           "SessionMinAccepted");
+}
+
+void CorvidaSettings::setSessionSBPSDMax(double SessionSBPSDMax)
+{
+    assign(m_SessionSBPSDMax, SessionSBPSDMax, &CorvidaSettings::changedSessionSBPSDMax,
+           "SessionSBPSDMax");
+}
+
+void CorvidaSettings::resetSessionAcclimationCycles()
+{
+    resetValue(QStringLiteral("SessionAcclimationCycles"));
+}
+
+void CorvidaSettings::resetSessionMeasurementCycles()
+{
+    resetValue(QStringLiteral("SessionMeasurementCycles"));
+}
+
+void CorvidaSettings::resetSessionInterval()
+{
+    resetValue(QStringLiteral("SessionInterval"));
+}
+
+void CorvidaSettings::resetSessionPulseWait()
+{
+    resetValue(QStringLiteral("SessionPulseWait"));
+}
+
+void CorvidaSettings::resetSessionPulseAmplitude()
+{
+    resetValue(QStringLiteral("SessionPulseAmplitude"));
+}
+
+void CorvidaSettings::resetSessionHeartRateMin()
+{
+    resetValue(QStringLiteral("SessionHeartRateMin"));
+}
+
+void CorvidaSettings::resetSessionHeartRateMax()
+{
+    resetValue(QStringLiteral("SessionHeartRateMax"));
+}
+
+void CorvidaSettings::resetSessionSBPMin()
+{
+    resetValue(QStringLiteral("SessionSBPMin"));
+}
+
+void CorvidaSettings::resetSessionSBPMax()
+{
+    resetValue(QStringLiteral("SessionSBPMax"));
+}
+
+void CorvidaSettings::resetSessionDBPMin()
+{
+    resetValue(QStringLiteral("SessionDBPMin"));
+}
+
+void CorvidaSettings::resetSessionDBPMax()
+{
+    resetValue(QStringLiteral("SessionDBPMax"));
+}
+
+void CorvidaSettings::resetSessionPulsePressureMin()
+{
+    resetValue(QStringLiteral("SessionPulsePressureMin"));
+}
+
+void CorvidaSettings::resetSessionIrregularBeatsMax()
+{
+    resetValue(QStringLiteral("SessionIrregularBeatsMax"));
+}
+
+void CorvidaSettings::resetSessionMinAccepted()
+{
+    resetValue(QStringLiteral("SessionMinAccepted"));
+}
+
+void CorvidaSettings::resetSessionSBPSDMax()
+{
+    resetValue(QStringLiteral("SessionSBPSDMax"));
+}

@@ -190,6 +190,131 @@ public:
     Q_CLASSINFO("SaveRawDataVisibleBound", "DebugMode:true")
     Q_CLASSINFO("SaveRawDataDefault", "false")
 
+    // Measurement sessions: how many cycles, how long between them, when a cycle is accepted and
+    // when a session's spread is too large. Their meaning is in the manual's "Sessions" section.
+    Q_PROPERTY(qint32 SessionAcclimationCycles READ getSessionAcclimationCycles WRITE
+                   setSessionAcclimationCycles RESET resetSessionAcclimationCycles NOTIFY
+                       changedSessionAcclimationCycles)
+    Q_CLASSINFO("SessionAcclimationCyclesEditable", "true")
+    Q_CLASSINFO("SessionAcclimationCyclesDefault", "5")
+    Q_CLASSINFO("SessionAcclimationCyclesMinimum", "0")
+    Q_CLASSINFO("SessionAcclimationCyclesMaximum", "50")
+    Q_CLASSINFO("SessionAcclimationCyclesStep", "1")
+    Q_PROPERTY(qint32 SessionMeasurementCycles READ getSessionMeasurementCycles WRITE
+                   setSessionMeasurementCycles RESET resetSessionMeasurementCycles NOTIFY
+                       changedSessionMeasurementCycles)
+    Q_CLASSINFO("SessionMeasurementCyclesEditable", "true")
+    Q_CLASSINFO("SessionMeasurementCyclesDefault", "10")
+    Q_CLASSINFO("SessionMeasurementCyclesMinimum", "1")
+    Q_CLASSINFO("SessionMeasurementCyclesMaximum", "100")
+    Q_CLASSINFO("SessionMeasurementCyclesStep", "1")
+    Q_PROPERTY(double SessionInterval READ getSessionInterval WRITE setSessionInterval RESET
+                   resetSessionInterval NOTIFY changedSessionInterval)
+    Q_CLASSINFO("SessionIntervalEditable", "true")
+    Q_CLASSINFO("SessionIntervalDefault", "10")
+    Q_CLASSINFO("SessionIntervalMinimum", "0")
+    Q_CLASSINFO("SessionIntervalMaximum", "600")
+    Q_CLASSINFO("SessionIntervalStep", "1")
+    Q_CLASSINFO("SessionIntervalPrecision", "0")
+    Q_PROPERTY(double SessionPulseWait READ getSessionPulseWait WRITE setSessionPulseWait RESET
+                   resetSessionPulseWait NOTIFY changedSessionPulseWait)
+    Q_CLASSINFO("SessionPulseWaitEditable", "true")
+    Q_CLASSINFO("SessionPulseWaitDefault", "60")
+    Q_CLASSINFO("SessionPulseWaitMinimum", "0")
+    Q_CLASSINFO("SessionPulseWaitMaximum", "600")
+    Q_CLASSINFO("SessionPulseWaitStep", "5")
+    Q_CLASSINFO("SessionPulseWaitPrecision", "0")
+    Q_PROPERTY(
+        double SessionPulseAmplitude READ getSessionPulseAmplitude WRITE setSessionPulseAmplitude
+            RESET resetSessionPulseAmplitude NOTIFY changedSessionPulseAmplitude)
+    Q_CLASSINFO("SessionPulseAmplitudeEditable", "true")
+    Q_CLASSINFO("SessionPulseAmplitudeDefault", "0.02")
+    Q_CLASSINFO("SessionPulseAmplitudeMinimum", "0")
+    Q_CLASSINFO("SessionPulseAmplitudeMaximum", "1")
+    Q_CLASSINFO("SessionPulseAmplitudeStep", "0.01")
+    Q_CLASSINFO("SessionPulseAmplitudePrecision", "3")
+    Q_PROPERTY(double SessionHeartRateMin READ getSessionHeartRateMin WRITE setSessionHeartRateMin
+                   RESET resetSessionHeartRateMin NOTIFY changedSessionHeartRateMin)
+    Q_CLASSINFO("SessionHeartRateMinEditable", "true")
+    Q_CLASSINFO("SessionHeartRateMinDefault", "250")
+    Q_CLASSINFO("SessionHeartRateMinMinimum", "100")
+    Q_CLASSINFO("SessionHeartRateMinMaximum", "900")
+    Q_CLASSINFO("SessionHeartRateMinStep", "10")
+    Q_CLASSINFO("SessionHeartRateMinPrecision", "0")
+    Q_PROPERTY(double SessionHeartRateMax READ getSessionHeartRateMax WRITE setSessionHeartRateMax
+                   RESET resetSessionHeartRateMax NOTIFY changedSessionHeartRateMax)
+    Q_CLASSINFO("SessionHeartRateMaxEditable", "true")
+    Q_CLASSINFO("SessionHeartRateMaxDefault", "750")
+    Q_CLASSINFO("SessionHeartRateMaxMinimum", "100")
+    Q_CLASSINFO("SessionHeartRateMaxMaximum", "900")
+    Q_CLASSINFO("SessionHeartRateMaxStep", "10")
+    Q_CLASSINFO("SessionHeartRateMaxPrecision", "0")
+    Q_PROPERTY(double SessionSBPMin READ getSessionSBPMin WRITE setSessionSBPMin RESET
+                   resetSessionSBPMin NOTIFY changedSessionSBPMin)
+    Q_CLASSINFO("SessionSBPMinEditable", "true")
+    Q_CLASSINFO("SessionSBPMinDefault", "60")
+    Q_CLASSINFO("SessionSBPMinMinimum", "0")
+    Q_CLASSINFO("SessionSBPMinMaximum", "300")
+    Q_CLASSINFO("SessionSBPMinStep", "5")
+    Q_CLASSINFO("SessionSBPMinPrecision", "0")
+    Q_PROPERTY(double SessionSBPMax READ getSessionSBPMax WRITE setSessionSBPMax RESET
+                   resetSessionSBPMax NOTIFY changedSessionSBPMax)
+    Q_CLASSINFO("SessionSBPMaxEditable", "true")
+    Q_CLASSINFO("SessionSBPMaxDefault", "250")
+    Q_CLASSINFO("SessionSBPMaxMinimum", "0")
+    Q_CLASSINFO("SessionSBPMaxMaximum", "300")
+    Q_CLASSINFO("SessionSBPMaxStep", "5")
+    Q_CLASSINFO("SessionSBPMaxPrecision", "0")
+    Q_PROPERTY(double SessionDBPMin READ getSessionDBPMin WRITE setSessionDBPMin RESET
+                   resetSessionDBPMin NOTIFY changedSessionDBPMin)
+    Q_CLASSINFO("SessionDBPMinEditable", "true")
+    Q_CLASSINFO("SessionDBPMinDefault", "30")
+    Q_CLASSINFO("SessionDBPMinMinimum", "0")
+    Q_CLASSINFO("SessionDBPMinMaximum", "300")
+    Q_CLASSINFO("SessionDBPMinStep", "5")
+    Q_CLASSINFO("SessionDBPMinPrecision", "0")
+    Q_PROPERTY(double SessionDBPMax READ getSessionDBPMax WRITE setSessionDBPMax RESET
+                   resetSessionDBPMax NOTIFY changedSessionDBPMax)
+    Q_CLASSINFO("SessionDBPMaxEditable", "true")
+    Q_CLASSINFO("SessionDBPMaxDefault", "200")
+    Q_CLASSINFO("SessionDBPMaxMinimum", "0")
+    Q_CLASSINFO("SessionDBPMaxMaximum", "300")
+    Q_CLASSINFO("SessionDBPMaxStep", "5")
+    Q_CLASSINFO("SessionDBPMaxPrecision", "0")
+    Q_PROPERTY(double SessionPulsePressureMin READ getSessionPulsePressureMin WRITE
+                   setSessionPulsePressureMin RESET resetSessionPulsePressureMin NOTIFY
+                       changedSessionPulsePressureMin)
+    Q_CLASSINFO("SessionPulsePressureMinEditable", "true")
+    Q_CLASSINFO("SessionPulsePressureMinDefault", "10")
+    Q_CLASSINFO("SessionPulsePressureMinMinimum", "0")
+    Q_CLASSINFO("SessionPulsePressureMinMaximum", "100")
+    Q_CLASSINFO("SessionPulsePressureMinStep", "1")
+    Q_CLASSINFO("SessionPulsePressureMinPrecision", "0")
+    Q_PROPERTY(double SessionIrregularBeatsMax READ getSessionIrregularBeatsMax WRITE
+                   setSessionIrregularBeatsMax RESET resetSessionIrregularBeatsMax NOTIFY
+                       changedSessionIrregularBeatsMax)
+    Q_CLASSINFO("SessionIrregularBeatsMaxEditable", "true")
+    Q_CLASSINFO("SessionIrregularBeatsMaxDefault", "25")
+    Q_CLASSINFO("SessionIrregularBeatsMaxMinimum", "0")
+    Q_CLASSINFO("SessionIrregularBeatsMaxMaximum", "100")
+    Q_CLASSINFO("SessionIrregularBeatsMaxStep", "5")
+    Q_CLASSINFO("SessionIrregularBeatsMaxPrecision", "0")
+    Q_PROPERTY(qint32 SessionMinAccepted READ getSessionMinAccepted WRITE setSessionMinAccepted
+                   RESET resetSessionMinAccepted NOTIFY changedSessionMinAccepted)
+    Q_CLASSINFO("SessionMinAcceptedEditable", "true")
+    Q_CLASSINFO("SessionMinAcceptedDefault", "5")
+    Q_CLASSINFO("SessionMinAcceptedMinimum", "1")
+    Q_CLASSINFO("SessionMinAcceptedMaximum", "100")
+    Q_CLASSINFO("SessionMinAcceptedStep", "1")
+    Q_PROPERTY(double SessionSBPSDMax READ getSessionSBPSDMax WRITE setSessionSBPSDMax RESET
+                   resetSessionSBPSDMax NOTIFY changedSessionSBPSDMax)
+    Q_CLASSINFO("SessionSBPSDMaxEditable", "true")
+    Q_CLASSINFO("SessionSBPSDMaxDefault", "10")
+    Q_CLASSINFO("SessionSBPSDMaxMinimum", "0")
+    Q_CLASSINFO("SessionSBPSDMaxMaximum", "100")
+    Q_CLASSINFO("SessionSBPSDMaxStep", "1")
+    Q_CLASSINFO("SessionSBPSDMaxPrecision", "1")
+
 public:
     // Takes the defaults, then reads the file (when the path is not empty).
     explicit CorvidaSettings(const QString &filePath = QString(), QObject *parent = nullptr);
@@ -224,6 +349,21 @@ public:
     qint32 getUseVirtualCorvida() const { return m_UseVirtualCorvida; }
     bool getShowDisconnectedDevices() const { return m_ShowDisconnectedDevices; }
     bool getSaveRawData() const { return m_SaveRawData; }
+    qint32 getSessionAcclimationCycles() const { return m_SessionAcclimationCycles; }
+    qint32 getSessionMeasurementCycles() const { return m_SessionMeasurementCycles; }
+    double getSessionInterval() const { return m_SessionInterval; }
+    double getSessionPulseWait() const { return m_SessionPulseWait; }
+    double getSessionPulseAmplitude() const { return m_SessionPulseAmplitude; }
+    double getSessionHeartRateMin() const { return m_SessionHeartRateMin; }
+    double getSessionHeartRateMax() const { return m_SessionHeartRateMax; }
+    double getSessionSBPMin() const { return m_SessionSBPMin; }
+    double getSessionSBPMax() const { return m_SessionSBPMax; }
+    double getSessionDBPMin() const { return m_SessionDBPMin; }
+    double getSessionDBPMax() const { return m_SessionDBPMax; }
+    double getSessionPulsePressureMin() const { return m_SessionPulsePressureMin; }
+    double getSessionIrregularBeatsMax() const { return m_SessionIrregularBeatsMax; }
+    qint32 getSessionMinAccepted() const { return m_SessionMinAccepted; }
+    double getSessionSBPSDMax() const { return m_SessionSBPSDMax; }
 
 public slots:
     void setLanguage(CorvidaSettings::CorvidaLanguage Language);
@@ -247,6 +387,21 @@ public slots:
     void setUseVirtualCorvida(qint32 UseVirtualCorvida);
     void setShowDisconnectedDevices(bool ShowDisconnectedDevices);
     void setSaveRawData(bool SaveRawData);
+    void setSessionAcclimationCycles(qint32 SessionAcclimationCycles);
+    void setSessionMeasurementCycles(qint32 SessionMeasurementCycles);
+    void setSessionInterval(double SessionInterval);
+    void setSessionPulseWait(double SessionPulseWait);
+    void setSessionPulseAmplitude(double SessionPulseAmplitude);
+    void setSessionHeartRateMin(double SessionHeartRateMin);
+    void setSessionHeartRateMax(double SessionHeartRateMax);
+    void setSessionSBPMin(double SessionSBPMin);
+    void setSessionSBPMax(double SessionSBPMax);
+    void setSessionDBPMin(double SessionDBPMin);
+    void setSessionDBPMax(double SessionDBPMax);
+    void setSessionPulsePressureMin(double SessionPulsePressureMin);
+    void setSessionIrregularBeatsMax(double SessionIrregularBeatsMax);
+    void setSessionMinAccepted(qint32 SessionMinAccepted);
+    void setSessionSBPSDMax(double SessionSBPSDMax);
 
     void resetLanguage();
     void resetColorTheme();
@@ -269,6 +424,21 @@ public slots:
     void resetUseVirtualCorvida();
     void resetShowDisconnectedDevices();
     void resetSaveRawData();
+    void resetSessionAcclimationCycles();
+    void resetSessionMeasurementCycles();
+    void resetSessionInterval();
+    void resetSessionPulseWait();
+    void resetSessionPulseAmplitude();
+    void resetSessionHeartRateMin();
+    void resetSessionHeartRateMax();
+    void resetSessionSBPMin();
+    void resetSessionSBPMax();
+    void resetSessionDBPMin();
+    void resetSessionDBPMax();
+    void resetSessionPulsePressureMin();
+    void resetSessionIrregularBeatsMax();
+    void resetSessionMinAccepted();
+    void resetSessionSBPSDMax();
 
 signals:
     void changedLanguage(CorvidaSettings::CorvidaLanguage Language);
@@ -292,6 +462,21 @@ signals:
     void changedUseVirtualCorvida(qint32 UseVirtualCorvida);
     void changedShowDisconnectedDevices(bool ShowDisconnectedDevices);
     void changedSaveRawData(bool SaveRawData);
+    void changedSessionAcclimationCycles(qint32 SessionAcclimationCycles);
+    void changedSessionMeasurementCycles(qint32 SessionMeasurementCycles);
+    void changedSessionInterval(double SessionInterval);
+    void changedSessionPulseWait(double SessionPulseWait);
+    void changedSessionPulseAmplitude(double SessionPulseAmplitude);
+    void changedSessionHeartRateMin(double SessionHeartRateMin);
+    void changedSessionHeartRateMax(double SessionHeartRateMax);
+    void changedSessionSBPMin(double SessionSBPMin);
+    void changedSessionSBPMax(double SessionSBPMax);
+    void changedSessionDBPMin(double SessionDBPMin);
+    void changedSessionDBPMax(double SessionDBPMax);
+    void changedSessionPulsePressureMin(double SessionPulsePressureMin);
+    void changedSessionIrregularBeatsMax(double SessionIrregularBeatsMax);
+    void changedSessionMinAccepted(qint32 SessionMinAccepted);
+    void changedSessionSBPSDMax(double SessionSBPSDMax);
 
 private:
     // The one setter pattern: compare, store, announce, hand the name to the store.
@@ -319,4 +504,19 @@ private:
     qint32 m_UseVirtualCorvida = 0;
     bool m_ShowDisconnectedDevices = false;
     bool m_SaveRawData = false;
+    qint32 m_SessionAcclimationCycles = 5;
+    qint32 m_SessionMeasurementCycles = 10;
+    double m_SessionInterval = 10.0;
+    double m_SessionPulseWait = 60.0;
+    double m_SessionPulseAmplitude = 0.02;
+    double m_SessionHeartRateMin = 250.0;
+    double m_SessionHeartRateMax = 750.0;
+    double m_SessionSBPMin = 60.0;
+    double m_SessionSBPMax = 250.0;
+    double m_SessionDBPMin = 30.0;
+    double m_SessionDBPMax = 200.0;
+    double m_SessionPulsePressureMin = 10.0;
+    double m_SessionIrregularBeatsMax = 25.0;
+    qint32 m_SessionMinAccepted = 5;
+    double m_SessionSBPSDMax = 10.0;
 };

@@ -185,7 +185,8 @@ XLSXTable RecordExport::recordTable(CorvidaExperiment *record, Content content)
 
 RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &records,
                                          const QString &path, const QString &filter, QString *error,
-                                         const Progress &progress)
+                                         const Progress &progress,
+                                         const QList<XLSXSheet> &extraSheets)
 {
     if (records.isEmpty()) {
         if (error)
@@ -201,7 +202,12 @@ RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &recor
             *table = summaryTable(records);
             return true;
         }
-        const int r = several ? index - 1 : index;
+        const int extra = index - (several ? 1 : 0);
+        if (extra < extraSheets.size()) {
+            *table = extraSheets[extra].second;
+            return true;
+        }
+        const int r = extra - int(extraSheets.size());
         if (progress && !progress(r, total)) {
             cancelled = true;
             return false;
@@ -211,7 +217,9 @@ RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &recor
     };
 
     QString detail;
-    const QStringList names = sheetNames(records);
+    QStringList names = sheetNames(records);
+    for (qsizetype i = 0; i < extraSheets.size(); ++i)
+        names.insert((several ? 1 : 0) + i, extraSheets[i].first);
     const bool ok = isCsvFilter(filter)
                         ? XLSXHelper::dataToCSV(names, source, path, QStringLiteral(";"),
                                                 QStringLiteral("\r\n"), &detail)

@@ -64,9 +64,10 @@ public:
     // Writes the records, in the order given, to `path` in the format and content of `filter`.
     // On failure `error` gets the message to show and no file is left under `path` (an older
     // file there stays as it was); a cancelled export leaves nothing either.
+    // `extraSheets` (the sessions of the records, say) come after "Summary", before the records.
     static Result write(const QList<CorvidaExperiment *> &records, const QString &path,
                         const QString &filter, QString *error = nullptr,
-                        const Progress &progress = {});
+                        const Progress &progress = {}, const QList<XLSXSheet> &extraSheets = {});
     static QString errorText(const QString &path);
 
     // What the "ExportBehavior" setting asks for after a successful export.

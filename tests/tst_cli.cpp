@@ -344,10 +344,14 @@ private slots:
         Result r = cli(dir.path(), {"analyze", "--reset", edf});
         QCOMPARE(r.status, 0);
         const QStringList fields = resultFields(r);
-        QCOMPARE(fields.size(), 7);
+        QCOMPARE(fields.size(), 8);
         QCOMPARE(fields[0], edf);
         QVERIFY(std::fabs(fields[1].toDouble() - 120.0) < 3.0); // the pulse comes back at 120 mmHg
         QVERIFY(std::fabs(fields[5].toDouble() - 450.0) < 5.0);
+        // MAP is worked out from the two pressures printed beside it.
+        QVERIFY(std::fabs(fields[7].toDouble() -
+                          (fields[3].toDouble() +
+                           (fields[1].toDouble() - fields[3].toDouble()) / 3.0)) < 1e-6);
         const double automatic = fields[2].toDouble();
         QVERIFY(automatic != 9.0 && automatic >= 4.0);
         QCOMPARE(RecordFiles::readAll(exp), before);
@@ -606,7 +610,7 @@ private slots:
         const QByteArray text = RecordFiles::readAll(csv);
         QVERIFY(text.startsWith("\xEF\xBB\xBF"));
         QVERIFY(text.contains("Sampling rate;1000;\r\n"));
-        QCOMPARE(text.count("\r\n"), 1 + 5 + 3 + 20000 + 1); // name, results, header rows, samples
+        QCOMPARE(text.count("\r\n"), 1 + 6 + 3 + 20000 + 1); // name, results, header rows, samples
         r = cli(dir.path(),
                 {"export", "--essential", "--out", dir.filePath("no/dir/out.xlsx"), edf});
         QCOMPARE(r.status, 1);

@@ -122,10 +122,12 @@ private slots:
         QCOMPARE(window.currentPage(), records);
         QCOMPARE(records->currentRecordPath(), edf);
         QCOMPARE(cell(records, RecordDatabase::RodentColumn), QStringLiteral("Rat 12"));
+        const double shownDBP = panel->experiment()->getDBP();
         QCOMPARE(cell(records, RecordDatabase::PressureColumn),
-                 QStringLiteral("%1/%2")
+                 QStringLiteral("%1/%2 (%3)")
                      .arg(qRound(automaticSBP))
-                     .arg(qRound(panel->experiment()->getDBP())));
+                     .arg(qRound(shownDBP))
+                     .arg(qRound(shownDBP + (automaticSBP - shownDBP) / 3.0)));
         CorvidaExperiment *record = records->selectedRecords().value(0);
         QVERIFY(record);
 

@@ -2,6 +2,8 @@
 
 #include "analysis/CorvidaExperiment.h"
 #include "device/CorvidaModel.h"
+#include "session/SessionCatalog.h"
+#include "session/SessionVerdictKeeper.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/RecordDatabase.h"
 #include "storage/RecordExport.h"
@@ -63,6 +65,8 @@ PageDatabase::PageDatabase(QWidget *parent)
     CorvidaModel *app = CorvidaModel::instance();
     m_settings = app ? app->settings() : nullptr;
     m_database = new RecordDatabase(app ? app->recordsFolder() : QString(), m_settings, this);
+    // A session cycle whose marker is moved here is judged again.
+    new SessionVerdictKeeper(m_database, m_settings, this);
     m_model = new RecordTableModel(m_database, this);
     m_connections << connect(
         m_model, &RecordTableModel::saveFailed, this,
@@ -423,7 +427,11 @@ void PageDatabase::exportSelected()
     RecordExport::Result result;
     {
         WorkProgress progress(this, tr("Exporting records"));
-        result = RecordExport::write(records, path, filter, &error, progress.callback());
+        // Records measured in sessions bring their sessions' results along.
+        const SessionStatistics statistics(m_settings ? SessionStatistics::limitsFrom(*m_settings)
+                                                      : SessionStatistics::Limits());
+        result = RecordExport::write(records, path, filter, &error, progress.callback(),
+                                     SessionCatalog::exportSheets(records, statistics));
     }
     if (result == RecordExport::Result::Failed) {
         warn(tr("Export"), error);

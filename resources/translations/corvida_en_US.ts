@@ -248,6 +248,66 @@
         <translation>Save raw data</translation>
     </message>
     <message>
+        <source>SessionAcclimationCycles</source>
+        <translation>Session: acclimation cycles</translation>
+    </message>
+    <message>
+        <source>SessionMeasurementCycles</source>
+        <translation>Session: measurement cycles</translation>
+    </message>
+    <message>
+        <source>SessionInterval</source>
+        <translation>Session: pause between cycles, s</translation>
+    </message>
+    <message>
+        <source>SessionPulseWait</source>
+        <translation>Session: wait for a pulse, s</translation>
+    </message>
+    <message>
+        <source>SessionPulseAmplitude</source>
+        <translation>Session: least pulse height</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMin</source>
+        <translation>Accept: lowest heart rate, bpm</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMax</source>
+        <translation>Accept: highest heart rate, bpm</translation>
+    </message>
+    <message>
+        <source>SessionSBPMin</source>
+        <translation>Accept: lowest SBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionSBPMax</source>
+        <translation>Accept: highest SBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionDBPMin</source>
+        <translation>Accept: lowest DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionDBPMax</source>
+        <translation>Accept: highest DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionPulsePressureMin</source>
+        <translation>Accept: least SBP − DBP, mmHg</translation>
+    </message>
+    <message>
+        <source>SessionIrregularBeatsMax</source>
+        <translation>Accept: most irregular beats, %</translation>
+    </message>
+    <message>
+        <source>SessionMinAccepted</source>
+        <translation>Session: least accepted cycles</translation>
+    </message>
+    <message>
+        <source>SessionSBPSDMax</source>
+        <translation>Session: largest SD of SBP, mmHg</translation>
+    </message>
+    <message>
         <source>en_US</source>
         <translation>English</translation>
     </message>
@@ -423,6 +483,34 @@
 </context>
 <context>
     <name>Generic</name>
+    <message>
+        <source>MAP</source>
+        <translation>MAP</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Cycle</translation>
+    </message>
+    <message>
+        <source>Acclimation</source>
+        <translation>Acclimation</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Accepted</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Reason</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Yes</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>No</translation>
+    </message>
     <message>
         <source>New version</source>
         <translation type="unfinished"></translation>
@@ -914,6 +1002,141 @@ Continue?</source>
     <message>
         <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
         <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>AcceptanceRules</name>
+    <message>
+        <source>No pulse before inflation</source>
+        <translation>No pulse before inflation</translation>
+    </message>
+    <message>
+        <source>No systolic point found</source>
+        <translation>No systolic point found</translation>
+    </message>
+    <message>
+        <source>No diastolic point found</source>
+        <translation>No diastolic point found</translation>
+    </message>
+    <message>
+        <source>No heart rate found</source>
+        <translation>No heart rate found</translation>
+    </message>
+    <message>
+        <source>Heart rate %1 bpm outside %2 to %3</source>
+        <translation>Heart rate %1 bpm outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg outside %2 to %3</source>
+        <translation>SBP %1 mmHg outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>DBP %1 mmHg outside %2 to %3</source>
+        <translation>DBP %1 mmHg outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
+        <translation>SBP only %1 mmHg above DBP (at least %2 needed)</translation>
+    </message>
+    <message>
+        <source>Irregular beats (%1 %), the animal probably moved</source>
+        <translation>Irregular beats (%1 %), the animal probably moved</translation>
+    </message>
+</context>
+<context>
+    <name>CorvidaExperiment</name>
+    <message>
+        <source>Accepted by the operator</source>
+        <translation>Accepted by the operator</translation>
+    </message>
+    <message>
+        <source>Rejected by the operator</source>
+        <translation>Rejected by the operator</translation>
+    </message>
+</context>
+<context>
+    <name>SessionCatalog</name>
+    <message>
+        <source>Sessions</source>
+        <translation>Sessions</translation>
+    </message>
+    <message>
+        <source>SD</source>
+        <translation>SD</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>MAP</translation>
+    </message>
+    <message>
+        <source>Heart rate</source>
+        <translation>Heart rate</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Unit</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Accepted</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Flag</translation>
+    </message>
+</context>
+<context>
+    <name>SessionRun</name>
+    <message>
+        <source>Session aborted during cycle %1; that cycle is not kept</source>
+        <translation>Session aborted during cycle %1; that cycle is not kept</translation>
+    </message>
+    <message>
+        <source>Session aborted after %1 cycles</source>
+        <translation>Session aborted after %1 cycles</translation>
+    </message>
+    <message>
+        <source>The unit was lost; the session is incomplete</source>
+        <translation>The unit was lost; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>The unit stopped sending; the session is incomplete</source>
+        <translation>The unit stopped sending; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>The unit did not start cycle %1; the session is incomplete</source>
+        <translation>The unit did not start cycle %1; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
+        <translation>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
+        <translation>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</translation>
+    </message>
+    <message>
+        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
+        <translation>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStatistics</name>
+    <message>
+        <source>Incomplete: %1 of %2 cycles measured</source>
+        <translation>Incomplete: %1 of %2 cycles measured</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
+        <translation>Only %1 of %2 cycles accepted (at least %3 needed)</translation>
+    </message>
+    <message>
+        <source>SD of SBP %1 mmHg above %2</source>
+        <translation>SD of SBP %1 mmHg above %2</translation>
     </message>
 </context>
 </TS>

@@ -248,6 +248,66 @@
         <translation>Сохранять сырые данные</translation>
     </message>
     <message>
+        <source>SessionAcclimationCycles</source>
+        <translation>Сеанс: циклы привыкания</translation>
+    </message>
+    <message>
+        <source>SessionMeasurementCycles</source>
+        <translation>Сеанс: измерительные циклы</translation>
+    </message>
+    <message>
+        <source>SessionInterval</source>
+        <translation>Сеанс: пауза между циклами, с</translation>
+    </message>
+    <message>
+        <source>SessionPulseWait</source>
+        <translation>Сеанс: ожидание пульса, с</translation>
+    </message>
+    <message>
+        <source>SessionPulseAmplitude</source>
+        <translation>Сеанс: наименьшая высота пульса</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMin</source>
+        <translation>Принять: наименьший пульс, уд/мин</translation>
+    </message>
+    <message>
+        <source>SessionHeartRateMax</source>
+        <translation>Принять: наибольший пульс, уд/мин</translation>
+    </message>
+    <message>
+        <source>SessionSBPMin</source>
+        <translation>Принять: наименьшее САД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionSBPMax</source>
+        <translation>Принять: наибольшее САД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionDBPMin</source>
+        <translation>Принять: наименьшее ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionDBPMax</source>
+        <translation>Принять: наибольшее ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionPulsePressureMin</source>
+        <translation>Принять: наименьшая разница САД − ДАД, мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>SessionIrregularBeatsMax</source>
+        <translation>Принять: наибольшая доля неровных ударов, %</translation>
+    </message>
+    <message>
+        <source>SessionMinAccepted</source>
+        <translation>Сеанс: наименьшее число принятых циклов</translation>
+    </message>
+    <message>
+        <source>SessionSBPSDMax</source>
+        <translation>Сеанс: наибольшее СО САД, мм рт. ст.</translation>
+    </message>
+    <message>
         <source>en_US</source>
         <translation>English</translation>
     </message>
@@ -423,6 +483,34 @@
 </context>
 <context>
     <name>Generic</name>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>Acclimation</source>
+        <translation>Привыкание</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принят</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Причина</translation>
+    </message>
+    <message>
+        <source>Yes</source>
+        <translation>Да</translation>
+    </message>
+    <message>
+        <source>No</source>
+        <translation>Нет</translation>
+    </message>
     <message>
         <source>New version</source>
         <translation>Новая версия</translation>
@@ -976,6 +1064,138 @@ Continue?</source>
     <message>
         <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
         <translation>Не удаётся сохранить настройки в %1. Изменения, сделанные сейчас, будут потеряны при закрытии Corvida. Проверьте, что диск не заполнен и в папку разрешено писать.</translation>
+    <name>AcceptanceRules</name>
+    <message>
+        <source>No pulse before inflation</source>
+        <translation>Нет пульса перед накачкой</translation>
+    </message>
+    <message>
+        <source>No systolic point found</source>
+        <translation>Систолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>No diastolic point found</source>
+        <translation>Диастолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>No heart rate found</source>
+        <translation>Пульс не найден</translation>
+    </message>
+    <message>
+        <source>Heart rate %1 bpm outside %2 to %3</source>
+        <translation>Пульс %1 уд/мин вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg outside %2 to %3</source>
+        <translation>САД %1 мм рт. ст. вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>DBP %1 mmHg outside %2 to %3</source>
+        <translation>ДАД %1 мм рт. ст. вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
+        <translation>САД выше ДАД лишь на %1 мм рт. ст. (нужно не меньше %2)</translation>
+    </message>
+    <message>
+        <source>Irregular beats (%1 %), the animal probably moved</source>
+        <translation>Неровные удары (%1 %), животное, вероятно, двигалось</translation>
+    </message>
+</context>
+<context>
+    <name>CorvidaExperiment</name>
+    <message>
+        <source>Accepted by the operator</source>
+        <translation>Принят оператором</translation>
+    </message>
+    <message>
+        <source>Rejected by the operator</source>
+        <translation>Отклонён оператором</translation>
+    </message>
+</context>
+<context>
+    <name>SessionCatalog</name>
+    <message>
+        <source>Sessions</source>
+        <translation>Сеансы</translation>
+    </message>
+    <message>
+        <source>SD</source>
+        <translation>СО</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>Heart rate</source>
+        <translation>Пульс</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Отметка</translation>
+    </message>
+</context>
+<context>
+    <name>SessionRun</name>
+    <message>
+        <source>Session aborted during cycle %1; that cycle is not kept</source>
+        <translation>Сеанс прерван во время цикла %1; этот цикл не сохранён</translation>
+    </message>
+    <message>
+        <source>Session aborted after %1 cycles</source>
+        <translation>Сеанс прерван после %1 циклов</translation>
+    </message>
+    <message>
+        <source>The unit was lost; the session is incomplete</source>
+        <translation>Связь с прибором потеряна; сеанс не завершён</translation>
+    </message>
+    <message>
+        <source>The unit stopped sending; the session is incomplete</source>
+        <translation>Прибор перестал передавать данные; сеанс не завершён</translation>
+    </message>
+    <message>
+        <source>The unit did not start cycle %1; the session is incomplete</source>
+        <translation>Прибор не начал цикл %1; сеанс не завершён</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
+        <translation>Цикл %1 не удалось сохранить: %2. Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
+        <translation>Цикл %1 не удалось сохранить в «%2» (диск заполнен?). Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+    <message>
+        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
+        <translation>Оценку цикла %1 не удалось сохранить в «%2». Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStatistics</name>
+    <message>
+        <source>Incomplete: %1 of %2 cycles measured</source>
+        <translation>Не завершён: измерено %1 из %2 циклов</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
+        <translation>Принято лишь %1 из %2 циклов (нужно не меньше %3)</translation>
+    </message>
+    <message>
+        <source>SD of SBP %1 mmHg above %2</source>
+        <translation>СО САД %1 мм рт. ст. больше %2</translation>
     </message>
 </context>
 </TS>
