@@ -1064,6 +1064,9 @@ Continue?</source>
     <message>
         <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
         <translation>Не удаётся сохранить настройки в %1. Изменения, сделанные сейчас, будут потеряны при закрытии Corvida. Проверьте, что диск не заполнен и в папку разрешено писать.</translation>
+    </message>
+</context>
+<context>
     <name>AcceptanceRules</name>
     <message>
         <source>No pulse before inflation</source>
