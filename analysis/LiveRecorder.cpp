@@ -103,9 +103,28 @@ bool LiveRecorder::save(const QString &folder, QString *error)
     if (!m_experiment->save(folder, error))
         return false;
     m_experiment->recalculate(false);
+    adoptWhatTheFileHolds();
     m_savedPath = m_experiment->getFilepath();
     emit saved(m_savedPath);
     return true;
+}
+
+void LiveRecorder::adoptWhatTheFileHolds()
+{
+    // The recording keeps 16 bits a sample, so the saved record, opened later, is analysed on
+    // values a hair away from the live ones, and may find a point the live analysis missed
+    // ("119/?" in the list, "119/103" once opened). The result of the saved samples is the one
+    // every view shows, so it is taken now, while the record is still on screen.
+    CorvidaExperiment stored(m_experiment->getFilepath());
+    stored.setAutoSave(false);
+    if (stored.getPressure().isEmpty())
+        return; // not readable: the save already said what it could
+    if (stored.getSBPTime() != m_experiment->getSBPTime())
+        m_experiment->setSBPTime(stored.getSBPTime());
+    if (stored.getDBPTime() != m_experiment->getDBPTime())
+        m_experiment->setDBPTime(stored.getDBPTime());
+    if (stored.getBPM() != m_experiment->getBPM())
+        m_experiment->setBPM(stored.getBPM());
 }
 
 void LiveRecorder::onLinkLost()

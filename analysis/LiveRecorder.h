@@ -81,6 +81,8 @@ signals:
 private:
     void startNewRecording(bool keepAll);
     void onLinkLost();
+    // Takes the markers and heart rate that the saved file yields when it is opened again.
+    void adoptWhatTheFileHolds();
     void onFrame(const QList<QList<float>> &frame);
     void onRawFrame(const QList<QList<double>> &frame);
     void dropOldest();

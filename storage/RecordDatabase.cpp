@@ -314,7 +314,9 @@ QStringList RecordDatabase::columnHeaders()
     return {genericText(QT_TRANSLATE_NOOP("Generic", "Title")),
             genericText(QT_TRANSLATE_NOOP("Generic", "Rodent")),
             genericText(QT_TRANSLATE_NOOP("Generic", "Comment")),
-            genericText(QT_TRANSLATE_NOOP("Generic", "Pressure"))};
+            genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "MAP")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "Heart rate"))};
 }
 
 QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
@@ -330,6 +332,14 @@ QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
         return record->getComment();
     case PressureColumn:
         return record->bpText();
+    case MAPColumn: {
+        // Worked out from SBP and DBP, so only where both are there and in mmHg.
+        const double map = record->isUncalibrated() ? 0.0 : record->meanArterialPressure();
+        return map > 0 ? QString::number(map, 'f', 0) : QString();
+    }
+    case HeartRateColumn:
+        return record->getBPM() > 0 ? QString::number(record->getBPM(), 'f', 0)
+                                    : QStringLiteral("?");
     default:
         return QString();
     }
@@ -371,12 +381,14 @@ void RecordDatabase::sortEntries()
         if (column == PressureColumn) {
             keys[i].sbp = r->getSBP();
             keys[i].dbp = r->getDBP();
+        } else if (column == MAPColumn || column == HeartRateColumn) {
+            keys[i].sbp = column == MAPColumn ? r->meanArterialPressure() : r->getBPM();
         } else {
             keys[i].text = cellText(r, column);
         }
     }
     const auto compare = [column](const Key &a, const Key &b) {
-        if (column != PressureColumn)
+        if (column != PressureColumn && column != MAPColumn && column != HeartRateColumn)
             return naturalCompare(a.text, b.text);
         if (a.sbp != b.sbp)
             return a.sbp < b.sbp ? -1 : 1;

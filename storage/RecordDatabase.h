@@ -23,7 +23,15 @@ class RecordDatabase : public QObject
 {
     Q_OBJECT
 public:
-    enum Column { TitleColumn = 0, RodentColumn, CommentColumn, PressureColumn, ColumnCount };
+    enum Column {
+        TitleColumn = 0,
+        RodentColumn,
+        CommentColumn,
+        PressureColumn,
+        MAPColumn,
+        HeartRateColumn,
+        ColumnCount
+    };
     Q_ENUM(Column)
 
     // What of a listed record cannot be read. An interrupted save leaves its recording under a

@@ -233,6 +233,12 @@ void RecordTableModel::watchRecords()
                                        cell(RecordDatabase::PressureColumn));
         m_recordConnections << connect(r, &CorvidaExperiment::changedDBP, this,
                                        cell(RecordDatabase::PressureColumn));
+        m_recordConnections << connect(r, &CorvidaExperiment::changedSBP, this,
+                                       cell(RecordDatabase::MAPColumn));
+        m_recordConnections << connect(r, &CorvidaExperiment::changedDBP, this,
+                                       cell(RecordDatabase::MAPColumn));
+        m_recordConnections << connect(r, &CorvidaExperiment::changedBPM, this,
+                                       cell(RecordDatabase::HeartRateColumn));
     }
 }
 
