@@ -509,7 +509,8 @@ private slots:
         QCOMPARE(r.status, 0);
         const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), 3);
-        QCOMPARE(lines[0], QStringLiteral("Title;Rodent;Comment;Pressure;file;problem"));
+        QCOMPARE(lines[0],
+                 QStringLiteral("Title;Rodent;Comment;Pressure;MAP;Heart rate;file;problem"));
         QVERIFY(r.out.contains(QStringLiteral(";\"calm; tail \"\"warm\"\", 30 °C\";")));
         QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
         QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
@@ -537,7 +538,7 @@ private slots:
                      qPrintable(r.out));
             QCOMPARE(cli(dir.path(), {QStringLiteral("info"), path}).status, 1);
         }
-        QVERIFY2(r.out.contains(QStringLiteral("crashed.edf.part;;;;") + records +
+        QVERIFY2(r.out.contains(QStringLiteral("crashed.edf.part;;;;;;") + records +
                                 QStringLiteral("/crashed.edf.part;\"An interrupted save; the "
                                                "recording is complete and can be recovered\"")),
                  qPrintable(r.out));
@@ -610,7 +611,7 @@ private slots:
         const QByteArray text = RecordFiles::readAll(csv);
         QVERIFY(text.startsWith("\xEF\xBB\xBF"));
         QVERIFY(text.contains("Sampling rate;1000;\r\n"));
-        QCOMPARE(text.count("\r\n"), 1 + 6 + 3 + 20000 + 1); // name, results, header rows, samples
+        QCOMPARE(text.count("\r\n"), 1 + 5 + 3 + 20000 + 1); // name, results, header rows, samples
         r = cli(dir.path(),
                 {"export", "--essential", "--out", dir.filePath("no/dir/out.xlsx"), edf});
         QCOMPARE(r.status, 1);

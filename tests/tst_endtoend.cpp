@@ -124,10 +124,9 @@ private slots:
         QCOMPARE(cell(records, RecordDatabase::RodentColumn), QStringLiteral("Rat 12"));
         const double shownDBP = panel->experiment()->getDBP();
         QCOMPARE(cell(records, RecordDatabase::PressureColumn),
-                 QStringLiteral("%1/%2 (%3)")
-                     .arg(qRound(automaticSBP))
-                     .arg(qRound(shownDBP))
-                     .arg(qRound(shownDBP + (automaticSBP - shownDBP) / 3.0)));
+                 QStringLiteral("%1/%2").arg(qRound(automaticSBP)).arg(qRound(shownDBP)));
+        QCOMPARE(cell(records, RecordDatabase::MAPColumn),
+                 QString::number(qRound(shownDBP + (automaticSBP - shownDBP) / 3.0)));
         CorvidaExperiment *record = records->selectedRecords().value(0);
         QVERIFY(record);
 

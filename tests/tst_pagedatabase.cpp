@@ -377,7 +377,10 @@ private slots:
                  QStringList{"Recalculate|All blood pressure data\nin this experiment will be "
                              "reset.\nContinue?"});
         QCOMPARE(CorvidaExperiment(expOf(m_paths[1])).getSBP(), 200.0);
-        QCOMPARE(m_page->model()->index(1, 3).data().toString(), QString("200/150 (167)"));
+        QCOMPARE(m_page->model()->index(1, RecordDatabase::PressureColumn).data().toString(),
+                 QString("200/150"));
+        QCOMPARE(m_page->model()->index(1, RecordDatabase::MAPColumn).data().toString(),
+                 QString("167"));
     }
 
     void importWarnsAboutRenamedFilesAndSelectsTheNewRecords()

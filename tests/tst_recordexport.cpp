@@ -41,10 +41,11 @@ private slots:
         QCOMPARE(RecordExport::write(m_both, path, RecordExport::filters()[1]),
                  RecordExport::Result::Written);
         const QByteArray expected =
-            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;"
+            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;MAP;Heart rate;"
             "\"SBP, mmHg\";\"DBP, mmHg\";\"Pulse, bpm\";Start;\r\n"
-            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;121.4;80.6;;2026-11-21 10:00:00;\r\n"
-            "2026-11-21_10-05-00;Крыса 2;;?;;;;2026-11-21 10:05:00;\r\n\r\n"
+            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;94;?;121.4;80.6;;"
+            "2026-11-21 10:00:00;\r\n"
+            "2026-11-21_10-05-00;Крыса 2;;?;;?;;;;2026-11-21 10:05:00;\r\n\r\n"
             "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
             "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\n\r\n"
             "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
@@ -69,11 +70,13 @@ private slots:
         // was found (a 0 would pull a mean down).
         const QJsonArray summary = book[0].toObject()["rows"].toArray();
         const QJsonArray found = summary[1].toArray(), missing = summary[2].toArray();
-        QCOMPARE(found[4].toDouble(), 121.4);
-        QCOMPARE(found[5].toDouble(), 80.6);
-        QVERIFY(found[6].isNull() && missing[4].isNull() && missing[5].isNull());
-        QCOMPARE(found[7].toObject()["datetime"].toString(), QStringLiteral("2026-11-21T10:00:00"));
-        QCOMPARE(missing[7].toObject()["datetime"].toString(),
+        const int sbp = RecordDatabase::ColumnCount; // the numbers follow the list's columns
+        QCOMPARE(found[sbp].toDouble(), 121.4);
+        QCOMPARE(found[sbp + 1].toDouble(), 80.6);
+        QVERIFY(found[sbp + 2].isNull() && missing[sbp].isNull() && missing[sbp + 1].isNull());
+        QCOMPARE(found[sbp + 3].toObject()["datetime"].toString(),
+                 QStringLiteral("2026-11-21T10:00:00"));
+        QCOMPARE(missing[sbp + 3].toObject()["datetime"].toString(),
                  QStringLiteral("2026-11-21T10:05:00"));
         // A record's sheet shows its row titles ("Comment") without widening the column by hand.
         QVERIFY(book[1].toObject()["widthA"].toDouble() >= 9);

@@ -224,7 +224,8 @@ private slots:
         QCOMPARE(QJsonDocument::fromJson(listed.out.toUtf8()).array().size(), 0);
         const Result list = cli(dir.path(), {"list"});
         QCOMPARE(list.status, 0);
-        QVERIFY2(list.out.contains(QStringLiteral(";rat 3;;121/81 (94);")), qPrintable(list.out));
+        // Listed as always, with MAP and the heart rate in columns of their own.
+        QVERIFY2(list.out.contains(QStringLiteral(";rat 3;;121/81;94;")), qPrintable(list.out));
     }
 
     void operatorVerdictOverridesAndCanBeGivenBack()

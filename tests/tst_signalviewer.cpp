@@ -2,8 +2,8 @@
 #include "ui/SignalViewerPainter.h"
 
 #include <QScrollBar>
-#include <QToolButton>
 #include <QSignalSpy>
+#include <QToolButton>
 #include <QtTest>
 
 // In the pixels the operator sees: 2 x margin + 600 wide, a 60 s window, 10 pixels a second.
