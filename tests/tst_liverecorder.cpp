@@ -103,6 +103,34 @@ private slots:
         QCOMPARE(saved.count(), 1);
         QVERIFY(QFile::exists(rig.recorder.savedPath()));
     }
+    // Seen in the field: "119/?" in the list and "119/103" once the record was opened, because
+    // the file keeps 16 bits a sample and the analysis of the stored samples differs a hair.
+    void savedRecordShowsTheResultItsFileYields_data()
+    {
+        QTest::addColumn<int>("ms");
+        for (int ms = 8000; ms <= 14000; ms += 500)
+            QTest::newRow(qPrintable(QString::number(ms) + " ms")) << ms;
+    }
+    void savedRecordShowsTheResultItsFileYields()
+    {
+        QFETCH(int, ms);
+        QTemporaryDir dir;
+        Rig rig;
+        QVERIFY(rig.recorder.turnOn());
+        QVERIFY(rig.recorder.measure());
+        rig.run(ms);
+        QVERIFY(rig.recorder.abort());
+        QVERIFY(rig.recorder.save(dir.path()));
+        CorvidaOnlineExperiment *live = rig.recorder.experiment();
+        CorvidaExperiment opened(rig.recorder.savedPath());
+        opened.setAutoSave(false);
+        QVERIFY(!opened.getPressure().isEmpty()); // opening runs the analysis on the file
+        QCOMPARE(opened.getSBPTime(), live->getSBPTime());
+        QCOMPARE(opened.getDBPTime(), live->getDBPTime());
+        QCOMPARE(opened.getBPM(), live->getBPM());
+        QCOMPARE(opened.bpText(), live->bpText());
+    }
+
     void measureStartsANewRecording()
     {
         Rig rig;
