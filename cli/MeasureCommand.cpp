@@ -242,8 +242,12 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
         return context.fail(QStringLiteral("the record was not saved: %1").arg(error));
     }
     const QString edf = recorder.savedPath().chopped(4) + QStringLiteral(".edf");
+    // The result of the record as it was saved, which is what `analyze` of it prints too.
+    CorvidaExperiment stored(recorder.savedPath());
+    stored.setAutoSave(false);
+    stored.getPressure(); // reading the recording runs its analysis
     context.out() << AnalyzeCommand::header() << '\n'
-                  << AnalyzeCommand::resultLine(edf, *experiment) << '\n';
+                  << AnalyzeCommand::resultLine(edf, stored) << '\n';
     context.out().flush();
     if (recorder.isPressureUncalibrated()) {
         context.err() << QStringLiteral("corvida-cli: warning: the unit's pressure calibration "

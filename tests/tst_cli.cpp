@@ -646,6 +646,9 @@ private slots:
         // A calibrated record carries no mark: its file is what it always was.
         QVERIFY(!fileBytes(fields[0].chopped(4) + ".exp").contains("Uncalibrated"));
         QVERIFY(!r.err.contains(QStringLiteral("not mmHg")));
+        // The line printed at the end is what `analyze` of the saved record prints.
+        const Result analyzed = cli(dir.path(), {"analyze", fields[0]});
+        QCOMPARE(resultFields(analyzed), fields);
     }
     // Nine bytes of line noise used to stop the data for good, and measure exited 0 with the
     // few seconds recorded before them.
