@@ -360,10 +360,23 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
-    // Never narrower than the placeholder: "Com..." tells nobody what the box is for.
-    for (QLineEdit *editor : {m_rodent, m_comment})
-        editor->setFixedWidth(std::max(
-            editorWidth, editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24));
+    // Wide enough for the placeholder ("Com..." tells nobody what the box is for), as far as
+    // the rest of the header leaves room: the buttons and the heart rate come first.
+    int others = 0;
+    for (QWidget *item : {static_cast<QWidget *>(m_found), static_cast<QWidget *>(m_notFound),
+                          static_cast<QWidget *>(m_titleLabel), static_cast<QWidget *>(m_turnOn),
+                          static_cast<QWidget *>(m_turnOff), static_cast<QWidget *>(m_measure),
+                          static_cast<QWidget *>(m_abort), static_cast<QWidget *>(m_save),
+                          m_recordedFileBox, static_cast<QWidget *>(m_heartRate)}) {
+        if (item && !item->isHidden())
+            others += item->sizeHint().width() + 4;
+    }
+    const int room = (w - others - 40) / 2;
+    for (QLineEdit *editor : {m_rodent, m_comment}) {
+        const int wanted = std::max(
+            editorWidth, editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24);
+        editor->setFixedWidth(std::max(48, std::min(wanted, room)));
+    }
     m_recordedFile->setStyleSheet(QStringLiteral("font-size: ") +
                                   (longTexts ? QStringLiteral("14px") : QStringLiteral("10px")));
     showRecordedFileName();

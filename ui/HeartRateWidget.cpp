@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
@@ -40,6 +41,13 @@ HeartRateWidget::HeartRateWidget(QWidget *parent)
     m_label->setObjectName(QStringLiteral("heartRate"));
     m_label->setStyleSheet(QStringLiteral("QLabel { font-weight: bold }"));
     box->addWidget(m_label);
+    // Room for the widest rate from the start, so that a crowded header never cuts it off.
+    QFont bold = m_label->font();
+    bold.setBold(true);
+    m_label->setMinimumWidth(
+        QFontMetrics(bold).horizontalAdvance(QStringLiteral("888 ") +
+                                             QCoreApplication::translate("DimensionRR", "BPM")) +
+        4);
     setHeartRate(0);
 }
 

@@ -1,5 +1,8 @@
 #include "ui/SignalViewer.h"
 
+#include "toolkit/widgets/StyleHelper.h"
+
+#include <QIcon>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -34,7 +37,14 @@ SignalViewer::SignalViewer(QWidget *parent)
     m_fitButton->setObjectName(QStringLiteral("fitToData"));
     m_fitButton->setCheckable(true);
     m_fitButton->setAutoRaise(true);
-    m_fitButton->setText(QStringLiteral("\u2195")); // ↕
+    m_fitButton->setStyleSheet(QStringLiteral(
+        "QToolButton { background: transparent; border: none; padding: 2px; }"
+        "QToolButton:hover, QToolButton:checked { background: rgba(128, 128, 128, 70); "
+        "border-radius: 3px; }"));
+    // Grey reads on the light and the dark plot background alike.
+    m_fitButton->setIcon(StyleHelper::tintedIcon(QStringLiteral(":/icons/arrow-up-down.svg"),
+                                                 QColor(0x80, 0x80, 0x80)));
+    m_fitButton->setIconSize(QSize(14, 14));
     m_fitButton->setToolTip(tr("Fit to data: the whole height of the traces in view. Click again "
                                "for the vertical scale that is set."));
     m_fitButton->setCursor(Qt::PointingHandCursor);

@@ -63,11 +63,12 @@ SuggestionsWidget::SuggestionsWidget(QWidget *parent)
     closeRow->addStretch(1);
     auto *close = new QToolButton(this);
     close->setObjectName(QStringLiteral("closeSuggestions"));
-    close->setText(QStringLiteral("\u2715")); // ✕
+    close->setText(QStringLiteral("\u00D7")); // ×, which every font has
     close->setAutoRaise(true);
     close->setCursor(Qt::PointingHandCursor);
     close->setStyleSheet(
-        QStringLiteral("QToolButton { color: #F0F3F6; border: none; padding: 2px 6px; }"
+        QStringLiteral("QToolButton { color: #F0F3F6; background: transparent; border: none; "
+                       "padding: 0 6px; font-size: 18px; }"
                        "QToolButton:hover { background: rgba(255,255,255,40); }"));
     connect(close, &QToolButton::clicked, this, &SuggestionsWidget::closeRequested);
     m_close = close;
