@@ -403,6 +403,11 @@ void CorvidaDeviceView::turnOn()
 
 void CorvidaDeviceView::turnOff()
 {
+    // Turning off a unit in a session ends the session; its finished cycles stay.
+    if (m_session->isRunning()) {
+        m_session->abort();
+        return;
+    }
     if (!isDeviceConnected() || !isDeviceStarted())
         return;
     m_device->stopAcquisition();
@@ -410,7 +415,8 @@ void CorvidaDeviceView::turnOff()
 
 void CorvidaDeviceView::measure()
 {
-    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() || !mayDiscardRecord())
+    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() ||
+        m_session->isRunning() || !mayDiscardRecord())
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     clearNotice();
@@ -420,6 +426,10 @@ void CorvidaDeviceView::measure()
 
 void CorvidaDeviceView::abort()
 {
+    if (m_session->isRunning()) {
+        m_session->abort();
+        return;
+    }
     if (!isDeviceConnected() || !isDeviceStarted() || !isDeviceMeasuring())
         return;
     m_recorder->abort();
