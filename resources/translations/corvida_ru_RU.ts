@@ -809,6 +809,10 @@ Restart now?</source>
         <translation>Прервать нагнетание давления и остановить запись на всех доступных устройствах</translation>
     </message>
     <message>
+        <source>Start a session on all units</source>
+        <translation>Начать сеанс на всех приборах</translation>
+    </message>
+    <message>
         <source>Show experiment tips and recommendations</source>
         <translation>Показать советы и рекомендации по эксперименту</translation>
     </message>
@@ -818,6 +822,25 @@ Restart now?</source>
     <message>
         <source>Settings</source>
         <translation>Настройки</translation>
+    </message>
+</context>
+<context>
+    <name>PulseIndicator</name>
+    <message>
+        <source>Pulse OK</source>
+        <translation>Пульс есть</translation>
+    </message>
+    <message>
+        <source>Regular beats at a rodent&apos;s rate: a cuff cycle can measure this pulse</source>
+        <translation>Ровные удары с частотой, обычной для грызуна: такой пульс можно измерить манжетой</translation>
+    </message>
+    <message>
+        <source>No pulse</source>
+        <translation>Нет пульса</translation>
+    </message>
+    <message>
+        <source>No steady pulse: check the tail in the sensor and warm the animal</source>
+        <translation>Нет устойчивого пульса: проверьте положение хвоста в датчике и согрейте животное</translation>
     </message>
 </context>
 <context>
@@ -958,6 +981,97 @@ Continue?</source>
     <message>
         <source>The serial number could not be written: the unit is not connected.</source>
         <translation>Не удалось записать серийный номер: устройство не подключено.</translation>
+    </message>
+</context>
+<context>
+    <name>SessionPanel</name>
+    <message>
+        <source>Acclimation %1 of %2</source>
+        <translation>Привыкание %1 из %2</translation>
+    </message>
+    <message>
+        <source>Cycle %1 of %2</source>
+        <translation>Цикл %1 из %2</translation>
+    </message>
+    <message>
+        <source>Waiting for a steady pulse…</source>
+        <translation>Ожидание устойчивого пульса…</translation>
+    </message>
+    <message>
+        <source>pause before the next cycle</source>
+        <translation>пауза перед следующим циклом</translation>
+    </message>
+    <message>
+        <source>Session finished: %1 cycles</source>
+        <translation>Сеанс завершён: циклов %1</translation>
+    </message>
+    <message>
+        <source>Unit lost: %1. The %2 finished cycles are kept.</source>
+        <translation>Прибор потерян: %1. Завершённые циклы (%2) сохранены.</translation>
+    </message>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>acclimation</source>
+        <translation>привыкание</translation>
+    </message>
+    <message>
+        <source>Accepted %1 of %2 · SBP %3 · DBP %4 · MAP %5 mmHg · HR %6 bpm</source>
+        <translation>Принято %1 из %2 · САД %3 · ДАД %4 · СрАД %5 мм рт. ст. · ЧСС %6 уд/мин</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Сеанс</translation>
+    </message>
+    <message>
+        <source>Run a session: acclimation cycles, then measurement cycles, each after a steady pulse. The arrow changes the counts.</source>
+        <translation>Провести сеанс: циклы привыкания, затем циклы измерения, каждый после появления устойчивого пульса. Стрелка меняет число циклов.</translation>
+    </message>
+    <message>
+        <source>Acclimation cycles</source>
+        <translation>Циклы привыкания</translation>
+    </message>
+    <message>
+        <source>Measurement cycles</source>
+        <translation>Циклы измерения</translation>
+    </message>
+    <message>
+        <source>Abort session</source>
+        <translation>Прервать сеанс</translation>
+    </message>
+    <message>
+        <source>Stop the session; the finished cycles are kept</source>
+        <translation>Остановить сеанс; завершённые циклы сохраняются</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Результат</translation>
     </message>
 </context>
 <context>
