@@ -11,6 +11,7 @@
 #include "ui/FileBrowser.h"
 #include "ui/RecordPreview.h"
 #include "ui/RecordTableModel.h"
+#include "ui/SessionListView.h"
 #include "ui/WorkProgress.h"
 
 #include <QAction>
@@ -24,6 +25,7 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStandardPaths>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -116,9 +118,30 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_connections << connect(m_preview, &RecordPreview::exportRequested, this,
                              &PageDatabase::exportSelected);
 
+    m_sessionView = new SessionListView(m_database, m_settings, this);
+    m_connections << connect(m_sessionView, &SessionListView::cyclesSelected, this,
+                             [this](const QList<CorvidaExperiment *> &cycles) {
+                                 if (m_listTabs->currentWidget() == m_sessionView)
+                                     m_preview->showRecords(cycles);
+                             });
+    m_connections << connect(
+        m_sessionView, &SessionListView::saveFailed, this,
+        [this](const QString &path) { warn(tr("Records"), RecordExport::errorText(path)); });
+    m_listTabs = new QTabWidget(this);
+    m_listTabs->setObjectName(QStringLiteral("recordListTabs"));
+    m_listTabs->addTab(m_table, tr("Records"));
+    m_listTabs->addTab(m_sessionView, tr("Sessions"));
+    // The preview shows what the tab in front has selected.
+    m_connections << connect(m_listTabs, &QTabWidget::currentChanged, this, [this] {
+        if (m_listTabs->currentWidget() == m_sessionView)
+            m_preview->showRecords(m_sessionView->currentCycles());
+        else
+            manageSelection();
+    });
+
     m_splitter = new QSplitter(Qt::Horizontal, this);
     m_splitter->setChildrenCollapsible(false);
-    m_splitter->addWidget(m_table);
+    m_splitter->addWidget(m_listTabs);
     m_splitter->addWidget(m_preview);
     m_connections << connect(m_splitter, &QSplitter::splitterMoved, this,
                              &PageDatabase::storeSplitterRatio);
@@ -287,6 +310,10 @@ void PageDatabase::scrollToCurrentRow()
 
 void PageDatabase::manageSelection()
 {
+    if (m_listTabs && m_listTabs->currentWidget() == m_sessionView) {
+        m_preview->showRecords(m_sessionView->currentCycles());
+        return;
+    }
     const QStringList paths = selectedRecordPaths();
     QList<CorvidaExperiment *> records;
     QList<CorvidaExperiment *> readable;

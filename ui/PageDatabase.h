@@ -13,6 +13,8 @@ class QTableView;
 class RecordDatabase;
 class RecordPreview;
 class RecordTableModel;
+class SessionListView;
+class QTabWidget;
 
 // The second page: the records of the records folder in a table on the left, the selected
 // record (or several laid over one another) on the right. From here records are renamed by
@@ -46,6 +48,9 @@ public:
     RecordTableModel *model() const { return m_model; }
     RecordPreview *preview() const { return m_preview; }
     QSplitter *splitter() const { return m_splitter; }
+    // The records list and the sessions view, side by side as tabs.
+    QTabWidget *listTabs() const { return m_listTabs; }
+    SessionListView *sessionView() const { return m_sessionView; }
 
     // The table's context menu for the selection; null without one. The caller owns it.
     QMenu *createContextMenu();
@@ -95,6 +100,8 @@ private:
     QTableView *m_table;
     RecordPreview *m_preview;
     QSplitter *m_splitter;
+    QTabWidget *m_listTabs = nullptr;
+    SessionListView *m_sessionView = nullptr;
     bool m_needsReload = true;
     // Set while the page itself rebuilds the selection, which is no choice of the user's.
     bool m_restoringSelection = false;

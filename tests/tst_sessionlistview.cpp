@@ -1,0 +1,192 @@
+#include "analysis/CorvidaExperiment.h"
+#include "device/CorvidaModel.h"
+#include "device/VirtualCorvidaDevice.h"
+#include "session/SessionRun.h"
+#include "support/ExpFile.h"
+#include "ui/MultiExperimentViewer.h"
+#include "ui/PageDatabase.h"
+#include "ui/RecordPreview.h"
+#include "ui/SessionListView.h"
+#include "ui/SessionTableModel.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <cmath>
+#include <memory>
+
+namespace {
+// Mean ± sample SD as the sessions table writes them, computed here.
+QString meanSd(const QList<double> &x)
+{
+    double m = 0;
+    for (double v : x)
+        m += v;
+    m /= x.size();
+    double q = 0;
+    for (double v : x)
+        q += (v - m) * (v - m);
+    return QStringLiteral("%1 ± %2").arg(QString::number(m, 'f', 1),
+                                         QString::number(std::sqrt(q / (x.size() - 1)), 'f', 1));
+}
+} // namespace
+
+// The sessions view of the records page, on sessions measured by a simulated unit on a clock the
+// test moves.
+class TestSessionListView : public QObject
+{
+    Q_OBJECT
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<CorvidaModel> m_model;
+    std::unique_ptr<PageDatabase> m_page;
+    qint64 m_now = 1'750'000'000'000;
+
+    // Runs a whole session into the records folder; its cycles' ".exp" paths in cycle order.
+    QStringList measureSession(const QString &rodent, int acclimation, int cycles)
+    {
+        VirtualCorvidaDevice device;
+        device.setClock([this] { return m_now; });
+        device.setRandomSource([] { return 0.5; });
+        device.setTickTimerActive(false);
+        SessionPlan plan;
+        plan.acclimationCycles = acclimation;
+        plan.measurementCycles = cycles;
+        plan.intervalMs = 5000;
+        plan.upperPressure = 120;
+        plan.lowerPressure = 30;
+        plan.rodent = rodent;
+        SessionRun run(&device, m_model->recordsFolder(), plan);
+        run.setClock([this] { return m_now; });
+        QStringList paths;
+        connect(&run, &SessionRun::cycleFinished, this, [&](const SessionRun::CycleResult &r) {
+            paths << r.file.chopped(4) + QStringLiteral(".exp");
+        });
+        if (!run.start())
+            return {};
+        run.setTickTimerActive(false);
+        for (int i = 0; i < 20000 && run.isRunning(); ++i) {
+            m_now += 50;
+            device.tick();
+            run.tick();
+        }
+        m_now += 60'000;
+        return run.state() == SessionRun::State::Finished ? paths : QStringList();
+    }
+    SessionListView *view() const { return m_page->sessionView(); }
+    QString cell(int row, int column) const
+    {
+        QAbstractItemModel *m = view()->sessionTable()->model();
+        return m->data(m->index(row, column)).toString();
+    }
+    int rowOfRodent(const QString &rodent) const
+    {
+        QAbstractItemModel *m = view()->sessionTable()->model();
+        for (int row = 0; row < m->rowCount(); ++row) {
+            if (cell(row, SessionTableModel::RodentColumn) == rodent)
+                return row;
+        }
+        return -1;
+    }
+
+private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_model = std::make_unique<CorvidaModel>(m_dir->path());
+    }
+    void cleanup() { m_page.reset(), m_model.reset(), m_dir.reset(); }
+
+    void rejectingACycleByHandChangesTheFileAndTheStatistics()
+    {
+        const QStringList r7 = measureSession(QStringLiteral("R7"), 1, 3);
+        QCOMPARE(r7.size(), 4);
+        m_page = std::make_unique<PageDatabase>();
+        m_page->resize(1200, 700);
+        m_page->show();
+        m_page->reload();
+        m_page->listTabs()->setCurrentWidget(view());
+        QCOMPARE(view()->sessionTable()->model()->rowCount(), 1);
+
+        // The row, against the records' files.
+        QList<double> sbp;
+        int accepted = 0;
+        for (const QString &path : r7.mid(1)) {
+            const QMap<QString, QString> v = ExpFile::values(path);
+            if (v.value("Accepted") == QLatin1String("true"))
+                ++accepted, sbp << v.value("SBP").toDouble();
+        }
+        QVERIFY2(accepted == 3, "the simulated animal at 120/30 gives accepted cycles");
+        QCOMPARE(cell(0, SessionTableModel::RodentColumn), QStringLiteral("R7"));
+        QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("3/3"));
+        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSd(sbp));
+        QVERIFY(!cell(0, SessionTableModel::UnitColumn).isEmpty());
+
+        // Selecting the session lays all its cycles, acclimation too, over one another.
+        view()->sessionTable()->selectRow(0);
+        QCOMPARE(view()->cycleTable()->rowCount(), 4);
+        QCOMPARE(m_page->preview()->currentView(), m_page->preview()->multiViewer());
+        QCOMPARE(m_page->preview()->multiViewer()->experiments().size(), 4);
+
+        // Reject the second measurement cycle by hand.
+        QVERIFY(!view()->rejectButton()->isEnabled());
+        view()->cycleTable()->selectRow(2);
+        view()->rejectButton()->click();
+        QCOMPARE(ExpFile::values(r7[2]).value("Verdict"), QStringLiteral("2"));
+        QApplication::processEvents();
+        QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("2/3"));
+        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSd({sbp[0], sbp[2]}));
+        QVERIFY(view()
+                    ->cycleTable()
+                    ->item(2, SessionListView::CycleVerdict)
+                    ->text()
+                    .contains(QStringLiteral("by hand")));
+        // The session stays selected through the rebuild.
+        QCOMPARE(view()->cycleTable()->rowCount(), 4);
+
+        // Given back to the automatic verdict, the cycle counts again.
+        view()->cycleTable()->selectRow(2);
+        view()->automaticButton()->click();
+        QCOMPARE(ExpFile::values(r7[2]).value("Verdict"), QStringLiteral("0"));
+        QApplication::processEvents();
+        QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("3/3"));
+
+        // An acclimation cycle accepted by hand still never counts.
+        view()->cycleTable()->selectRow(0);
+        view()->acceptButton()->click();
+        QApplication::processEvents();
+        QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("3/3"));
+    }
+
+    void sessionsAreFilteredByRodentAndKeepTheRecordsListApart()
+    {
+        QCOMPARE(measureSession(QStringLiteral("Rat 7"), 0, 1).size(), 1);
+        QCOMPARE(measureSession(QStringLiteral("Mouse 2"), 0, 2).size(), 2);
+        m_page = std::make_unique<PageDatabase>();
+        m_page->show();
+        m_page->reload();
+        QAbstractItemModel *m = view()->sessionTable()->model();
+        QCOMPARE(m->rowCount(), 2);
+        // Newest first.
+        QCOMPARE(cell(0, SessionTableModel::RodentColumn), QStringLiteral("Mouse 2"));
+        // Too few accepted cycles flag both sessions (the default asks for five).
+        QCOMPARE(cell(rowOfRodent("Rat 7"), SessionTableModel::FlagColumn), QStringLiteral("⚑"));
+
+        view()->rodentFilter()->setText(QStringLiteral("rat"));
+        QCOMPARE(m->rowCount(), 1);
+        QCOMPARE(cell(0, SessionTableModel::RodentColumn), QStringLiteral("Rat 7"));
+        view()->rodentFilter()->setText(QStringLiteral("hamster"));
+        QCOMPARE(m->rowCount(), 0);
+
+        // The records list still has every cycle as a record of its own.
+        QCOMPARE(m_page->table()->model()->rowCount(), 3);
+    }
+};
+
+QTEST_MAIN(TestSessionListView)
+#include "tst_sessionlistview.moc"
