@@ -121,8 +121,10 @@ private slots:
         QCOMPARE(session()->run()->state(), SessionRun::State::Finished);
         // The session turns the unit off at its end, as the panel's Turn off would.
         QCOMPARE(buttons(), "hidden | shown disabled | hidden | shown | hidden");
-        // The cycles are records of their own: the panel's record is not waiting for Save.
+        // The cycles are records of their own: nothing on the panel waits for Save, and Save
+        // is not offered for a record the screen does not show.
         QVERIFY(!m_view->hasUnsavedMeasurement());
+        QVERIFY(!m_view->saveButton()->isVisibleTo(m_view.get()));
 
         // Where the session was, in the order the operator saw it. After a pause the pulse
         // gathered meanwhile opens the gate at once, so the wait shows only before the first.

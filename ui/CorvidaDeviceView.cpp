@@ -312,7 +312,10 @@ void CorvidaDeviceView::manageButtons()
     const bool measuring = isDeviceMeasuring();
     // A session drives the unit by itself: its own Abort is the only way in.
     const bool session = m_session->isRunning();
-    const bool saveable = m_recorder->isSaveable() && !session;
+    // While the screen shows a session's cycle, Save would save something else: the session
+    // has saved its cycles itself.
+    const bool showsSession = m_viewer->experiment() != experiment();
+    const bool saveable = m_recorder->isSaveable() && !showsSession;
 
     m_found->setVisible(connected);
     m_notFound->setVisible(!connected);
@@ -399,6 +402,7 @@ void CorvidaDeviceView::turnOn()
     clearNotice();
     m_viewer->setExperiment(experiment());
     m_recorder->turnOn();
+    manageButtons();
 }
 
 void CorvidaDeviceView::turnOff()
@@ -470,7 +474,7 @@ void CorvidaDeviceView::onDataUpdated()
 {
     // Save appears once the record is long enough, without waiting for the next state change.
     if (m_recorder->isSaveable() && !m_save->isVisible() && m_save->isEnabled() &&
-        !m_session->isRunning())
+        m_viewer->experiment() == experiment())
         m_save->setVisible(true);
 }
 

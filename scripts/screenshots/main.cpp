@@ -14,6 +14,7 @@
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SessionPanel.h"
 #include "ui/SettingDropDownButton.h"
 
 #include <QApplication>
@@ -25,8 +26,10 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -107,6 +110,30 @@ T *visibleChild(QWidget *parent, const QString &name = QString())
     return nullptr;
 }
 
+// A short session on one unit: one acclimation cycle and two measurement cycles, a picture
+// while the last cycle runs and one at the end.
+void sessionPictures(Tour &tour, MainWindow *window, CorvidaDeviceView *panel,
+                     CorvidaSettings *settings)
+{
+    settings->setSessionAcclimationCycles(1);
+    settings->setSessionMeasurementCycles(2);
+    settings->setSessionInterval(2);
+    SessionPanel *session = panel->sessionPanel();
+    session->sessionButton()->click();
+    QElapsedTimer limit;
+    limit.start();
+    while (session->cycleTable()->rowCount() < 2 && limit.elapsed() < 90000)
+        wait(200);
+    wait(5000);
+    tour.shoot(window, QStringLiteral("experiment-session"));
+    while (session->isRunning() && limit.elapsed() < 150000)
+        wait(200);
+    tour.shoot(window, QStringLiteral("experiment-session-finished"));
+    settings->resetSessionAcclimationCycles();
+    settings->resetSessionMeasurementCycles();
+    settings->resetSessionInterval();
+}
+
 void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QString &firstRecord)
 {
     CorvidaSettings *settings = model->settings();
@@ -159,8 +186,7 @@ void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QSt
     tour.shoot(window, QStringLiteral("records-one"));
     if (auto *viewer = visibleChild<ExperimentViewer>(window->databasePage())) {
         const QPoint inPulsePlot(viewer->width() * 45 / 100, viewer->height() * 3 / 4);
-        shootContextMenu(tour, window, viewer, inPulsePlot,
-                         QStringLiteral("records-marker-menu"));
+        shootContextMenu(tour, window, viewer, inPulsePlot, QStringLiteral("records-marker-menu"));
     }
     if (QTableView *table = visibleChild<QTableView>(window->databasePage())) {
         const QRect row = table->visualRect(table->currentIndex());
@@ -243,6 +269,7 @@ int main(int argc, char **argv)
     panel->saveButton()->click();
     const QString savedRecord = panel->savedRecordPath();
     tour.shoot(window, QStringLiteral("experiment-saved"));
+    sessionPictures(tour, window, panel, settings);
     settings->setShowSuggestions(false);
     for (int width : {960, 640}) {
         window->resize(width, 700);
