@@ -765,6 +765,10 @@ Restart now?</source>
         <source>Recover recording</source>
         <translation>Восстановить запись</translation>
     </message>
+    <message>
+        <source>Sessions</source>
+        <translation>Сеансы</translation>
+    </message>
 </context>
 <context>
     <name>PageExperimentMulti</name>
@@ -984,6 +988,77 @@ Continue?</source>
     </message>
 </context>
 <context>
+    <name>SessionListView</name>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>rejected</source>
+        <translation>отклонён</translation>
+    </message>
+    <message>
+        <source>by hand</source>
+        <translation>вручную</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>Filter by rodent</source>
+        <translation>Фильтр по животному</translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation>Принять</translation>
+    </message>
+    <message>
+        <source>Count the selected cycles, whatever the automatic verdict says</source>
+        <translation>Учитывать выбранные циклы независимо от автоматической оценки</translation>
+    </message>
+    <message>
+        <source>Reject</source>
+        <translation>Отклонить</translation>
+    </message>
+    <message>
+        <source>Leave the selected cycles out of the statistics</source>
+        <translation>Исключить выбранные циклы из статистики</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Автоматически</translation>
+    </message>
+    <message>
+        <source>Give the selected cycles back to the automatic verdict</source>
+        <translation>Вернуть выбранным циклам автоматическую оценку</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation>Оценка</translation>
+    </message>
+</context>
+<context>
     <name>SessionPanel</name>
     <message>
         <source>Acclimation %1 of %2</source>
@@ -1072,6 +1147,45 @@ Continue?</source>
     <message>
         <source>Result</source>
         <translation>Результат</translation>
+    </message>
+</context>
+<context>
+    <name>SessionTableModel</name>
+    <message>
+        <source>Rodent</source>
+        <translation>Животное</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Отметка</translation>
     </message>
 </context>
 <context>
