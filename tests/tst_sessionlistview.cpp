@@ -2,6 +2,7 @@
 #include "device/CorvidaModel.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "session/SessionRun.h"
+#include "storage/RecordExport.h"
 #include "support/ExpFile.h"
 #include "ui/MultiExperimentViewer.h"
 #include "ui/PageDatabase.h"
@@ -10,6 +11,7 @@
 #include "ui/SessionTableModel.h"
 
 #include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -21,6 +23,25 @@
 #include <memory>
 
 namespace {
+// The records page with the export dialog answered by the test.
+class ExportingPage : public PageDatabase
+{
+public:
+    QString exportPath;
+    QStringList warnings;
+
+protected:
+    QString askExportPath(const QString &, const QString &, const QString &,
+                          QString *filter) override
+    {
+        *filter = RecordExport::filters()[1];
+        return exportPath;
+    }
+    void warn(const QString &, const QString &text) override { warnings << text; }
+    void openFile(const QString &) override {}
+    void showInFolder(const QString &) override {}
+};
+
 // Mean ± sample SD as the sessions table writes them, computed here.
 QString meanSd(const QList<double> &x)
 {
@@ -130,6 +151,11 @@ private slots:
         // Selecting the session lays all its cycles, acclimation too, over one another.
         view()->sessionTable()->selectRow(0);
         QCOMPARE(view()->cycleTable()->rowCount(), 4);
+        // Numbered as the panel numbered them while they ran.
+        QStringList numbers;
+        for (int row = 0; row < 4; ++row)
+            numbers << view()->cycleTable()->item(row, SessionListView::CycleNumber)->text();
+        QCOMPARE(numbers, (QStringList{"A1", "1", "2", "3"}));
         QCOMPARE(m_page->preview()->currentView(), m_page->preview()->multiViewer());
         QCOMPARE(m_page->preview()->multiViewer()->experiments().size(), 4);
 
@@ -161,6 +187,34 @@ private slots:
         view()->acceptButton()->click();
         QApplication::processEvents();
         QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("3/3"));
+    }
+
+    void exportWithTheSessionsInFrontWritesThatSessionsCycles()
+    {
+        const QStringList rat = measureSession(QStringLiteral("Rat 7"), 1, 2);
+        const QStringList mouse = measureSession(QStringLiteral("Mouse 2"), 0, 1);
+        QCOMPARE(rat.size(), 3);
+        QCOMPARE(mouse.size(), 1);
+        QTemporaryDir out;
+        auto page = std::make_unique<ExportingPage>();
+        page->show();
+        page->reload();
+        page->exportPath = out.filePath(QStringLiteral("rat.csv"));
+        // A record selected in the list must not be what the sessions view exports.
+        page->selectRecords({mouse[0]});
+        page->listTabs()->setCurrentWidget(page->sessionView());
+        page->sessionView()->selectSession(
+            ExpFile::values(rat[0]).value(QStringLiteral("Session")));
+        page->preview()->exportButton()->click();
+        QVERIFY2(page->warnings.isEmpty(), qPrintable(page->warnings.join('\n')));
+
+        QFile file(page->exportPath);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        for (const QString &path : rat)
+            QVERIFY2(text.contains(QFileInfo(path).completeBaseName()), qPrintable(path));
+        QVERIFY(!text.contains(QFileInfo(mouse[0]).completeBaseName()));
+        page.reset();
     }
 
     void sessionsAreFilteredByRodentAndKeepTheRecordsListApart()

@@ -411,7 +411,15 @@ void PageDatabase::recalcExperiment(CorvidaExperiment *exp)
 
 void PageDatabase::recalculateSelected()
 {
-    recalculate(selectedRecords());
+    recalculate(shownRecords());
+}
+
+QList<CorvidaExperiment *> PageDatabase::shownRecords() const
+{
+    // The preview's buttons act on what it shows: with the sessions in front, a session's cycles.
+    if (m_listTabs && m_listTabs->currentWidget() == m_sessionView)
+        return m_sessionView->currentCycles();
+    return selectedRecords();
 }
 
 void PageDatabase::recalculate(const QList<CorvidaExperiment *> &records)
@@ -432,7 +440,7 @@ void PageDatabase::recalculate(const QList<CorvidaExperiment *> &records)
 
 void PageDatabase::exportSelected()
 {
-    const QList<CorvidaExperiment *> records = selectedRecords();
+    const QList<CorvidaExperiment *> records = shownRecords();
     if (records.isEmpty())
         return;
     QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);

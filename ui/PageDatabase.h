@@ -90,6 +90,7 @@ protected:
 
 private:
     void recalculate(const QList<CorvidaExperiment *> &records);
+    QList<CorvidaExperiment *> shownRecords() const;
     void onSelectionChanged();
     void applySplitterRatio();
     void storeSplitterRatio();

@@ -15,6 +15,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -69,6 +70,7 @@ SessionListView::SessionListView(RecordDatabase *database, const CorvidaSettings
     m_cycles->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_cycles->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_cycles->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_cycles->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_cycles->horizontalHeader()->setStretchLastSection(true);
     m_connections << connect(m_cycles, &QTableWidget::itemSelectionChanged, this,
                              &SessionListView::updateButtons);
@@ -181,6 +183,9 @@ void SessionListView::fillCycles()
     m_cycles->clearContents();
     m_cycles->setRowCount(int(cycles.size()));
     const QColor grey(0x90, 0x90, 0x90), red(0xCC, 0x33, 0x00);
+    // Measurement cycles are counted from 1 after the acclimation, as the panel counted them.
+    const int acclimation = int(
+        std::count_if(cycles.begin(), cycles.end(), [](auto *r) { return r->getAcclimation(); }));
     for (int row = 0; row < cycles.size(); ++row) {
         const CorvidaExperiment *r = cycles[row];
         const double sbp = r->getSBP(), dbp = r->getDBP();
@@ -190,7 +195,8 @@ void SessionListView::fillCycles()
         if (r->getVerdict() != CorvidaExperiment::VerdictAutomatic)
             verdict += QStringLiteral(" (") + tr("by hand") + QLatin1Char(')');
         const QStringList cells = {
-            r->getAcclimation() ? tr("A%1").arg(r->getCycle()) : QString::number(r->getCycle()),
+            r->getAcclimation() ? tr("A%1").arg(r->getCycle())
+                                : QString::number(r->getCycle() - acclimation),
             number(sbp),
             number(dbp),
             sbp > 0 && dbp > 0 ? number(dbp + (sbp - dbp) / 3.0) : QStringLiteral("–"),

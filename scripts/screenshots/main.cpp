@@ -14,6 +14,7 @@
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SessionListView.h"
 #include "ui/SessionPanel.h"
 #include "ui/SettingDropDownButton.h"
 
@@ -25,6 +26,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -129,6 +131,19 @@ void sessionPictures(Tour &tour, MainWindow *window, CorvidaDeviceView *panel,
     while (session->isRunning() && limit.elapsed() < 150000)
         wait(200);
     tour.shoot(window, QStringLiteral("experiment-session-finished"));
+
+    // The session on the records page, its cycles laid over one another.
+    if (session->run() && !session->run()->results().isEmpty()) {
+        emit CorvidaModel::instance()->onOpenRecord(session->run()->results().last().file);
+        wait(500);
+        PageDatabase *records = window->databasePage();
+        records->listTabs()->setCurrentWidget(records->sessionView());
+        records->sessionView()->selectSession(session->run()->sessionId());
+        tour.shoot(window, QStringLiteral("records-sessions"));
+        records->listTabs()->setCurrentIndex(0);
+        window->pageButton(window->experimentPage())->click();
+        wait(300);
+    }
     settings->resetSessionAcclimationCycles();
     settings->resetSessionMeasurementCycles();
     settings->resetSessionInterval();
@@ -269,7 +284,6 @@ int main(int argc, char **argv)
     panel->saveButton()->click();
     const QString savedRecord = panel->savedRecordPath();
     tour.shoot(window, QStringLiteral("experiment-saved"));
-    sessionPictures(tour, window, panel, settings);
     settings->setShowSuggestions(false);
     for (int width : {960, 640}) {
         window->resize(width, 700);
@@ -277,6 +291,7 @@ int main(int argc, char **argv)
     }
     window->resize(1280, 800);
     settings->setShowSuggestions(true);
+    sessionPictures(tour, window, panel, settings);
 
     // Four units measuring at once, in a grid and in tabs.
     settings->setUseVirtualCorvida(4);
