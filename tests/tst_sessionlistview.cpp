@@ -4,12 +4,15 @@
 #include "session/SessionRun.h"
 #include "storage/RecordExport.h"
 #include "support/ExpFile.h"
+#include "ui/AnimalHistoryPlot.h"
+#include "ui/AnimalView.h"
 #include "ui/MultiExperimentViewer.h"
 #include "ui/PageDatabase.h"
 #include "ui/RecordPreview.h"
 #include "ui/SessionListView.h"
 #include "ui/SessionTableModel.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
@@ -215,6 +218,52 @@ private slots:
             QVERIFY2(text.contains(QFileInfo(path).completeBaseName()), qPrintable(path));
         QVERIFY(!text.contains(QFileInfo(mouse[0]).completeBaseName()));
         page.reset();
+    }
+
+    void animalViewShowsOneRodentsSessionsAcrossDays()
+    {
+        const QStringList first = measureSession(QStringLiteral("Rat 7"), 0, 2);
+        m_now += 86'400'000; // the next day
+        QCOMPARE(measureSession(QStringLiteral("Mouse 2"), 0, 1).size(), 1);
+        const QStringList second = measureSession(QStringLiteral("Rat 7"), 1, 1);
+        QCOMPARE(first.size(), 2);
+        QCOMPARE(second.size(), 2);
+        m_page = std::make_unique<PageDatabase>();
+        m_page->resize(1200, 700);
+        m_page->show();
+        m_page->reload();
+        m_page->listTabs()->setCurrentWidget(view());
+        view()->selectSession(ExpFile::values(second[0]).value(QStringLiteral("Session")));
+        AnimalView *animal = m_page->animalView();
+        QCOMPARE(animal->rodent(), QStringLiteral("Rat 7"));
+        QCOMPARE(animal->rodentChooser()->count(), 2);
+
+        // The rat's two days, oldest first, against the records' files.
+        QCOMPARE(animal->table()->rowCount(), 2);
+        QList<double> firstSbp;
+        for (const QString &path : first)
+            firstSbp << ExpFile::values(path).value("SBP").toDouble();
+        QCOMPARE(animal->table()->item(0, AnimalView::AcceptedColumn)->text(), "2/2");
+        QCOMPARE(animal->table()->item(0, AnimalView::SBPColumn)->text(), meanSd(firstSbp));
+        QCOMPARE(animal->table()->item(1, AnimalView::AcceptedColumn)->text(), "1/1");
+        const QList<AnimalHistoryPlot::Day> days = animal->plot()->days();
+        QCOMPARE(days.size(), 2);
+        QVERIFY(days[0].when < days[1].when);
+        QVERIFY(days[0].hasMean && days[1].hasMean);
+        QCOMPARE(days[1].sbp, ExpFile::values(second[1]).value("SBP").toDouble());
+        // Two cycles or one are too few for a trusted day (five by default): both are flagged.
+        QVERIFY(days[0].flagged && days[1].flagged);
+
+        // Rejecting the second day's only measurement cycle leaves that day without a mean.
+        view()->cycleTable()->selectRow(1);
+        view()->rejectButton()->click();
+        QApplication::processEvents();
+        QCOMPARE(animal->table()->item(1, AnimalView::AcceptedColumn)->text(), "0/1");
+        QVERIFY(!animal->plot()->days()[1].hasMean);
+
+        // The plot draws with and without means.
+        m_page->listTabs()->setCurrentWidget(animal);
+        QVERIFY(!animal->plot()->grab().isNull());
     }
 
     void sessionsAreFilteredByRodentAndKeepTheRecordsListApart()

@@ -381,6 +381,7 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
     equalisePair(m_measure, m_abort);
+    m_session->setCompact(!longTexts);
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));

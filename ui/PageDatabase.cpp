@@ -8,6 +8,7 @@
 #include "storage/RecordDatabase.h"
 #include "storage/RecordExport.h"
 #include "toolkit/widgets/StyleHelper.h"
+#include "ui/AnimalView.h"
 #include "ui/FileBrowser.h"
 #include "ui/RecordPreview.h"
 #include "ui/RecordTableModel.h"
@@ -121,7 +122,10 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_sessionView = new SessionListView(m_database, m_settings, this);
     m_connections << connect(m_sessionView, &SessionListView::cyclesSelected, this,
                              [this](const QList<CorvidaExperiment *> &cycles) {
-                                 if (m_listTabs->currentWidget() == m_sessionView)
+                                 // The animal view follows the animal of the chosen session.
+                                 if (!cycles.isEmpty())
+                                     m_animalView->setRodent(cycles.first()->getRodent());
+                                 if (m_listTabs->currentWidget() != m_table)
                                      m_preview->showRecords(cycles);
                              });
     m_connections << connect(
@@ -131,13 +135,11 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_listTabs->setObjectName(QStringLiteral("recordListTabs"));
     m_listTabs->addTab(m_table, tr("Records"));
     m_listTabs->addTab(m_sessionView, tr("Sessions"));
+    m_animalView = new AnimalView(m_sessionView->model(), this);
+    m_listTabs->addTab(m_animalView, tr("Animal"));
     // The preview shows what the tab in front has selected.
-    m_connections << connect(m_listTabs, &QTabWidget::currentChanged, this, [this] {
-        if (m_listTabs->currentWidget() == m_sessionView)
-            m_preview->showRecords(m_sessionView->currentCycles());
-        else
-            manageSelection();
-    });
+    m_connections << connect(m_listTabs, &QTabWidget::currentChanged, this,
+                             [this] { manageSelection(); });
 
     m_splitter = new QSplitter(Qt::Horizontal, this);
     m_splitter->setChildrenCollapsible(false);
@@ -310,7 +312,7 @@ void PageDatabase::scrollToCurrentRow()
 
 void PageDatabase::manageSelection()
 {
-    if (m_listTabs && m_listTabs->currentWidget() == m_sessionView) {
+    if (m_listTabs && m_listTabs->currentWidget() != m_table) {
         m_preview->showRecords(m_sessionView->currentCycles());
         return;
     }
@@ -417,7 +419,7 @@ void PageDatabase::recalculateSelected()
 QList<CorvidaExperiment *> PageDatabase::shownRecords() const
 {
     // The preview's buttons act on what it shows: with the sessions in front, a session's cycles.
-    if (m_listTabs && m_listTabs->currentWidget() == m_sessionView)
+    if (m_listTabs && m_listTabs->currentWidget() != m_table)
         return m_sessionView->currentCycles();
     return selectedRecords();
 }

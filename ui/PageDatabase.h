@@ -14,6 +14,7 @@ class RecordDatabase;
 class RecordPreview;
 class RecordTableModel;
 class SessionListView;
+class AnimalView;
 class QTabWidget;
 
 // The second page: the records of the records folder in a table on the left, the selected
@@ -51,6 +52,7 @@ public:
     // The records list and the sessions view, side by side as tabs.
     QTabWidget *listTabs() const { return m_listTabs; }
     SessionListView *sessionView() const { return m_sessionView; }
+    AnimalView *animalView() const { return m_animalView; }
 
     // The table's context menu for the selection; null without one. The caller owns it.
     QMenu *createContextMenu();
@@ -103,6 +105,7 @@ private:
     QSplitter *m_splitter;
     QTabWidget *m_listTabs = nullptr;
     SessionListView *m_sessionView = nullptr;
+    AnimalView *m_animalView = nullptr;
     bool m_needsReload = true;
     // Set while the page itself rebuilds the selection, which is no choice of the user's.
     bool m_restoringSelection = false;

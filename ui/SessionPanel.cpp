@@ -5,6 +5,7 @@
 #include "device/CorvidaModel.h"
 #include "session/SessionStatistics.h"
 #include "settings/CorvidaSettings.h"
+#include "toolkit/widgets/StyleHelper.h"
 
 #include <QEvent>
 #include <QFormLayout>
@@ -90,6 +91,8 @@ SessionPanel::SessionPanel(BaseCorvidaDevice *device, CorvidaExperiment *record,
     box->addWidget(m_table);
 
     buildButton();
+    m_connections << connect(StyleHelper::instance(), &StyleHelper::themeChanged, this,
+                             &SessionPanel::retranslate);
     retranslate();
     // Nothing to show before the first session.
     hide();
@@ -102,7 +105,8 @@ void SessionPanel::buildButton()
     m_button = new QToolButton(this);
     m_button->setObjectName(QStringLiteral("sessionButton"));
     m_button->setPopupMode(QToolButton::MenuButtonPopup);
-    m_button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    m_button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_button->setIconSize(QSize(20, 20));
     m_button->setStyleSheet(QStringLiteral("QToolButton { padding: 4px 6px; }"));
     connect(m_button, &QToolButton::clicked, this, &SessionPanel::start);
 
@@ -140,6 +144,14 @@ void SessionPanel::fillCountsFromSettings()
     const SessionPlan plan = settings() ? SessionPlan::fromSettings(*settings()) : SessionPlan();
     m_acclimation->setValue(plan.acclimationCycles);
     m_cycles->setValue(plan.measurementCycles);
+}
+
+void SessionPanel::setCompact(bool compact)
+{
+    if (m_compact == compact)
+        return;
+    m_compact = compact;
+    retranslate();
 }
 
 void SessionPanel::setTickTimerActive(bool active)
@@ -320,7 +332,11 @@ void SessionPanel::updateStatistics()
 
 void SessionPanel::retranslate()
 {
-    m_button->setText(tr("Session"));
+    m_button->setText(m_compact ? QString() : tr("Session"));
+    m_button->setToolButtonStyle(m_compact ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+    m_button->setIcon(StyleHelper::tintedIcon(
+        QStringLiteral(":/resources/images/session-all.svg"),
+        StyleHelper::instance()->color(QStringLiteral("--v-text"), Qt::black)));
     m_button->setToolTip(tr("Run a session: acclimation cycles, then measurement cycles, each "
                             "after a steady pulse. The arrow changes the counts."));
     m_acclimationLabel->setText(tr("Acclimation cycles"));

@@ -51,6 +51,8 @@ public:
 
     // Whether a session may start now: a unit that answers and is not in a cuff cycle.
     bool canStart() const;
+    // Icon only on the Session button, for a narrow panel.
+    void setCompact(bool compact);
 
 public slots:
     bool start();
@@ -78,6 +80,7 @@ private:
     ConnectionHelper m_connections;
     VClock::Source m_clock;
     bool m_ticking = true;
+    bool m_compact = false;
     QString m_cycleText; // "Acclimation 3 of 5", "Cycle 7 of 15"
 
     QToolButton *m_button = nullptr;

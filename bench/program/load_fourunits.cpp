@@ -12,7 +12,9 @@
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "ui/CorvidaDeviceView.h"
 #include "ui/PageExperimentMulti.h"
+#include "ui/SessionPanel.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -76,6 +78,14 @@ int main(int argc, char **argv)
         if (measure)
             window.experimentPage()->measureAllButton()->click();
         if (now >= seconds * 1000LL) {
+            if (session) {
+                int cycles = 0;
+                for (CorvidaDeviceView *panel : window.experimentPage()->panels()) {
+                    if (SessionRun *run = panel->sessionPanel()->run())
+                        cycles += int(run->results().size());
+                }
+                std::printf("session cycles saved: %d\n", cycles);
+            }
             std::printf("whole run: %.1f %% of one core over %.0f s\n",
                         100.0 * (cpu - cpu0) / (now / 1000.0), now / 1000.0);
             QCoreApplication::exit(0);
