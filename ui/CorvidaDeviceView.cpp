@@ -381,7 +381,8 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
     equalisePair(m_measure, m_abort);
-    m_session->setCompact(!longTexts);
+    // The Session button came last into a full row: it gives up its word first.
+    m_session->setCompact(w <= ShortTextMaxWidth + 200);
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));

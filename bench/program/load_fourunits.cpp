@@ -48,7 +48,7 @@ int main(int argc, char **argv)
         settings->setSessionMeasurementCycles(100);
         settings->setSessionInterval(5);
         // The panels follow the units as they connect: start once they are there.
-        QTimer::singleShot(500, &app,
+        QTimer::singleShot(2000, &app,
                            [&window] { window.experimentPage()->sessionAllButton()->click(); });
     } else {
         window.experimentPage()->startAllButton()->click();
@@ -79,12 +79,11 @@ int main(int argc, char **argv)
             window.experimentPage()->measureAllButton()->click();
         if (now >= seconds * 1000LL) {
             if (session) {
-                int cycles = 0;
                 for (CorvidaDeviceView *panel : window.experimentPage()->panels()) {
-                    if (SessionRun *run = panel->sessionPanel()->run())
-                        cycles += int(run->results().size());
+                    const SessionRun *run = panel->sessionPanel()->run();
+                    std::printf("%s: %d session cycles saved\n", qPrintable(panel->title()),
+                                run ? int(run->results().size()) : 0);
                 }
-                std::printf("session cycles saved: %d\n", cycles);
             }
             std::printf("whole run: %.1f %% of one core over %.0f s\n",
                         100.0 * (cpu - cpu0) / (now / 1000.0), now / 1000.0);

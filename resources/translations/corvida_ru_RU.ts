@@ -53,6 +53,52 @@
     </message>
 </context>
 <context>
+    <name>AnimalHistoryPlot</name>
+    <message>
+        <source>No sessions</source>
+        <translation>Нет сеансов</translation>
+    </message>
+    <message>
+        <source>SBP and DBP, mmHg (mean ± SD)</source>
+        <translation>САД и ДАД, мм рт. ст. (среднее ± СО)</translation>
+    </message>
+    <message>
+        <source>Heart rate, bpm</source>
+        <translation>ЧСС, уд/мин</translation>
+    </message>
+</context>
+<context>
+    <name>AnimalView</name>
+    <message>
+        <source>The animal whose sessions are shown</source>
+        <translation>Животное, чьи сеансы показаны</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation>Отметки</translation>
+    </message>
+</context>
+<context>
     <name>ComCorvidaDevice</name>
     <message>
         <source>Port</source>
@@ -768,6 +814,10 @@ Restart now?</source>
     <message>
         <source>Sessions</source>
         <translation>Сеансы</translation>
+    </message>
+    <message>
+        <source>Animal</source>
+        <translation>Животное</translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,7 @@
 #include "settings/CorvidaSettings.h"
 #include "toolkit/LanguageContext.h"
 #include "toolkit/QuorvexCommon.h"
+#include "ui/AnimalView.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/PageDatabase.h"
@@ -140,6 +141,8 @@ void sessionPictures(Tour &tour, MainWindow *window, CorvidaDeviceView *panel,
         records->listTabs()->setCurrentWidget(records->sessionView());
         records->sessionView()->selectSession(session->run()->sessionId());
         tour.shoot(window, QStringLiteral("records-sessions"));
+        records->listTabs()->setCurrentWidget(records->animalView());
+        tour.shoot(window, QStringLiteral("records-animal"));
         records->listTabs()->setCurrentIndex(0);
         window->pageButton(window->experimentPage())->click();
         wait(300);
