@@ -16,7 +16,9 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
@@ -41,9 +43,27 @@ protected:
         return exportPath;
     }
     void warn(const QString &, const QString &text) override { warnings << text; }
-    void openFile(const QString &) override {}
+    void openFile(const QString &path) override { opened << path; }
+    QString askReportPath(const QString &) override { return exportPath; }
+
+public:
+    QStringList opened;
+
+protected:
     void showInFolder(const QString &) override {}
 };
+
+// The text of a PDF as poppler's pdftotext reads it; empty when the tool is missing.
+QString pdfText(const QString &path)
+{
+    const QString tool = QStandardPaths::findExecutable(QStringLiteral("pdftotext"));
+    if (tool.isEmpty())
+        return {};
+    QProcess p;
+    p.start(tool, {QStringLiteral("-layout"), path, QStringLiteral("-")});
+    p.waitForFinished(30000);
+    return QString::fromUtf8(p.readAllStandardOutput()).simplified();
+}
 
 // Mean ± sample SD as the sessions table writes them, computed here.
 QString meanSd(const QList<double> &x)
@@ -264,6 +284,50 @@ private slots:
         // The plot draws with and without means.
         m_page->listTabs()->setCurrentWidget(animal);
         QVERIFY(!animal->plot()->grab().isNull());
+    }
+
+    void printedReportsReadBackWithTheirVerdictsAndStatistics()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+            QSKIP("pdftotext (poppler-utils) is needed to read the reports back");
+        const QStringList cycles = measureSession(QStringLiteral("Rat 7"), 1, 3);
+        QCOMPARE(cycles.size(), 4);
+        m_now += 86'400'000;
+        QCOMPARE(measureSession(QStringLiteral("Rat 7"), 0, 1).size(), 1);
+        QTemporaryDir out;
+        auto page = std::make_unique<ExportingPage>();
+        page->show();
+        page->reload();
+        page->listTabs()->setCurrentWidget(page->sessionView());
+        SessionListView *sessions = page->sessionView();
+        sessions->selectSession(ExpFile::values(cycles[0]).value(QStringLiteral("Session")));
+        sessions->cycleTable()->selectRow(2);
+        sessions->rejectButton()->click();
+        QApplication::processEvents();
+
+        page->exportPath = out.filePath(QStringLiteral("session.pdf"));
+        sessions->reportButton()->click();
+        QCOMPARE(page->opened, QStringList{page->exportPath});
+        const QString text = pdfText(page->exportPath);
+        QVERIFY2(text.contains(QStringLiteral("Rodent: Rat 7")), qPrintable(text));
+        QVERIFY(text.contains(QStringLiteral("Accepted measurement cycles: 2 of 3")));
+        QVERIFY(text.contains(QStringLiteral("rejected by the operator")));
+        QList<double> kept;
+        for (int i : {1, 3})
+            kept << ExpFile::values(cycles[i]).value("SBP").toDouble();
+        QVERIFY2(text.contains(QStringLiteral("SBP %1 mmHg").arg(meanSd(kept))), qPrintable(text));
+        // One trace per accepted measurement cycle: cycles 1 and 3, not the rejected 2.
+        QVERIFY(text.contains(QStringLiteral("Cycle 1:")) && text.contains("Cycle 3:"));
+        QVERIFY(!text.contains(QStringLiteral("Cycle 2:")));
+
+        page->listTabs()->setCurrentWidget(page->animalView());
+        page->exportPath = out.filePath(QStringLiteral("animal.pdf"));
+        page->animalView()->reportButton()->click();
+        const QString animal = pdfText(page->exportPath);
+        QVERIFY2(animal.contains(QStringLiteral("Blood pressure across days")), qPrintable(animal));
+        QVERIFY(animal.contains(QStringLiteral("Sessions: 2")));
+        QVERIFY(page->warnings.isEmpty());
+        page.reset();
     }
 
     void sessionsAreFilteredByRodentAndKeepTheRecordsListApart()

@@ -98,18 +98,20 @@ void AnimalHistoryPlot::render(QPainter &painter, const QRectF &area) const
         }
         if (lo > hi)
             lo = 0, hi = 1;
-        const double step = niceStep(std::max(hi - lo, 1.0), 4);
+        // At least 20 units from top to bottom: a steady animal is not drawn as a wild one.
+        const double step = niceStep(std::max(hi - lo, 20.0), 4);
         lo = std::floor(lo / step) * step - step;
         hi = std::ceil(hi / step) * step + step;
         auto yOf = [&](double v) { return box.bottom() - (v - lo) / (hi - lo) * box.height(); };
 
-        painter.setPen(QPen(text.lighter(300), 0.5, Qt::DashLine));
+        const QPen grid(QColor(0xD0, 0xD0, 0xD0), 0.5, Qt::DashLine);
+        painter.setPen(grid);
         for (double v = lo; v <= hi + step / 2; v += step) {
             painter.drawLine(QPointF(box.left(), yOf(v)), QPointF(box.right(), yOf(v)));
             painter.setPen(text);
             painter.drawText(QRectF(area.left(), yOf(v) - fm.height() / 2, left - 6, fm.height()),
                              Qt::AlignRight | Qt::AlignVCenter, QString::number(v, 'f', 0));
-            painter.setPen(QPen(text.lighter(300), 0.5, Qt::DashLine));
+            painter.setPen(grid);
         }
         painter.setPen(text);
         painter.drawRect(box);

@@ -1,12 +1,15 @@
 #include "ui/AnimalView.h"
 
 #include "ui/AnimalHistoryPlot.h"
+#include "ui/SessionReport.h"
 #include "ui/SessionTableModel.h"
 
 #include <QComboBox>
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLocale>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -19,6 +22,7 @@ AnimalView::AnimalView(SessionTableModel *sessions, QWidget *parent)
     , m_chooser(new QComboBox(this))
     , m_plot(new AnimalHistoryPlot(this))
     , m_table(new QTableWidget(0, 6, this))
+    , m_report(new QPushButton(this))
 {
     setObjectName(QStringLiteral("animalView"));
     m_chooser->setObjectName(QStringLiteral("animalChooser"));
@@ -38,7 +42,15 @@ AnimalView::AnimalView(SessionTableModel *sessions, QWidget *parent)
     split->setStretchFactor(1, 2);
     auto *box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
-    box->addWidget(m_chooser);
+    m_report->setObjectName(QStringLiteral("animalReportButton"));
+    m_connections << connect(m_report, &QPushButton::clicked, this, [this] {
+        if (!m_rodent.isEmpty())
+            emit reportRequested(SessionReport::suggestedName(m_rodent, QDateTime()));
+    });
+    auto *top = new QHBoxLayout();
+    top->addWidget(m_chooser, 1);
+    top->addWidget(m_report);
+    box->addLayout(top);
     box->addWidget(split);
 
     m_connections << connect(m_sessions, &QAbstractItemModel::modelReset, this,
@@ -107,8 +119,24 @@ void AnimalView::rebuild()
     m_plot->setDays(days);
 }
 
+bool AnimalView::printReport(const QString &path, const CorvidaSettings *settings, QString *error)
+{
+    QList<SessionCatalog::Session> mine;
+    for (int row = 0; row < m_sessions->rowCount(); ++row) {
+        if (m_sessions->session(row).rodent == m_rodent)
+            mine << m_sessions->session(row);
+    }
+    if (mine.isEmpty())
+        return false;
+    std::sort(mine.begin(), mine.end(),
+              [](const auto &a, const auto &b) { return a.started < b.started; });
+    return SessionReport(settings).writeAnimal(path, m_rodent, mine, error);
+}
+
 void AnimalView::retranslate()
 {
+    m_report->setText(tr("Print report…"));
+    m_report->setToolTip(tr("The animal's sessions as a PDF: the plot and one line per session"));
     m_chooser->setToolTip(tr("The animal whose sessions are shown"));
     m_table->setHorizontalHeaderLabels(
         {tr("Date"), tr("Accepted"), tr("SBP"), tr("DBP"), tr("HR"), tr("Flags")});

@@ -5,7 +5,9 @@
 #include <QWidget>
 
 class AnimalHistoryPlot;
+class CorvidaSettings;
 class QComboBox;
+class QPushButton;
 class QTableWidget;
 class SessionTableModel;
 
@@ -26,6 +28,15 @@ public:
     QComboBox *rodentChooser() const { return m_chooser; }
     AnimalHistoryPlot *plot() const { return m_plot; }
     QTableWidget *table() const { return m_table; }
+    QPushButton *reportButton() const { return m_report; }
+
+    // Writes the report of the animal shown; false without one or when it cannot be written.
+    bool printReport(const QString &path, const CorvidaSettings *settings,
+                     QString *error = nullptr);
+
+signals:
+    // "Print report…" was clicked; the page asks where to.
+    void reportRequested(const QString &suggestedName);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -40,4 +51,5 @@ private:
     QComboBox *m_chooser;
     AnimalHistoryPlot *m_plot;
     QTableWidget *m_table;
+    QPushButton *m_report;
 };

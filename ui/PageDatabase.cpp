@@ -137,6 +137,10 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_listTabs->addTab(m_sessionView, tr("Sessions"));
     m_animalView = new AnimalView(m_sessionView->model(), this);
     m_listTabs->addTab(m_animalView, tr("Animal"));
+    m_connections << connect(m_sessionView, &SessionListView::reportRequested, this,
+                             &PageDatabase::printReport);
+    m_connections << connect(m_animalView, &AnimalView::reportRequested, this,
+                             &PageDatabase::printReport);
     // The preview shows what the tab in front has selected.
     m_connections << connect(m_listTabs, &QTabWidget::currentChanged, this,
                              [this] { manageSelection(); });
@@ -414,6 +418,31 @@ void PageDatabase::recalcExperiment(CorvidaExperiment *exp)
 void PageDatabase::recalculateSelected()
 {
     recalculate(shownRecords());
+}
+
+void PageDatabase::printReport(const QString &suggestedName)
+{
+    QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (documents.isEmpty() || !QDir(documents).exists())
+        documents = QDir::homePath();
+    const QString path = askReportPath(QDir(documents).filePath(suggestedName));
+    if (path.isEmpty())
+        return;
+    QString error;
+    const bool written = m_listTabs->currentWidget() == m_animalView
+                             ? m_animalView->printReport(path, m_settings, &error)
+                             : m_sessionView->printReport(path, &error);
+    if (!written) {
+        warn(tr("Print report"), error.isEmpty() ? RecordExport::errorText(path) : error);
+        return;
+    }
+    openFile(path);
+}
+
+QString PageDatabase::askReportPath(const QString &suggestedPath)
+{
+    return QFileDialog::getSaveFileName(this, tr("Print report"), suggestedPath,
+                                        tr("PDF files (*.pdf)"));
 }
 
 QList<CorvidaExperiment *> PageDatabase::shownRecords() const

@@ -89,10 +89,13 @@ protected:
     virtual void showInFolder(const QString &path);
     virtual void openFolder(const QString &folder);
     virtual void openFile(const QString &path);
+    // Where to write a printed report, empty when cancelled.
+    virtual QString askReportPath(const QString &suggestedPath);
 
 private:
     void recalculate(const QList<CorvidaExperiment *> &records);
     QList<CorvidaExperiment *> shownRecords() const;
+    void printReport(const QString &suggestedName);
     void onSelectionChanged();
     void applySplitterRatio();
     void storeSplitterRatio();

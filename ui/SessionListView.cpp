@@ -1,6 +1,7 @@
 #include "ui/SessionListView.h"
 
 #include "analysis/CorvidaExperiment.h"
+#include "ui/SessionReport.h"
 #include "ui/SessionTableModel.h"
 
 #include <QEvent>
@@ -30,6 +31,7 @@ SessionListView::SessionListView(RecordDatabase *database, const CorvidaSettings
     : QWidget(parent)
     , m_model(new SessionTableModel(database, settings, this))
     , m_proxy(new QSortFilterProxyModel(this))
+    , m_settings(settings)
 {
     setObjectName(QStringLiteral("sessionListView"));
     m_proxy->setSourceModel(m_model);
@@ -88,6 +90,15 @@ SessionListView::SessionListView(RecordDatabase *database, const CorvidaSettings
     m_connections << connect(m_automatic, &QPushButton::clicked, this,
                              [this] { setVerdictOfSelected(CorvidaExperiment::VerdictAutomatic); });
 
+    m_report = new QPushButton(this);
+    m_report->setObjectName(QStringLiteral("sessionReportButton"));
+    m_connections << connect(m_report, &QPushButton::clicked, this, [this] {
+        const int row = m_model->rowOf(m_current);
+        if (row >= 0)
+            emit reportRequested(SessionReport::suggestedName(m_model->session(row).rodent,
+                                                              m_model->session(row).started));
+    });
+
     auto *cyclesBox = new QWidget(this);
     auto *cyclesLayout = new QVBoxLayout(cyclesBox);
     cyclesLayout->setContentsMargins(0, 0, 0, 0);
@@ -96,6 +107,7 @@ SessionListView::SessionListView(RecordDatabase *database, const CorvidaSettings
     buttons->addWidget(m_reject);
     buttons->addWidget(m_automatic);
     buttons->addStretch(1);
+    buttons->addWidget(m_report);
     cyclesLayout->addLayout(buttons);
     cyclesLayout->addWidget(m_cycles);
 
@@ -233,6 +245,15 @@ void SessionListView::updateButtons()
     const bool any = !m_cycles->selectionModel()->selectedRows().isEmpty();
     for (QPushButton *b : {m_accept, m_reject, m_automatic})
         b->setEnabled(any);
+    m_report->setEnabled(!m_current.isEmpty());
+}
+
+bool SessionListView::printReport(const QString &path, QString *error)
+{
+    const int row = m_model->rowOf(m_current);
+    if (row < 0)
+        return false;
+    return SessionReport(m_settings).writeSession(path, m_model->session(row), error);
 }
 
 void SessionListView::retranslate()
@@ -244,6 +265,8 @@ void SessionListView::retranslate()
     m_reject->setToolTip(tr("Leave the selected cycles out of the statistics"));
     m_automatic->setText(tr("Automatic"));
     m_automatic->setToolTip(tr("Give the selected cycles back to the automatic verdict"));
+    m_report->setText(tr("Print report…"));
+    m_report->setToolTip(tr("The session as a PDF: cycles, verdicts, statistics and traces"));
     m_cycles->setHorizontalHeaderLabels(
         {tr("Cycle"), tr("SBP"), tr("DBP"), tr("MAP"), tr("HR"), tr("Verdict")});
     fillCycles();

@@ -28,6 +28,7 @@ public:
 
     SessionListView(RecordDatabase *database, const CorvidaSettings *settings,
                     QWidget *parent = nullptr);
+    const CorvidaSettings *settings() const { return m_settings; }
 
     SessionTableModel *model() const { return m_model; }
     QTableView *sessionTable() const { return m_sessions; }
@@ -36,6 +37,7 @@ public:
     QPushButton *acceptButton() const { return m_accept; }
     QPushButton *rejectButton() const { return m_reject; }
     QPushButton *automaticButton() const { return m_automatic; }
+    QPushButton *reportButton() const { return m_report; }
 
     // The selected session's identity; empty without one.
     QString currentSession() const { return m_current; }
@@ -48,12 +50,16 @@ public:
 public slots:
     // Sets the operator's verdict (a CorvidaExperiment::OperatorVerdict) on the selected cycles.
     void setVerdictOfSelected(int verdict);
+    // Writes the selected session's report; false when there is none or it cannot be written.
+    bool printReport(const QString &path, QString *error = nullptr);
 
 signals:
     // The records to show in the preview.
     void cyclesSelected(const QList<CorvidaExperiment *> &cycles);
     // A verdict could not be written into this record's file.
     void saveFailed(const QString &path);
+    // "Print report…" was clicked with a session selected; the page asks where to.
+    void reportRequested(const QString &suggestedName);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -74,5 +80,7 @@ private:
     QPushButton *m_accept;
     QPushButton *m_reject;
     QPushButton *m_automatic;
+    QPushButton *m_report;
     QString m_current;
+    const CorvidaSettings *m_settings;
 };

@@ -47,6 +47,8 @@ int main(int argc, char **argv)
         settings->setSessionAcclimationCycles(1);
         settings->setSessionMeasurementCycles(100);
         settings->setSessionInterval(5);
+        // Side by side the simulated units' pulses do not pass the gate: no waiting for it.
+        settings->setSessionPulseWait(0);
         // The panels follow the units as they connect: start once they are there.
         QTimer::singleShot(2000, &app,
                            [&window] { window.experimentPage()->sessionAllButton()->click(); });
