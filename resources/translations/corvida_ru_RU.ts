@@ -97,6 +97,14 @@
         <source>Flags</source>
         <translation>Отметки</translation>
     </message>
+    <message>
+        <source>Print report…</source>
+        <translation>Печать отчёта…</translation>
+    </message>
+    <message>
+        <source>The animal&apos;s sessions as a PDF: the plot and one line per session</source>
+        <translation>Сеансы животного в PDF: график и по строке на сеанс</translation>
+    </message>
 </context>
 <context>
     <name>ComCorvidaDevice</name>
@@ -819,6 +827,14 @@ Restart now?</source>
         <source>Animal</source>
         <translation>Животное</translation>
     </message>
+    <message>
+        <source>Print report</source>
+        <translation>Печать отчёта</translation>
+    </message>
+    <message>
+        <source>PDF files (*.pdf)</source>
+        <translation>Файлы PDF (*.pdf)</translation>
+    </message>
 </context>
 <context>
     <name>PageExperimentMulti</name>
@@ -1107,6 +1123,14 @@ Continue?</source>
         <source>Verdict</source>
         <translation>Оценка</translation>
     </message>
+    <message>
+        <source>Print report…</source>
+        <translation>Печать отчёта…</translation>
+    </message>
+    <message>
+        <source>The session as a PDF: cycles, verdicts, statistics and traces</source>
+        <translation>Сеанс в PDF: циклы, оценки, статистика и кривые</translation>
+    </message>
 </context>
 <context>
     <name>SessionPanel</name>
@@ -1197,6 +1221,169 @@ Continue?</source>
     <message>
         <source>Result</source>
         <translation>Результат</translation>
+    </message>
+</context>
+<context>
+    <name>SessionReport</name>
+    <message>
+        <source>(not named)</source>
+        <translation>(без имени)</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>Accepted cycles: cuff pressure with the SBP and DBP markers</source>
+        <translation>Принятые циклы: давление в манжете с маркерами САД и ДАД</translation>
+    </message>
+    <message>
+        <source>Accepted measurement cycles: %1 of %2</source>
+        <translation>Принято циклов измерения: %1 из %2</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>Acceptance: heart rate %1–%2 bpm, SBP %3–%4 mmHg, DBP %5–%6 mmHg, SBP − DBP at least %7 mmHg, irregular beats at most %8 %</source>
+        <translation>Приём цикла: ЧСС %1–%2 уд/мин, САД %3–%4 мм рт. ст., ДАД %5–%6 мм рт. ст., САД − ДАД не меньше %7 мм рт. ст., нерегулярных ударов не больше %8 %</translation>
+    </message>
+    <message>
+        <source>Blood pressure across days</source>
+        <translation>Артериальное давление по дням</translation>
+    </message>
+    <message>
+        <source>Blood pressure session</source>
+        <translation>Сеанс измерения артериального давления</translation>
+    </message>
+    <message>
+        <source>Cannot write &quot;%1&quot;</source>
+        <translation>Не удаётся записать «%1»</translation>
+    </message>
+    <message>
+        <source>Cycle %1: %2/%3 mmHg, %4 bpm</source>
+        <translation>Цикл %1: %2/%3 мм рт. ст., %4 уд/мин</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>Cycles</source>
+        <translation>Циклы</translation>
+    </message>
+    <message>
+        <source>Cycles: %1 acclimation, %2 of %3 measurement cycles measured</source>
+        <translation>Циклы: привыкание — %1, измерено %2 из %3 циклов измерения</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Date: %1 to %2</source>
+        <translation>Дата: с %1 по %2</translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation>Отметки</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Hollow points: flagged sessions. Grey marks: sessions without a mean.</source>
+        <translation>Полые точки — сеансы с отметкой. Серые метки — сеансы без среднего.</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>Printed %1 by %2</source>
+        <translation>Напечатано %1, %2</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Результат</translation>
+    </message>
+    <message>
+        <source>Rodent: %1</source>
+        <translation>Животное: %1</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg · DBP %2 mmHg · MAP %3 mmHg · heart rate %4 bpm (mean ± SD)</source>
+        <translation>САД %1 мм рт. ст. · ДАД %2 мм рт. ст. · СрАД %3 мм рт. ст. · ЧСС %4 уд/мин (среднее ± СО)</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>Session of %1</source>
+        <translation>Сеанс: %1</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Сеанс</translation>
+    </message>
+    <message>
+        <source>Sessions of %1</source>
+        <translation>Сеансы: %1</translation>
+    </message>
+    <message>
+        <source>Sessions: %1, from %2 to %3</source>
+        <translation>Сеансов: %1, с %2 по %3</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Время</translation>
+    </message>
+    <message>
+        <source>To repeat: %1</source>
+        <translation>Повторить: %1</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Unit: %1</source>
+        <translation>Прибор: %1</translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation>Оценка</translation>
+    </message>
+    <message>
+        <source>accepted by the operator</source>
+        <translation>принят оператором</translation>
+    </message>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>acclimation</source>
+        <translation>привыкание</translation>
+    </message>
+    <message>
+        <source>mmHg</source>
+        <translation>мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>rejected by the operator</source>
+        <translation>отклонён оператором</translation>
+    </message>
+    <message>
+        <source>rejected</source>
+        <translation>отклонён</translation>
     </message>
 </context>
 <context>
