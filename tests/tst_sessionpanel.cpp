@@ -214,6 +214,8 @@ private slots:
         QVERIFY(!session()->isRunning());
         QVERIFY2(session()->stateLabel()->text().startsWith(stateStart),
                  qPrintable(session()->stateLabel()->text()));
+        if (unitLost)
+            QVERIFY(session()->stateLabel()->text().endsWith("Finished cycles kept: 1."));
         QCOMPARE(session()->cycleTable()->rowCount(), 1);
         QCOMPARE(savedRecords().size(), 1);
         QVERIFY(!session()->abortButton()->isVisibleTo(session()));

@@ -254,8 +254,7 @@ void SessionPanel::onStateChanged()
         break;
     case S::UnitLost:
         problem = true;
-        text =
-            tr("Unit lost: %1. The %2 finished cycles are kept.").arg(m_run->message()).arg(done);
+        text = tr("Unit lost: %1. Finished cycles kept: %2.").arg(m_run->message()).arg(done);
         break;
     case S::Aborted:
     case S::SaveFailed:

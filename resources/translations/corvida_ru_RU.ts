@@ -1155,8 +1155,8 @@ Continue?</source>
         <translation>Сеанс завершён: циклов %1</translation>
     </message>
     <message>
-        <source>Unit lost: %1. The %2 finished cycles are kept.</source>
-        <translation>Прибор потерян: %1. Завершённые циклы (%2) сохранены.</translation>
+        <source>Unit lost: %1. Finished cycles kept: %2.</source>
+        <translation>Прибор потерян: %1. Сохранено завершённых циклов: %2.</translation>
     </message>
     <message>
         <source>accepted</source>
