@@ -1,4 +1,5 @@
 #include "analysis/CorvidaOnlineExperiment.h"
+#include "analysis/LiveRecorder.h"
 #include "device/CorvidaModel.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "session/SessionRun.h"
@@ -30,6 +31,23 @@ QString visibleState(QWidget *w)
 }
 } // namespace
 
+// The panel with the question about an unsaved record answered by the test.
+class AnsweringView : public CorvidaDeviceView
+{
+public:
+    using CorvidaDeviceView::CorvidaDeviceView;
+    bool discard = false;
+    int asked = 0;
+    void answer(bool d) { discard = d; }
+
+protected:
+    bool confirmDiscard(const QString &) override
+    {
+        ++asked;
+        return discard;
+    }
+};
+
 // The unit's panel running a session on a simulated unit, the clock driven by the test.
 class TestSessionPanel : public QObject
 {
@@ -37,7 +55,7 @@ class TestSessionPanel : public QObject
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<CorvidaModel> m_model;
     VirtualCorvidaDevice *m_device = nullptr;
-    std::unique_ptr<CorvidaDeviceView> m_view;
+    std::unique_ptr<AnsweringView> m_view;
     qint64 m_now = 1'750'000'000'000;
     QStringList m_stateTexts;
 
@@ -96,7 +114,7 @@ private slots:
         m_device->setRandomSource([] { return 0.5; });
         m_model->addDevice(m_device);
         m_device->connectDevice();
-        m_view = std::make_unique<CorvidaDeviceView>(m_device);
+        m_view = std::make_unique<AnsweringView>(m_device);
         m_view->experiment()->setClock([this] { return m_now; });
         session()->setClock([this] { return m_now; });
         session()->setTickTimerActive(false);
@@ -226,6 +244,39 @@ private slots:
         // The statistics now say the session is incomplete.
         QVERIFY2(session()->statisticsLabel()->text().contains("Incomplete"),
                  qPrintable(session()->statisticsLabel()->text()));
+    }
+
+    void sessionAfterAnUnsavedMeasurementAsksAndDoesNotGrowIt_data()
+    {
+        QTest::addColumn<bool>("discard");
+        QTest::newRow("keep it") << false;
+        QTest::newRow("discard it") << true;
+    }
+    void sessionAfterAnUnsavedMeasurementAsksAndDoesNotGrowIt()
+    {
+        QFETCH(bool, discard);
+        m_view->turnOnButton()->click();
+        m_view->measureButton()->click();
+        for (int i = 0; i < 100; ++i)
+            step();
+        m_view->abortButton()->click();
+        QVERIFY(m_view->hasUnsavedMeasurement());
+        const qsizetype measured = m_view->recorder()->recordedSamples();
+
+        m_view->answer(discard);
+        session()->sessionButton()->click();
+        QCOMPARE(m_view->asked, 1);
+        QCOMPARE(session()->isRunning(), discard);
+        for (int i = 0; i < 100; ++i)
+            step();
+        if (!discard) {
+            // Kept as it was, ready to be saved.
+            QCOMPARE(m_view->recorder()->recordedSamples(), measured);
+            QVERIFY(m_view->hasUnsavedMeasurement());
+        } else {
+            // The panel's record is a preview now, not the old measurement going on.
+            QVERIFY(!m_view->recorder()->isKeepingAll());
+        }
     }
 
     void pulseIndicatorTellsAPulseFromAFlatLine_data()

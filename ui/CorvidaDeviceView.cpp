@@ -104,6 +104,17 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
         [this, live](double bpm) { m_heartRate->showRate(bpm, live->lastBeatCount()); });
     m_connections << connect(live, &CorvidaOnlineExperiment::startDateChanged, this,
                              &CorvidaDeviceView::refreshRecordedFileName);
+    // The panel's own record goes on receiving what the unit sends: a measurement kept whole
+    // would grow by the whole session. It is replaced by a preview, once the operator agrees.
+    m_session->setBeforeStart([this] {
+        if (!mayDiscardRecord())
+            return false;
+        if (!isDeviceStarted()) {
+            m_recorder->setRecordRaw(false);
+            m_recorder->turnOn();
+        }
+        return true;
+    });
     // While a session runs, the screen shows the cycle it records.
     m_connections << connect(m_session, &SessionPanel::sessionStarted, this,
                              [this](SessionRun *run) {

@@ -176,6 +176,8 @@ bool SessionPanel::start()
     CorvidaModel *model = CorvidaModel::instance();
     if (!canStart() || !model || model->recordsFolder().isEmpty())
         return false;
+    if (m_beforeStart && !m_beforeStart())
+        return false;
     SessionPlan plan = SessionPlan::fromSettings(*model->settings());
     plan.acclimationCycles = m_acclimation->value();
     plan.measurementCycles = m_cycles->value();

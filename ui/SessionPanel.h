@@ -6,6 +6,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <functional>
 
 class BaseCorvidaDevice;
 class CorvidaExperiment;
@@ -51,6 +52,9 @@ public:
 
     // Whether a session may start now: a unit that answers and is not in a cuff cycle.
     bool canStart() const;
+    // Asked before a session starts; a false answer leaves everything as it is. The panel uses
+    // it to keep a measurement that was not saved.
+    void setBeforeStart(std::function<bool()> check) { m_beforeStart = std::move(check); }
     // Icon only on the Session button, for a narrow panel.
     void setCompact(bool compact);
 
@@ -81,6 +85,7 @@ private:
     VClock::Source m_clock;
     bool m_ticking = true;
     bool m_compact = false;
+    std::function<bool()> m_beforeStart;
     QString m_cycleText; // "Acclimation 3 of 5", "Cycle 7 of 15"
 
     QToolButton *m_button = nullptr;
