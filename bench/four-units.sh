@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Four simulated units turned on in the real window under a virtual display: processor share
-# and resident memory every ten seconds. Usage: bench/four-units.sh [seconds] [--measure]
+# and resident memory every ten seconds.
+# Usage: bench/four-units.sh [seconds] [--measure | --session]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 BUILD_DIR=${BUILD_DIR:-build}

@@ -3,8 +3,10 @@
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
 #include "device/VirtualCorvidaDevice.h"
+#include "session/SessionRun.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/RecordDatabase.h"
+#include "support/ExpFile.h"
 #include "support/XlsxReader.h"
 #include "toolkit/LanguageContext.h"
 #include "ui/CorvidaDeviceView.h"
@@ -13,6 +15,9 @@
 #include "ui/PageExperimentMulti.h"
 #include "ui/RecordPreview.h"
 #include "ui/RecordTableModel.h"
+#include "ui/SessionListView.h"
+#include "ui/SessionPanel.h"
+#include "ui/SessionTableModel.h"
 #include "ui/SignalViewer.h"
 
 #include <QApplication>
@@ -22,9 +27,13 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
 #include <QtTest>
 
 #include <functional>
@@ -209,6 +218,105 @@ private slots:
             }
             QVERIFY(foundSBP);
         }
+    }
+
+    // A session from the panel to the exported "Sessions" sheet, one cycle rejected by hand.
+    void sessionRunsToTheRecordsPageAndItsSheet()
+    {
+        QTemporaryDir data;
+        CorvidaModel model(data.path());
+        CorvidaSettings *settings = model.settings();
+        settings->setStartFullscreen(false);
+        settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
+        settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
+        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+        settings->setSessionInterval(5);
+        MainWindow window;
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        settings->setUseVirtualCorvida(1);
+        CorvidaDeviceView *panel = window.experimentPage()->panels().value(0);
+        QVERIFY(panel);
+        auto *unit = qobject_cast<VirtualCorvidaDevice *>(panel->device());
+        unit->setTickTimerActive(false);
+        unit->setClock([this] { return m_now; });
+        SessionPanel *session = panel->sessionPanel();
+        session->setClock([this] { return m_now; });
+        session->setTickTimerActive(false);
+
+        QTest::keyClicks(panel->rodentEditor(), QStringLiteral("Rat 12"));
+        session->acclimationEditor()->setValue(1);
+        session->cyclesEditor()->setValue(3);
+        session->sessionButton()->click();
+        QVERIFY(session->isRunning());
+        for (int i = 0; i < 20000 && session->isRunning(); ++i) {
+            m_now += 50;
+            unit->tick();
+            session->run()->tick();
+        }
+        QCOMPARE(session->run()->state(), SessionRun::State::Finished);
+        QCOMPARE(session->cycleTable()->rowCount(), 4);
+        QStringList exps;
+        for (const SessionRun::CycleResult &r : session->run()->results())
+            exps << r.file.chopped(4) + QStringLiteral(".exp");
+
+        // The records page lists the session; reject the second measurement cycle by hand.
+        window.showPage(window.databasePage());
+        PageDatabase *records = window.databasePage();
+        records->reload();
+        records->listTabs()->setCurrentWidget(records->sessionView());
+        SessionListView *sessions = records->sessionView();
+        sessions->selectSession(session->run()->sessionId());
+        QCOMPARE(sessions->cycleTable()->rowCount(), 4);
+        sessions->cycleTable()->selectRow(2);
+        sessions->rejectButton()->click();
+        QCOMPARE(ExpFile::values(exps[2]).value(QStringLiteral("Verdict")), QStringLiteral("2"));
+        QList<double> sbp;
+        for (int i : {1, 3})
+            sbp << ExpFile::values(exps[i]).value(QStringLiteral("SBP")).toDouble();
+        const double mean = (sbp[0] + sbp[1]) / 2.0;
+        const double sd = std::fabs(sbp[0] - sbp[1]) / std::sqrt(2.0);
+        QAbstractItemModel *rows = sessions->sessionTable()->model();
+        QTRY_COMPARE(rows->index(0, SessionTableModel::AcceptedColumn).data().toString(),
+                     QStringLiteral("2/3"));
+        QCOMPARE(rows->index(0, SessionTableModel::RodentColumn).data().toString(),
+                 QStringLiteral("Rat 12"));
+        QCOMPARE(rows->index(0, SessionTableModel::SBPColumn).data().toString(),
+                 QStringLiteral("%1 ± %2").arg(mean, 0, 'f', 1).arg(sd, 0, 'f', 1));
+
+        // Export the session's cycles through the real dialog; the workbook has the sheet.
+        QTemporaryDir exports;
+        const QString path = exports.filePath(QStringLiteral("session.xlsx"));
+        answerNext([path](QWidget *modal) {
+            auto *dialog = qobject_cast<QFileDialog *>(modal);
+            QVERIFY(dialog);
+            for (const QString &filter : dialog->nameFilters()) {
+                if (filter.contains(QStringLiteral("xlsx")))
+                    dialog->selectNameFilter(filter);
+            }
+            dialog->setDirectory(QFileInfo(path).absolutePath());
+            dialog->selectFile(QFileInfo(path).fileName());
+            if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                name->setText(QFileInfo(path).fileName());
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        records->preview()->exportButton()->click();
+        QTRY_VERIFY(QFile::exists(path));
+        if (!XlsxReader::available())
+            QSKIP("no independent XLSX reader (python3-openpyxl) to check the workbook");
+        QString error;
+        const QJsonArray sheets = XlsxReader::read(path, &error);
+        QVERIFY2(!sheets.isEmpty(), qPrintable(error));
+        QJsonArray sessionRows;
+        for (const auto &sheet : sheets) {
+            if (sheet.toObject().value(QStringLiteral("name")).toString() ==
+                QStringLiteral("Sessions"))
+                sessionRows = sheet.toObject().value(QStringLiteral("rows")).toArray();
+        }
+        QCOMPARE(sessionRows.size(), 2); // the header and the one session
+        const QJsonArray row = sessionRows[1].toArray();
+        QCOMPARE(row[0].toString(), QStringLiteral("Rat 12"));
+        QCOMPARE(row[3].toString(), QStringLiteral("2/3"));
+        QVERIFY2(std::fabs(row[4].toDouble() - mean) < 0.05, qPrintable(QString::number(mean)));
     }
 };
 

@@ -4,6 +4,7 @@
 #include "settings/CorvidaSettings.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/PageExperimentMulti.h"
+#include "ui/SessionPanel.h"
 #include "ui/SuggestionsWidget.h"
 
 #include <QAbstractButton>
@@ -154,6 +155,38 @@ private slots:
         m_page->stopAllButton()->click();
         for (VirtualCorvidaDevice *d : std::as_const(m_devices))
             QVERIFY(!d->isAcquiring());
+    }
+    void sessionOnAllUnitsLeavesBusyUnitsAlone()
+    {
+        addDevices(3);
+        m_page = std::make_unique<PageExperimentMulti>();
+        const QList<CorvidaDeviceView *> panels = m_page->panels();
+        for (CorvidaDeviceView *panel : panels) {
+            panel->sessionPanel()->setClock([this] { return m_now; });
+            panel->sessionPanel()->setTickTimerActive(false);
+        }
+        panels[1]->turnOn();
+        panels[1]->measure();
+        QVERIFY(panels[2]->sessionPanel()->start());
+        SessionRun *earlier = panels[2]->sessionPanel()->run();
+        run(1500);
+        const qsizetype measured = panels[1]->recorder()->recordedSamples();
+
+        m_page->sessionAllButton()->click();
+        QVERIFY(panels[0]->sessionPanel()->isRunning());
+        // A plain measurement under way is not turned into a session, and a session under way
+        // is not started again.
+        QVERIFY(!panels[1]->sessionPanel()->run());
+        QCOMPARE(panels[1]->recorder()->recordedSamples(), measured);
+        QCOMPARE(panels[2]->sessionPanel()->run(), earlier);
+
+        // Abort on all units ends the sessions as well as the measurement.
+        m_page->abortAllButton()->click();
+        for (int i : {0, 2}) {
+            QVERIFY(!panels[i]->sessionPanel()->isRunning());
+            QCOMPARE(panels[i]->sessionPanel()->run()->state(), SessionRun::State::Aborted);
+        }
+        QVERIFY(!m_devices[1]->isMeasuring());
     }
     void aLostUnitKeepsItsPanelOnlyWithAnUnsavedRecord()
     {

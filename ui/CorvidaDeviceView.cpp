@@ -10,7 +10,9 @@
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/HeartRateWidget.h"
+#include "ui/PulseIndicator.h"
 #include "ui/SerialNumberDialog.h"
+#include "ui/SessionPanel.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -27,6 +29,7 @@
 #include <QRegularExpression>
 #include <QResizeEvent>
 #include <QStyle>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -82,6 +85,7 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
     m_notice->setStyleSheet(QStringLiteral("QLabel { color: #C30; font-weight: bold }"));
     m_notice->hide();
     box->addWidget(m_notice);
+    box->addWidget(m_session);
 
     auto *viewerBox = new QWidget(this);
     auto *viewerLayout = new QVBoxLayout(viewerBox);
@@ -100,6 +104,25 @@ CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
         [this, live](double bpm) { m_heartRate->showRate(bpm, live->lastBeatCount()); });
     m_connections << connect(live, &CorvidaOnlineExperiment::startDateChanged, this,
                              &CorvidaDeviceView::refreshRecordedFileName);
+    // The panel's own record goes on receiving what the unit sends: a measurement kept whole
+    // would grow by the whole session. It is replaced by a preview, once the operator agrees.
+    m_session->setBeforeStart([this] {
+        if (!mayDiscardRecord())
+            return false;
+        if (!isDeviceStarted()) {
+            m_recorder->setRecordRaw(false);
+            m_recorder->turnOn();
+        }
+        return true;
+    });
+    // While a session runs, the screen shows the cycle it records.
+    m_connections << connect(m_session, &SessionPanel::sessionStarted, this,
+                             [this](SessionRun *run) {
+                                 clearNotice();
+                                 m_viewer->setExperiment(run->recorder()->experiment());
+                             });
+    m_connections << connect(m_session, &SessionPanel::runningChanged, this,
+                             &CorvidaDeviceView::manageButtons);
     m_connections << connect(m_recorder, &LiveRecorder::dataUpdated, this,
                              &CorvidaDeviceView::onDataUpdated);
     m_connections << connect(m_recorder, &LiveRecorder::linkLost, this, [this] {
@@ -195,6 +218,10 @@ void CorvidaDeviceView::buildHeader()
     m_connections << connect(m_recordedFile, &QPushButton::clicked, this,
                              &CorvidaDeviceView::openRecordedFile);
 
+    m_session = new SessionPanel(m_device, experiment(), this);
+    m_pulse = new PulseIndicator(m_device, this);
+    if (CorvidaModel *model = CorvidaModel::instance())
+        m_pulse->setLimits(SessionPlan::fromSettings(*model->settings()).gate);
     m_heartRate = new HeartRateWidget(this);
     m_rodent = createTextEditor(QStringLiteral("Rodent"), QStringLiteral("rodentEditor"));
     m_comment = createTextEditor(QStringLiteral("Comment"), QStringLiteral("commentEditor"));
@@ -209,6 +236,8 @@ void CorvidaDeviceView::buildHeader()
     row->addSpacing(2);
     row->addWidget(m_measure);
     row->addWidget(m_abort);
+    row->addWidget(m_session->sessionButton());
+    row->addWidget(m_pulse);
     row->addSpacing(10);
     row->addWidget(m_save);
     row->addWidget(m_recordedFileBox);
@@ -292,20 +321,26 @@ void CorvidaDeviceView::manageButtons()
     const bool connected = isDeviceConnected();
     const bool started = isDeviceStarted();
     const bool measuring = isDeviceMeasuring();
-    const bool saveable = m_recorder->isSaveable();
+    // A session drives the unit by itself: its own Abort is the only way in.
+    const bool session = m_session->isRunning();
+    // While the screen shows a session's cycle, Save would save something else: the session
+    // has saved its cycles itself.
+    const bool showsSession = m_viewer->experiment() != experiment();
+    const bool saveable = m_recorder->isSaveable() && !showsSession;
 
     m_found->setVisible(connected);
     m_notFound->setVisible(!connected);
-    m_turnOn->setEnabled(connected);
+    m_turnOn->setEnabled(connected && !session);
     m_turnOn->setVisible(!started);
-    m_turnOff->setEnabled(connected && !measuring);
+    m_turnOff->setEnabled(connected && !measuring && !session);
     m_turnOff->setVisible(started);
-    m_measure->setEnabled(connected && started);
-    m_measure->setVisible(!measuring);
+    m_measure->setEnabled(connected && started && !session);
+    m_measure->setVisible(!measuring && !session);
     m_abort->setEnabled(connected);
-    m_abort->setVisible(measuring);
+    m_abort->setVisible(measuring && !session);
+    m_session->sessionButton()->setEnabled(m_session->canStart());
 
-    setEditablesEnabled(true);
+    setEditablesEnabled(!session);
     m_save->setVisible(saveable);
     updateSaveLook();
     m_recordedFile->hide();
@@ -357,6 +392,8 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
     equalisePair(m_measure, m_abort);
+    // The Session button came last into a full row: it gives up its word first.
+    m_session->setCompact(w <= ShortTextMaxWidth + 200);
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
@@ -389,11 +426,18 @@ void CorvidaDeviceView::turnOn()
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     m_heartRate->setHeartRate(0);
     clearNotice();
+    m_viewer->setExperiment(experiment());
     m_recorder->turnOn();
+    manageButtons();
 }
 
 void CorvidaDeviceView::turnOff()
 {
+    // Turning off a unit in a session ends the session; its finished cycles stay.
+    if (m_session->isRunning()) {
+        m_session->abort();
+        return;
+    }
     if (!isDeviceConnected() || !isDeviceStarted())
         return;
     m_device->stopAcquisition();
@@ -401,15 +445,21 @@ void CorvidaDeviceView::turnOff()
 
 void CorvidaDeviceView::measure()
 {
-    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() || !mayDiscardRecord())
+    if (!isDeviceConnected() || !isDeviceStarted() || isDeviceMeasuring() ||
+        m_session->isRunning() || !mayDiscardRecord())
         return;
     m_recorder->setRecordRaw(CorvidaModel::saveRawData());
     clearNotice();
+    m_viewer->setExperiment(experiment());
     m_recorder->measure();
 }
 
 void CorvidaDeviceView::abort()
 {
+    if (m_session->isRunning()) {
+        m_session->abort();
+        return;
+    }
     if (!isDeviceConnected() || !isDeviceStarted() || !isDeviceMeasuring())
         return;
     m_recorder->abort();
@@ -438,7 +488,8 @@ bool CorvidaDeviceView::confirmDiscard(const QString &text)
 
 void CorvidaDeviceView::onMeasuringChanged()
 {
-    if (isDeviceMeasuring())
+    // A session saves its cycles itself; they are not this panel's unsaved record.
+    if (isDeviceMeasuring() && !m_session->isRunning())
         m_unsavedMeasurement = true;
     // A finished cuff cycle leaves a record to look at: bring it fully into view.
     m_viewer->refreshData();
@@ -448,7 +499,8 @@ void CorvidaDeviceView::onMeasuringChanged()
 void CorvidaDeviceView::onDataUpdated()
 {
     // Save appears once the record is long enough, without waiting for the next state change.
-    if (m_recorder->isSaveable() && !m_save->isVisible() && m_save->isEnabled())
+    if (m_recorder->isSaveable() && !m_save->isVisible() && m_save->isEnabled() &&
+        m_viewer->experiment() == experiment())
         m_save->setVisible(true);
 }
 

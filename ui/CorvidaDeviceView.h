@@ -16,6 +16,8 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QPushButton;
+class PulseIndicator;
+class SessionPanel;
 
 // The panel of one measuring unit on the Experiment page: presence indicators, the acquisition
 // and measurement buttons, Save and the last saved file, the heart rate, the rodent and comment
@@ -73,6 +75,8 @@ public:
     // What went wrong with the current recording (link lost, limit reached, no calibration);
     // hidden while there is nothing to say.
     QLabel *noticeLabel() const { return m_notice; }
+    SessionPanel *sessionPanel() const { return m_session; }
+    PulseIndicator *pulseIndicator() const { return m_pulse; }
 
     // The service menu of the found indicator (serial units, Ctrl and Alt held); null when it
     // is not offered. The caller owns the menu.
@@ -141,6 +145,8 @@ private:
     QLineEdit *m_rodent = nullptr;
     QLineEdit *m_comment = nullptr;
     QLabel *m_notice = nullptr;
+    SessionPanel *m_session = nullptr;
+    PulseIndicator *m_pulse = nullptr;
     QList<QWidget *> m_editables;
     ExperimentViewer *m_viewer = nullptr;
     bool m_unsavedMeasurement = false;

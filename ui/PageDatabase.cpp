@@ -8,9 +8,11 @@
 #include "storage/RecordDatabase.h"
 #include "storage/RecordExport.h"
 #include "toolkit/widgets/StyleHelper.h"
+#include "ui/AnimalView.h"
 #include "ui/FileBrowser.h"
 #include "ui/RecordPreview.h"
 #include "ui/RecordTableModel.h"
+#include "ui/SessionListView.h"
 #include "ui/WorkProgress.h"
 
 #include <QAction>
@@ -24,6 +26,7 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStandardPaths>
+#include <QTabWidget>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -118,9 +121,35 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_connections << connect(m_preview, &RecordPreview::exportRequested, this,
                              &PageDatabase::exportSelected);
 
+    m_sessionView = new SessionListView(m_database, m_settings, this);
+    m_connections << connect(m_sessionView, &SessionListView::cyclesSelected, this,
+                             [this](const QList<CorvidaExperiment *> &cycles) {
+                                 // The animal view follows the animal of the chosen session.
+                                 if (!cycles.isEmpty())
+                                     m_animalView->setRodent(cycles.first()->getRodent());
+                                 if (m_listTabs->currentWidget() != m_table)
+                                     m_preview->showRecords(cycles);
+                             });
+    m_connections << connect(
+        m_sessionView, &SessionListView::saveFailed, this,
+        [this](const QString &path) { warn(tr("Records"), RecordExport::errorText(path)); });
+    m_listTabs = new QTabWidget(this);
+    m_listTabs->setObjectName(QStringLiteral("recordListTabs"));
+    m_listTabs->addTab(m_table, tr("Records"));
+    m_listTabs->addTab(m_sessionView, tr("Sessions"));
+    m_animalView = new AnimalView(m_sessionView->model(), this);
+    m_listTabs->addTab(m_animalView, tr("Animal"));
+    m_connections << connect(m_sessionView, &SessionListView::reportRequested, this,
+                             &PageDatabase::printReport);
+    m_connections << connect(m_animalView, &AnimalView::reportRequested, this,
+                             &PageDatabase::printReport);
+    // The preview shows what the tab in front has selected.
+    m_connections << connect(m_listTabs, &QTabWidget::currentChanged, this,
+                             [this] { manageSelection(); });
+
     m_splitter = new QSplitter(Qt::Horizontal, this);
     m_splitter->setChildrenCollapsible(false);
-    m_splitter->addWidget(m_table);
+    m_splitter->addWidget(m_listTabs);
     m_splitter->addWidget(m_preview);
     m_connections << connect(m_splitter, &QSplitter::splitterMoved, this,
                              &PageDatabase::storeSplitterRatio);
@@ -289,6 +318,10 @@ void PageDatabase::scrollToCurrentRow()
 
 void PageDatabase::manageSelection()
 {
+    if (m_listTabs && m_listTabs->currentWidget() != m_table) {
+        m_preview->showRecords(m_sessionView->currentCycles());
+        return;
+    }
     const QStringList paths = selectedRecordPaths();
     QList<CorvidaExperiment *> records;
     QList<CorvidaExperiment *> readable;
@@ -386,7 +419,40 @@ void PageDatabase::recalcExperiment(CorvidaExperiment *exp)
 
 void PageDatabase::recalculateSelected()
 {
-    recalculate(selectedRecords());
+    recalculate(shownRecords());
+}
+
+void PageDatabase::printReport(const QString &suggestedName)
+{
+    QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (documents.isEmpty() || !QDir(documents).exists())
+        documents = QDir::homePath();
+    const QString path = askReportPath(QDir(documents).filePath(suggestedName));
+    if (path.isEmpty())
+        return;
+    QString error;
+    const bool written = m_listTabs->currentWidget() == m_animalView
+                             ? m_animalView->printReport(path, m_settings, &error)
+                             : m_sessionView->printReport(path, &error);
+    if (!written) {
+        warn(tr("Print report"), error.isEmpty() ? RecordExport::errorText(path) : error);
+        return;
+    }
+    openFile(path);
+}
+
+QString PageDatabase::askReportPath(const QString &suggestedPath)
+{
+    return QFileDialog::getSaveFileName(this, tr("Print report"), suggestedPath,
+                                        tr("PDF files (*.pdf)"));
+}
+
+QList<CorvidaExperiment *> PageDatabase::shownRecords() const
+{
+    // The preview's buttons act on what it shows: with the sessions in front, a session's cycles.
+    if (m_listTabs && m_listTabs->currentWidget() != m_table)
+        return m_sessionView->currentCycles();
+    return selectedRecords();
 }
 
 void PageDatabase::recalculate(const QList<CorvidaExperiment *> &records)
@@ -407,7 +473,7 @@ void PageDatabase::recalculate(const QList<CorvidaExperiment *> &records)
 
 void PageDatabase::exportSelected()
 {
-    const QList<CorvidaExperiment *> records = selectedRecords();
+    const QList<CorvidaExperiment *> records = shownRecords();
     if (records.isEmpty())
         return;
     QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);

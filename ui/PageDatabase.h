@@ -13,6 +13,9 @@ class QTableView;
 class RecordDatabase;
 class RecordPreview;
 class RecordTableModel;
+class SessionListView;
+class AnimalView;
+class QTabWidget;
 
 // The second page: the records of the records folder in a table on the left, the selected
 // record (or several laid over one another) on the right. From here records are renamed by
@@ -46,6 +49,10 @@ public:
     RecordTableModel *model() const { return m_model; }
     RecordPreview *preview() const { return m_preview; }
     QSplitter *splitter() const { return m_splitter; }
+    // The records list and the sessions view, side by side as tabs.
+    QTabWidget *listTabs() const { return m_listTabs; }
+    SessionListView *sessionView() const { return m_sessionView; }
+    AnimalView *animalView() const { return m_animalView; }
 
     // The table's context menu for the selection; null without one. The caller owns it.
     QMenu *createContextMenu();
@@ -82,9 +89,13 @@ protected:
     virtual void showInFolder(const QString &path);
     virtual void openFolder(const QString &folder);
     virtual void openFile(const QString &path);
+    // Where to write a printed report, empty when cancelled.
+    virtual QString askReportPath(const QString &suggestedPath);
 
 private:
     void recalculate(const QList<CorvidaExperiment *> &records);
+    QList<CorvidaExperiment *> shownRecords() const;
+    void printReport(const QString &suggestedName);
     void onSelectionChanged();
     void applySplitterRatio();
     void storeSplitterRatio();
@@ -95,6 +106,9 @@ private:
     QTableView *m_table;
     RecordPreview *m_preview;
     QSplitter *m_splitter;
+    QTabWidget *m_listTabs = nullptr;
+    SessionListView *m_sessionView = nullptr;
+    AnimalView *m_animalView = nullptr;
     bool m_needsReload = true;
     // Set while the page itself rebuilds the selection, which is no choice of the user's.
     bool m_restoringSelection = false;

@@ -6,6 +6,7 @@
 #include "toolkit/GenericText.h"
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/CorvidaDeviceView.h"
+#include "ui/SessionPanel.h"
 #include "ui/SettingDropDownButton.h"
 #include "ui/SuggestionsWidget.h"
 
@@ -28,6 +29,7 @@ const QString kStartAllIcon = QStringLiteral(":/resources/images/play-all.svg");
 const QString kStopAllIcon = QStringLiteral(":/resources/images/stop-all.svg");
 const QString kMeasureAllIcon = QStringLiteral(":/resources/images/measure-all.svg");
 const QString kAbortAllIcon = QStringLiteral(":/resources/images/stopmeasure-all.svg");
+const QString kSessionAllIcon = QStringLiteral(":/resources/images/session-all.svg");
 const QString kSuggestionsIcon = QStringLiteral(":/resources/images/suggestions.svg");
 
 QPushButton *iconButton(QWidget *parent)
@@ -164,6 +166,10 @@ QWidget *PageExperimentMulti::buildHeader()
     m_stopAll = iconButton(header);
     m_measureAll = iconButton(header);
     m_abortAll = iconButton(header);
+    m_sessionAll = iconButton(header);
+    m_sessionAll->setObjectName(QStringLiteral("sessionAllButton"));
+    m_connections << connect(m_sessionAll, &QPushButton::clicked, this,
+                             &PageExperimentMulti::startSessionAll);
     m_startAll->setObjectName(QStringLiteral("startAllButton"));
     m_stopAll->setObjectName(QStringLiteral("stopAllButton"));
     m_measureAll->setObjectName(QStringLiteral("measureAllButton"));
@@ -180,6 +186,8 @@ QWidget *PageExperimentMulti::buildHeader()
     row->addSpacing(10);
     row->addWidget(m_measureAll);
     row->addWidget(m_abortAll);
+    row->addSpacing(10);
+    row->addWidget(m_sessionAll);
     row->addSpacing(20);
 
     if (m_settings) {
@@ -263,6 +271,7 @@ void PageExperimentMulti::retranslate()
     m_stopAll->setToolTip(tr("Stop data acquisition for all available devices"));
     m_measureAll->setToolTip(tr("Begin pressure pumping and recording for all started devices"));
     m_abortAll->setToolTip(tr("Abort pressure pumping and stop record for all available devices"));
+    m_sessionAll->setToolTip(tr("Start a session on all units"));
     m_suggestionsButton->setText(
         m_headerIconsOnly ? QString() : genericText(QT_TRANSLATE_NOOP("Generic", "Suggestions")));
     m_suggestionsButton->setToolTip(tr("Show experiment tips and recommendations"));
@@ -287,6 +296,7 @@ void PageExperimentMulti::tintIcons()
     m_stopAll->setIcon(StyleHelper::tintedIcon(kStopAllIcon, white, QSize(28, 28)));
     m_measureAll->setIcon(StyleHelper::tintedIcon(kMeasureAllIcon, white, QSize(28, 28)));
     m_abortAll->setIcon(StyleHelper::tintedIcon(kAbortAllIcon, white, QSize(28, 28)));
+    m_sessionAll->setIcon(StyleHelper::tintedIcon(kSessionAllIcon, white, QSize(28, 28)));
     m_suggestionsButton->setIcon(StyleHelper::tintedIcon(kSuggestionsIcon, white));
 }
 
@@ -460,10 +470,19 @@ void PageExperimentMulti::measureAll()
     }
 }
 
+void PageExperimentMulti::startSessionAll()
+{
+    // A unit already in a session or a cuff cycle is left as it is.
+    for (CorvidaDeviceView *panel : std::as_const(m_panels))
+        panel->sessionPanel()->start();
+}
+
 void PageExperimentMulti::abortAll()
 {
     for (CorvidaDeviceView *panel : std::as_const(m_panels)) {
-        if (panel->isDeviceConnected() && panel->isDeviceStarted() && panel->isDeviceMeasuring())
+        // A session waiting for a pulse or between cycles is stopped too.
+        if (panel->sessionPanel()->isRunning() ||
+            (panel->isDeviceConnected() && panel->isDeviceStarted() && panel->isDeviceMeasuring()))
             panel->abort();
     }
 }

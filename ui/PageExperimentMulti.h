@@ -41,6 +41,7 @@ public:
     QPushButton *stopAllButton() const { return m_stopAll; }
     QPushButton *measureAllButton() const { return m_measureAll; }
     QPushButton *abortAllButton() const { return m_abortAll; }
+    QPushButton *sessionAllButton() const { return m_sessionAll; }
     QPushButton *suggestionsButton() const { return m_suggestionsButton; }
     SuggestionsWidget *suggestionsWidget() const { return m_suggestions; }
     QList<SettingDropDownButton *> dropDowns() const { return m_dropDowns; }
@@ -51,6 +52,7 @@ public slots:
     void stopAll();
     void measureAll();
     void abortAll();
+    void startSessionAll();
 
 signals:
     // A device panel saved a new record into the records folder.
@@ -86,6 +88,7 @@ private:
     QPushButton *m_stopAll = nullptr;
     QPushButton *m_measureAll = nullptr;
     QPushButton *m_abortAll = nullptr;
+    QPushButton *m_sessionAll = nullptr;
     QPushButton *m_suggestionsButton = nullptr;
     QList<SettingDropDownButton *> m_dropDowns;
     SuggestionsWidget *m_suggestions = nullptr;

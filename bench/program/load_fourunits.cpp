@@ -2,13 +2,19 @@
 // live, for a given time. Prints the processor share (CPU time over wall time) and the resident
 // memory every ten seconds, so that growth shows.
 //
-//   load_fourunits [seconds=60] [--measure]   (run under xvfb-run; bench/four-units.sh does)
+//   load_fourunits [seconds=60] [--measure | --session]
+//   (run under xvfb-run; bench/four-units.sh does)
+//
+// --session runs a session on every unit instead: one acclimation cycle, then measurement
+// cycles until the end, at the limits where the simulated unit gives readings.
 #include "ProcessFigures.h"
 #include "app/AppStartup.h"
 #include "app/MainWindow.h"
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
+#include "ui/CorvidaDeviceView.h"
 #include "ui/PageExperimentMulti.h"
+#include "ui/SessionPanel.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -24,6 +30,7 @@ int main(int argc, char **argv)
     const QStringList args = app.arguments();
     const int seconds = args.size() > 1 ? std::max(10, args[1].toInt()) : 60;
     const bool measure = args.contains(QStringLiteral("--measure"));
+    const bool session = args.contains(QStringLiteral("--session"));
 
     AppStartup::setupFonts();
     AppStartup::setupStyles();
@@ -34,7 +41,20 @@ int main(int argc, char **argv)
     MainWindow window;
     window.resize(1600, 900);
     window.show();
-    window.experimentPage()->startAllButton()->click();
+    if (session) {
+        CorvidaSettings *settings = model.settings();
+        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+        settings->setSessionAcclimationCycles(1);
+        settings->setSessionMeasurementCycles(100);
+        settings->setSessionInterval(5);
+        // Side by side the simulated units' pulses do not pass the gate: no waiting for it.
+        settings->setSessionPulseWait(0);
+        // The panels follow the units as they connect: start once they are there.
+        QTimer::singleShot(2000, &app,
+                           [&window] { window.experimentPage()->sessionAllButton()->click(); });
+    } else {
+        window.experimentPage()->startAllButton()->click();
+    }
 
     QElapsedTimer wall;
     QTimer sample;
@@ -60,6 +80,13 @@ int main(int argc, char **argv)
         if (measure)
             window.experimentPage()->measureAllButton()->click();
         if (now >= seconds * 1000LL) {
+            if (session) {
+                for (CorvidaDeviceView *panel : window.experimentPage()->panels()) {
+                    const SessionRun *run = panel->sessionPanel()->run();
+                    std::printf("%s: %d session cycles saved\n", qPrintable(panel->title()),
+                                run ? int(run->results().size()) : 0);
+                }
+            }
             std::printf("whole run: %.1f %% of one core over %.0f s\n",
                         100.0 * (cpu - cpu0) / (now / 1000.0), now / 1000.0);
             QCoreApplication::exit(0);

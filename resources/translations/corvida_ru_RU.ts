@@ -53,6 +53,60 @@
     </message>
 </context>
 <context>
+    <name>AnimalHistoryPlot</name>
+    <message>
+        <source>No sessions</source>
+        <translation>Нет сеансов</translation>
+    </message>
+    <message>
+        <source>SBP and DBP, mmHg (mean ± SD)</source>
+        <translation>САД и ДАД, мм рт. ст. (среднее ± СО)</translation>
+    </message>
+    <message>
+        <source>Heart rate, bpm</source>
+        <translation>ЧСС, уд/мин</translation>
+    </message>
+</context>
+<context>
+    <name>AnimalView</name>
+    <message>
+        <source>The animal whose sessions are shown</source>
+        <translation>Животное, чьи сеансы показаны</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation>Отметки</translation>
+    </message>
+    <message>
+        <source>Print report…</source>
+        <translation>Печать отчёта…</translation>
+    </message>
+    <message>
+        <source>The animal&apos;s sessions as a PDF: the plot and one line per session</source>
+        <translation>Сеансы животного в PDF: график и по строке на сеанс</translation>
+    </message>
+</context>
+<context>
     <name>ComCorvidaDevice</name>
     <message>
         <source>Port</source>
@@ -765,6 +819,22 @@ Restart now?</source>
         <source>Recover recording</source>
         <translation>Восстановить запись</translation>
     </message>
+    <message>
+        <source>Sessions</source>
+        <translation>Сеансы</translation>
+    </message>
+    <message>
+        <source>Animal</source>
+        <translation>Животное</translation>
+    </message>
+    <message>
+        <source>Print report</source>
+        <translation>Печать отчёта</translation>
+    </message>
+    <message>
+        <source>PDF files (*.pdf)</source>
+        <translation>Файлы PDF (*.pdf)</translation>
+    </message>
 </context>
 <context>
     <name>PageExperimentMulti</name>
@@ -809,6 +879,10 @@ Restart now?</source>
         <translation>Прервать нагнетание давления и остановить запись на всех доступных устройствах</translation>
     </message>
     <message>
+        <source>Start a session on all units</source>
+        <translation>Начать сеанс на всех приборах</translation>
+    </message>
+    <message>
         <source>Show experiment tips and recommendations</source>
         <translation>Показать советы и рекомендации по эксперименту</translation>
     </message>
@@ -818,6 +892,25 @@ Restart now?</source>
     <message>
         <source>Settings</source>
         <translation>Настройки</translation>
+    </message>
+</context>
+<context>
+    <name>PulseIndicator</name>
+    <message>
+        <source>Pulse OK</source>
+        <translation>Пульс есть</translation>
+    </message>
+    <message>
+        <source>Regular beats at a rodent&apos;s rate: a cuff cycle can measure this pulse</source>
+        <translation>Ровные удары с частотой, обычной для грызуна: такой пульс можно измерить манжетой</translation>
+    </message>
+    <message>
+        <source>No pulse</source>
+        <translation>Нет пульса</translation>
+    </message>
+    <message>
+        <source>No steady pulse: check the tail in the sensor and warm the animal</source>
+        <translation>Нет устойчивого пульса: проверьте положение хвоста в датчике и согрейте животное</translation>
     </message>
 </context>
 <context>
@@ -958,6 +1051,378 @@ Continue?</source>
     <message>
         <source>The serial number could not be written: the unit is not connected.</source>
         <translation>Не удалось записать серийный номер: устройство не подключено.</translation>
+    </message>
+</context>
+<context>
+    <name>SessionListView</name>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>rejected</source>
+        <translation>отклонён</translation>
+    </message>
+    <message>
+        <source>by hand</source>
+        <translation>вручную</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>Filter by rodent</source>
+        <translation>Фильтр по животному</translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation>Принять</translation>
+    </message>
+    <message>
+        <source>Count the selected cycles, whatever the automatic verdict says</source>
+        <translation>Учитывать выбранные циклы независимо от автоматической оценки</translation>
+    </message>
+    <message>
+        <source>Reject</source>
+        <translation>Отклонить</translation>
+    </message>
+    <message>
+        <source>Leave the selected cycles out of the statistics</source>
+        <translation>Исключить выбранные циклы из статистики</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Автоматически</translation>
+    </message>
+    <message>
+        <source>Give the selected cycles back to the automatic verdict</source>
+        <translation>Вернуть выбранным циклам автоматическую оценку</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation>Оценка</translation>
+    </message>
+    <message>
+        <source>Print report…</source>
+        <translation>Печать отчёта…</translation>
+    </message>
+    <message>
+        <source>The session as a PDF: cycles, verdicts, statistics and traces</source>
+        <translation>Сеанс в PDF: циклы, оценки, статистика и кривые</translation>
+    </message>
+</context>
+<context>
+    <name>SessionPanel</name>
+    <message>
+        <source>Acclimation %1 of %2</source>
+        <translation>Привыкание %1 из %2</translation>
+    </message>
+    <message>
+        <source>Cycle %1 of %2</source>
+        <translation>Цикл %1 из %2</translation>
+    </message>
+    <message>
+        <source>Waiting for a steady pulse…</source>
+        <translation>Ожидание устойчивого пульса…</translation>
+    </message>
+    <message>
+        <source>pause before the next cycle</source>
+        <translation>пауза перед следующим циклом</translation>
+    </message>
+    <message>
+        <source>Session finished: %1 cycles</source>
+        <translation>Сеанс завершён: циклов %1</translation>
+    </message>
+    <message>
+        <source>Unit lost: %1. Finished cycles kept: %2.</source>
+        <translation>Прибор потерян: %1. Сохранено завершённых циклов: %2.</translation>
+    </message>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>acclimation</source>
+        <translation>привыкание</translation>
+    </message>
+    <message>
+        <source>Accepted %1 of %2 · SBP %3 · DBP %4 · MAP %5 mmHg · HR %6 bpm</source>
+        <translation>Принято %1 из %2 · САД %3 · ДАД %4 · СрАД %5 мм рт. ст. · ЧСС %6 уд/мин</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Сеанс</translation>
+    </message>
+    <message>
+        <source>Run a session: acclimation cycles, then measurement cycles, each after a steady pulse. The arrow changes the counts.</source>
+        <translation>Провести сеанс: циклы привыкания, затем циклы измерения, каждый после появления устойчивого пульса. Стрелка меняет число циклов.</translation>
+    </message>
+    <message>
+        <source>Acclimation cycles</source>
+        <translation>Циклы привыкания</translation>
+    </message>
+    <message>
+        <source>Measurement cycles</source>
+        <translation>Циклы измерения</translation>
+    </message>
+    <message>
+        <source>Abort session</source>
+        <translation>Прервать сеанс</translation>
+    </message>
+    <message>
+        <source>Stop the session; the finished cycles are kept</source>
+        <translation>Остановить сеанс; завершённые циклы сохраняются</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Результат</translation>
+    </message>
+</context>
+<context>
+    <name>SessionReport</name>
+    <message>
+        <source>(not named)</source>
+        <translation>(без имени)</translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation>П%1</translation>
+    </message>
+    <message>
+        <source>Accepted cycles: cuff pressure with the SBP and DBP markers</source>
+        <translation>Принятые циклы: давление в манжете с маркерами САД и ДАД</translation>
+    </message>
+    <message>
+        <source>Accepted measurement cycles: %1 of %2</source>
+        <translation>Принято циклов измерения: %1 из %2</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>Acceptance: heart rate %1–%2 bpm, SBP %3–%4 mmHg, DBP %5–%6 mmHg, SBP − DBP at least %7 mmHg, irregular beats at most %8 %</source>
+        <translation>Приём цикла: ЧСС %1–%2 уд/мин, САД %3–%4 мм рт. ст., ДАД %5–%6 мм рт. ст., САД − ДАД не меньше %7 мм рт. ст., нерегулярных ударов не больше %8 %</translation>
+    </message>
+    <message>
+        <source>Blood pressure across days</source>
+        <translation>Артериальное давление по дням</translation>
+    </message>
+    <message>
+        <source>Blood pressure session</source>
+        <translation>Сеанс измерения артериального давления</translation>
+    </message>
+    <message>
+        <source>Cannot write &quot;%1&quot;</source>
+        <translation>Не удаётся записать «%1»</translation>
+    </message>
+    <message>
+        <source>Cycle %1: %2/%3 mmHg, %4 bpm</source>
+        <translation>Цикл %1: %2/%3 мм рт. ст., %4 уд/мин</translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation>Цикл</translation>
+    </message>
+    <message>
+        <source>Cycles</source>
+        <translation>Циклы</translation>
+    </message>
+    <message>
+        <source>Cycles: %1 acclimation, %2 of %3 measurement cycles measured</source>
+        <translation>Циклы: привыкание — %1, измерено %2 из %3 циклов измерения</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Date: %1 to %2</source>
+        <translation>Дата: с %1 по %2</translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation>Отметки</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Hollow points: flagged sessions. Grey marks: sessions without a mean.</source>
+        <translation>Полые точки — сеансы с отметкой. Серые метки — сеансы без среднего.</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>Printed %1 by %2</source>
+        <translation>Напечатано %1, %2</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Результат</translation>
+    </message>
+    <message>
+        <source>Rodent: %1</source>
+        <translation>Животное: %1</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg · DBP %2 mmHg · MAP %3 mmHg · heart rate %4 bpm (mean ± SD)</source>
+        <translation>САД %1 мм рт. ст. · ДАД %2 мм рт. ст. · СрАД %3 мм рт. ст. · ЧСС %4 уд/мин (среднее ± СО)</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>Session of %1</source>
+        <translation>Сеанс: %1</translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation>Сеанс</translation>
+    </message>
+    <message>
+        <source>Sessions of %1</source>
+        <translation>Сеансы: %1</translation>
+    </message>
+    <message>
+        <source>Sessions: %1, from %2 to %3</source>
+        <translation>Сеансов: %1, с %2 по %3</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Время</translation>
+    </message>
+    <message>
+        <source>To repeat: %1</source>
+        <translation>Повторить: %1</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Unit: %1</source>
+        <translation>Прибор: %1</translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation>Оценка</translation>
+    </message>
+    <message>
+        <source>accepted by the operator</source>
+        <translation>принят оператором</translation>
+    </message>
+    <message>
+        <source>accepted</source>
+        <translation>принят</translation>
+    </message>
+    <message>
+        <source>acclimation</source>
+        <translation>привыкание</translation>
+    </message>
+    <message>
+        <source>mmHg</source>
+        <translation>мм рт. ст.</translation>
+    </message>
+    <message>
+        <source>rejected by the operator</source>
+        <translation>отклонён оператором</translation>
+    </message>
+    <message>
+        <source>rejected</source>
+        <translation>отклонён</translation>
+    </message>
+</context>
+<context>
+    <name>SessionTableModel</name>
+    <message>
+        <source>Rodent</source>
+        <translation>Животное</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation>САД</translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation>ДАД</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation>ЧСС</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Отметка</translation>
     </message>
 </context>
 <context>

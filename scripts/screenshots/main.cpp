@@ -9,11 +9,14 @@
 #include "settings/CorvidaSettings.h"
 #include "toolkit/LanguageContext.h"
 #include "toolkit/QuorvexCommon.h"
+#include "ui/AnimalView.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
+#include "ui/SessionListView.h"
+#include "ui/SessionPanel.h"
 #include "ui/SettingDropDownButton.h"
 
 #include <QApplication>
@@ -24,9 +27,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTabWidget>
 #include <QTableView>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -107,6 +113,45 @@ T *visibleChild(QWidget *parent, const QString &name = QString())
     return nullptr;
 }
 
+// A short session on one unit: one acclimation cycle and two measurement cycles, a picture
+// while the last cycle runs and one at the end.
+void sessionPictures(Tour &tour, MainWindow *window, CorvidaDeviceView *panel,
+                     CorvidaSettings *settings)
+{
+    settings->setSessionAcclimationCycles(1);
+    settings->setSessionMeasurementCycles(2);
+    settings->setSessionInterval(2);
+    SessionPanel *session = panel->sessionPanel();
+    session->sessionButton()->click();
+    QElapsedTimer limit;
+    limit.start();
+    while (session->cycleTable()->rowCount() < 2 && limit.elapsed() < 90000)
+        wait(200);
+    wait(5000);
+    tour.shoot(window, QStringLiteral("experiment-session"));
+    while (session->isRunning() && limit.elapsed() < 150000)
+        wait(200);
+    tour.shoot(window, QStringLiteral("experiment-session-finished"));
+
+    // The session on the records page, its cycles laid over one another.
+    if (session->run() && !session->run()->results().isEmpty()) {
+        emit CorvidaModel::instance()->onOpenRecord(session->run()->results().last().file);
+        wait(500);
+        PageDatabase *records = window->databasePage();
+        records->listTabs()->setCurrentWidget(records->sessionView());
+        records->sessionView()->selectSession(session->run()->sessionId());
+        tour.shoot(window, QStringLiteral("records-sessions"));
+        records->listTabs()->setCurrentWidget(records->animalView());
+        tour.shoot(window, QStringLiteral("records-animal"));
+        records->listTabs()->setCurrentIndex(0);
+        window->pageButton(window->experimentPage())->click();
+        wait(300);
+    }
+    settings->resetSessionAcclimationCycles();
+    settings->resetSessionMeasurementCycles();
+    settings->resetSessionInterval();
+}
+
 void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QString &firstRecord)
 {
     CorvidaSettings *settings = model->settings();
@@ -159,8 +204,7 @@ void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QSt
     tour.shoot(window, QStringLiteral("records-one"));
     if (auto *viewer = visibleChild<ExperimentViewer>(window->databasePage())) {
         const QPoint inPulsePlot(viewer->width() * 45 / 100, viewer->height() * 3 / 4);
-        shootContextMenu(tour, window, viewer, inPulsePlot,
-                         QStringLiteral("records-marker-menu"));
+        shootContextMenu(tour, window, viewer, inPulsePlot, QStringLiteral("records-marker-menu"));
     }
     if (QTableView *table = visibleChild<QTableView>(window->databasePage())) {
         const QRect row = table->visualRect(table->currentIndex());
@@ -250,6 +294,7 @@ int main(int argc, char **argv)
     }
     window->resize(1280, 800);
     settings->setShowSuggestions(true);
+    sessionPictures(tour, window, panel, settings);
 
     // Four units measuring at once, in a grid and in tabs.
     settings->setUseVirtualCorvida(4);
