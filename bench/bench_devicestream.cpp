@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 #include <cmath>
+#include <ctime>
 #include <vector>
 
 namespace {
@@ -104,6 +105,59 @@ void BM_BareBiquadLoop31(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * 31);
 }
 BENCHMARK(BM_BareBiquadLoop31);
+
+double threadSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+// Both of the above in one run, alternately in batches of 64 frames so load on the machine
+// weighs on both alike: "ratio" is the chain's throughput over the bare loop's (1 would be the
+// bare loop's speed).
+void BM_ProcessRawFrameRatio(benchmark::State &state)
+{
+    BenchDevice device;
+    std::vector<RawFrame> frames;
+    for (int k = 0; k < 64; ++k)
+        frames.push_back(makeFrame(31, k * 31));
+    std::vector<Biquad> pressure = sectionsOf(0), pulse = sectionsOf(1);
+    std::vector<float> in0(31), in1(31), out0(31), out1(31);
+    for (int i = 0; i < 31; ++i) {
+        in0[i] = float(frames[0][0][i]);
+        in1[i] = float(frames[0][1][i]);
+    }
+    double chainSeconds = 0, bareSeconds = 0;
+    for (auto _ : state) {
+        const double t0 = threadSeconds();
+        for (const RawFrame &frame : frames)
+            device.processRawFrame(frame);
+        const double t1 = threadSeconds();
+        for (size_t k = 0; k < frames.size(); ++k) {
+            for (int i = 0; i < 31; ++i) {
+                double v = in0[i];
+                for (auto &s : pressure)
+                    v = s.run(v);
+                out0[i] = float(v);
+                double w = in1[i];
+                for (auto &s : pulse)
+                    w = s.run(w);
+                out1[i] = float(w);
+            }
+            benchmark::DoNotOptimize(out0.data());
+            benchmark::DoNotOptimize(out1.data());
+        }
+        const double t2 = threadSeconds();
+        chainSeconds += t1 - t0;
+        bareSeconds += t2 - t1;
+    }
+    const double samples = double(state.iterations()) * 64 * 31;
+    state.counters["Msamples/s_chain"] = samples / chainSeconds / 1e6;
+    state.counters["Msamples/s_bare"] = samples / bareSeconds / 1e6;
+    state.counters["ratio"] = bareSeconds / chainSeconds;
+}
+BENCHMARK(BM_ProcessRawFrameRatio)->Iterations(20000);
 } // namespace
 
 BENCHMARK_MAIN();

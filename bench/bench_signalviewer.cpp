@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <ctime>
 #include <random>
 
 namespace {
@@ -42,11 +43,10 @@ void addMarkers(SignalViewer &viewer)
                                         QColor(0x8e, 0x44, 0xad)));
 }
 
-// One paint of a viewer 1920 pixels wide showing `seconds` of a record that is `total` seconds
-// long, scrolled to its end: the cost must not depend on the total.
-void paintViewer(benchmark::State &state, int seconds, int total)
+// A viewer 1920 pixels wide showing `seconds` of a record that is `total` seconds long,
+// scrolled to its end.
+void setUpViewer(SignalViewer &viewer, int seconds, int total)
 {
-    SignalViewer viewer;
     viewer.resize(1920, 400);
     viewer.setWindowLength(seconds);
     viewer.setValueRange(-0.6, 0.8);
@@ -55,13 +55,56 @@ void paintViewer(benchmark::State &state, int seconds, int total)
                                                       QColor(0xcc, 0x44, 0x44), 1.5)});
     viewer.setOffset(total);
     addMarkers(viewer);
-    QImage image(viewer.size(), QImage::Format_ARGB32_Premultiplied);
-    for (auto _ : state) {
-        image.fill(Qt::white);
-        viewer.render(&image);
-        benchmark::ClobberMemory();
-    }
 }
+
+void paintOnce(SignalViewer &viewer, QImage &image)
+{
+    image.fill(Qt::white);
+    viewer.render(&image);
+    benchmark::ClobberMemory();
+}
+
+// One paint: the cost must not depend on the total.
+void paintViewer(benchmark::State &state, int seconds, int total)
+{
+    SignalViewer viewer;
+    setUpViewer(viewer, seconds, total);
+    QImage image(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+    for (auto _ : state)
+        paintOnce(viewer, image);
+}
+
+double threadSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+
+// 120 s and 10 s on the same 1920 pixels, painted alternately in one run: "ratio" is the time
+// of the 120 s paint over the 10 s paint, which should follow the pixels, not the samples.
+void paintRatio120sTo10s(benchmark::State &state)
+{
+    SignalViewer wide, narrow;
+    setUpViewer(wide, 120, 120);
+    setUpViewer(narrow, 10, 120);
+    QImage image(wide.size(), QImage::Format_ARGB32_Premultiplied);
+    double wideSeconds = 0, narrowSeconds = 0;
+    for (auto _ : state) {
+        const double t0 = threadSeconds();
+        paintOnce(wide, image);
+        const double t1 = threadSeconds();
+        paintOnce(narrow, image);
+        const double t2 = threadSeconds();
+        wideSeconds += t1 - t0;
+        narrowSeconds += t2 - t1;
+    }
+    const double n = double(state.iterations());
+    state.counters["ms_120s"] = 1000.0 * wideSeconds / n;
+    state.counters["ms_10s"] = 1000.0 * narrowSeconds / n;
+    state.counters["ratio"] = wideSeconds / narrowSeconds;
+}
+BENCHMARK(paintRatio120sTo10s)->Unit(benchmark::kMillisecond)->Iterations(1000);
 
 void paint120sAt1920(benchmark::State &state)
 {

@@ -98,6 +98,24 @@ void AbstractMetaDescription::readHints(const QMetaObject *owner)
     m_keyIcons.clear();
     if (!owner)
         return;
+    // The hints of a setting depend only on its class and its name, and every record of a
+    // folder asks for the same ones: they are worked out once and then shared.
+    struct Found {
+        QMap<QString, QString> hints;
+        QMap<QString, QString> keyIcons;
+    };
+    static QMutex mutex;
+    static QHash<QPair<const QMetaObject *, QString>, Found> known;
+    const QPair<const QMetaObject *, QString> cacheKey(owner, m_name);
+    {
+        const QMutexLocker lock(&mutex);
+        const auto found = known.constFind(cacheKey);
+        if (found != known.constEnd()) {
+            m_hints = found->hints;
+            m_keyIcons = found->keyIcons;
+            return;
+        }
+    }
     const QHash<QString, QString> table = classInfoTable(owner);
     for (const QString &word : hintWords()) {
         const auto found = table.constFind(m_name + word);
@@ -112,6 +130,8 @@ void AbstractMetaDescription::readHints(const QMetaObject *owner)
                 m_keyIcons.insert(key, *found);
         }
     }
+    const QMutexLocker lock(&mutex);
+    known.insert(cacheKey, Found{m_hints, m_keyIcons});
 }
 
 void AbstractMetaDescription::interpretHints()

@@ -23,17 +23,15 @@ constexpr int kAnnotationSignals = 2;
 constexpr qsizetype kMaxRecordSamples = 4'000'000;
 
 // The usual EDF scaling, made whole by rounding to the nearest step: converting here instead of
-// in the library keeps every value within half a step of what was given.
-void toDigital(const double *__restrict physical, int *__restrict digital, int count, double scale,
-               double offset)
+// in the library keeps every value within half a step of what was given. Samples are stored
+// negated on purpose; the reader undoes it.
+inline int toDigital(float sample, double scale, double offset)
 {
-    for (int i = 0; i < count; ++i) {
-        // Written so that NaN fails the first comparison and lands on the minimum.
-        const double x = physical[i] * scale - offset;
-        const double low = double(kDigitalMinimum) < x ? x : double(kDigitalMinimum);
-        const double clamped = low < double(kDigitalMaximum) ? low : double(kDigitalMaximum);
-        digital[i] = int(clamped + std::copysign(0.5, clamped));
-    }
+    // Written so that NaN fails the first comparison and lands on the minimum.
+    const double x = -double(sample) * scale - offset;
+    const double low = double(kDigitalMinimum) < x ? x : double(kDigitalMinimum);
+    const double clamped = low < double(kDigitalMaximum) ? low : double(kDigitalMaximum);
+    return int(clamped + std::copysign(0.5, clamped));
 }
 } // namespace
 
@@ -279,17 +277,20 @@ void EDFWriter::writeData(int count, const float *data)
     if (!m_open || !data || count <= 0)
         return;
     const int spr = m_samplesPerRecord;
-    double *rows = m_buffer.data();
+    // Converted to the stored steps as they come: one pass over the samples, and a full record
+    // goes to the library as it is.
+    int *rows = m_buffer.data();
     // A block may be longer than one record: it is laid down record by record.
     int offset = 0;
     while (offset < count) {
         const int take = std::min(count - offset, spr - m_filled);
         for (int s = 0; s < m_signals; ++s) {
             const float *from = data + qsizetype(s) * count + offset;
-            double *to = rows + qsizetype(s) * spr + m_filled;
-            // Stored negated on purpose; the reader undoes it.
+            int *to = rows + qsizetype(s) * spr + m_filled;
+            const double scale = m_scale.at(s);
+            const double shift = m_offset.at(s);
             for (int i = 0; i < take; ++i)
-                to[i] = -double(from[i]);
+                to[i] = toDigital(from[i], scale, shift);
         }
         m_filled += take;
         offset += take;
@@ -383,7 +384,7 @@ void EDFWriter::setInternalBuffSize(int samplesPerRecord, unsigned signalCount)
 {
     m_samplesPerRecord = std::max(samplesPerRecord, 0);
     m_signals = int(std::min<unsigned>(signalCount, EDFLIB_MAXSIGNALS + 1));
-    m_buffer = QList<double>(qsizetype(m_samplesPerRecord) * m_signals, 0.0);
+    m_buffer = QList<int>(qsizetype(m_samplesPerRecord) * m_signals, 0);
     m_filled = 0;
 }
 
@@ -409,7 +410,6 @@ void EDFWriter::initCurrentFile()
 {
     m_scale = QList<double>(m_signals, 0.0);
     m_offset = QList<double>(m_signals, 0.0);
-    m_digital = QList<int>(m_samplesPerRecord, 0);
     for (int s = 0; s < m_signals; ++s) {
         const ChannelDim &channel = m_channels.at(s);
         double minimum = channel.physicalMinimum;
@@ -468,12 +468,9 @@ void EDFWriter::writePatientInfo()
 
 void EDFWriter::writeRecord()
 {
-    const double *rows = m_buffer.constData();
-    int *digital = m_digital.data();
+    int *rows = m_buffer.data();
     for (int s = 0; s < m_signals; ++s) {
-        toDigital(rows + qsizetype(s) * m_samplesPerRecord, digital, m_samplesPerRecord,
-                  m_scale.at(s), m_offset.at(s));
-        if (edfwrite_digital_samples(m_handle, digital) != 0) {
+        if (edfwrite_digital_samples(m_handle, rows + qsizetype(s) * m_samplesPerRecord) != 0) {
             // Once is enough: a full disk would otherwise log every second.
             if (!m_writeFailed)
                 qDebug() << "EDFWriter: the library could not write a data record to" << m_path;
@@ -492,9 +489,11 @@ void EDFWriter::writeRemainderToFile()
     // a file without one cannot be opened again.
     if (m_filled == 0 && m_recordsOnDisk > 0)
         return;
+    // The tail of the last record reads as zero.
     for (int s = 0; s < m_signals; ++s)
         std::fill(m_buffer.begin() + qsizetype(s) * m_samplesPerRecord + m_filled,
-                  m_buffer.begin() + qsizetype(s + 1) * m_samplesPerRecord, 0.0);
+                  m_buffer.begin() + qsizetype(s + 1) * m_samplesPerRecord,
+                  toDigital(0.0f, m_scale.value(s), m_offset.value(s)));
     writeRecord();
     m_filled = 0;
 }

@@ -110,11 +110,11 @@ private:
     int m_signals = 0;
     int m_samplesPerRecord = 0;
     bool m_bdf = false;
-    QList<double> m_buffer;
+    // One data record of stored steps, signal after signal.
+    QList<int> m_buffer;
     // Per signal: digital = physical * scale - offset.
     QList<double> m_scale;
     QList<double> m_offset;
-    QList<int> m_digital;
     int m_filled = 0;
     qint64 m_records = 0;
     qint64 m_recordsOnDisk = 0;

@@ -1,5 +1,6 @@
 #include "storage/XLSXHelper.h"
 
+#include "storage/DecimalText.h"
 #include "storage/ZipArchiveCheck.h"
 #include "toolkit/FileUtilities.h"
 
@@ -84,6 +85,36 @@ QStringList requiredParts(qsizetype sheets)
     for (qsizetype i = 1; i <= sheets; ++i)
         parts << QStringLiteral("xl/worksheets/sheet%1.xml").arg(i);
     return parts;
+}
+
+// Appends one cell's CSV text. Numbers, nearly every cell of a long recording, go straight into
+// the buffer; the rest takes the general way.
+void appendCsvCell(QByteArray &out, const QVariant &value, const QString &separator)
+{
+    char buffer[DecimalText::kMaxLength];
+    int length = -1;
+    switch (value.typeId()) {
+    case QMetaType::Double:
+        length = DecimalText::write(*static_cast<const double *>(value.constData()), buffer);
+        break;
+    case QMetaType::Float:
+        length = DecimalText::write(value.toDouble(), buffer);
+        break;
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+        length = DecimalText::write(value.toLongLong(), buffer);
+        break;
+    case QMetaType::UInt:
+    case QMetaType::ULongLong:
+    case QMetaType::UShort:
+        length = DecimalText::write(value.toULongLong(), buffer);
+        break;
+    default:
+        out += XLSXHelper::csvCell(value, separator).toUtf8();
+        return;
+    }
+    out.append(buffer, length);
 }
 
 void setError(QString *error, const QString &text)
@@ -299,11 +330,9 @@ QString XLSXHelper::csvCell(const QVariant &value, const QString &separator)
     if (value.typeId() == QMetaType::QDateTime)
         return dateTimeText(value.toDateTime());
     if (isNumber(value)) {
-        const double d = value.toDouble();
-        if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
-            return std::isfinite(d) ? QString::number(d, 'g', QLocale::FloatingPointShortest)
-                                    : QString();
-        return value.toString();
+        QByteArray text;
+        appendCsvCell(text, value, separator);
+        return QString::fromLatin1(text);
     }
     QString text = value.toString();
     // Both usual separators are quoted whatever this file uses: a spreadsheet that guesses
@@ -334,10 +363,15 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
         setError(error, QStringLiteral("cannot open %1: %2").arg(path, file.errorString()));
         return false;
     }
-    QByteArray chunk("\xEF\xBB\xBF");
+    constexpr qsizetype kChunk = 1 << 20;
+    QByteArray chunk;
+    chunk.reserve(kChunk + 4096);
+    chunk += "\xEF\xBB\xBF";
+    const QByteArray separatorBytes = separator.toUtf8();
+    const QByteArray lineEndBytes = lineEnd.toUtf8();
     bool written = true;
     const auto flush = [&](bool force) {
-        if (force || chunk.size() > (1 << 20)) {
+        if (force || chunk.size() > kChunk) {
             written = written && file.write(chunk) == chunk.size();
             chunk.clear();
         }
@@ -350,15 +384,16 @@ bool XLSXHelper::dataToCSV(const QStringList &names, const SheetSource &source, 
                      QStringLiteral("writing %1 stopped at the sheet \"%2\"").arg(path, names[i]));
             return false;
         }
-        chunk += names[i].toUtf8() + lineEnd.toUtf8();
+        chunk += names[i].toUtf8() + lineEndBytes;
         for (const QList<QVariant> &row : std::as_const(table)) {
-            QString line;
-            for (const QVariant &cell : row)
-                line += csvCell(cell, separator) + separator;
-            chunk += line.toUtf8() + lineEnd.toUtf8();
+            for (const QVariant &cell : row) {
+                appendCsvCell(chunk, cell, separator);
+                chunk += separatorBytes;
+            }
+            chunk += lineEndBytes;
             flush(false);
         }
-        chunk += lineEnd.toUtf8();
+        chunk += lineEndBytes;
     }
     flush(true);
     QString why;

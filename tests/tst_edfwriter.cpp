@@ -3,7 +3,11 @@
 #include "storage/EDFWriter.h"
 #include "support/EDFRawFile.h"
 
+#include <QRandomGenerator>
 #include <QtTest>
+
+#include <cmath>
+#include <limits>
 
 namespace {
 // Distance of a stored sample from a physical value, in digital steps, by the EDF scaling rule.
@@ -15,6 +19,18 @@ double stepsOff(const EDFRawFile &raw, int signal, qint64 sample, double value)
     const double dmax = raw.number(EDFRawFile::DigMax, signal);
     const double step = (pmax - pmin) / (dmax - dmin);
     return qAbs(pmin + (raw.digital(signal, sample) - dmin) * step - value) / step;
+}
+// How a sample became a stored step before the conversion was folded into the buffering: negated
+// into a double first, then scaled, clamped and rounded half away from zero.
+int previousDigital(float sample, double range)
+{
+    const double negated = -double(sample);
+    const double scale = 65535.0 / (2.0 * range);
+    const double offset = range * scale - 32767.0;
+    const double x = negated * scale - offset;
+    const double low = -32768.0 < x ? x : -32768.0;
+    const double clamped = low < 32767.0 ? low : 32767.0;
+    return int(clamped + std::copysign(0.5, clamped));
 }
 } // namespace
 
@@ -102,6 +118,50 @@ private slots:
         const EDFRawFile raw(file("p.edf"));
         for (int i = 0; i < 4; ++i) // rounded to the nearest step, not truncated
             QVERIFY(stepsOff(raw, 0, i, stored) <= 0.5 + 1e-9);
+    }
+
+    // Blocks of odd lengths cross record boundaries; NaN, infinities, values beyond the range
+    // and values exactly between two steps must land on the same steps as before.
+    void storedStepsMatchThePreviousConversion()
+    {
+        const QList<double> ranges = {1000.0, 3.5};
+        EDFWriter writer(file("steps.edf"), QStringList{"P", "Q"}, 100, {}, ranges);
+        const double half = 2000.0 / 65535.0 / 2.0; // half a step of the first signal
+        const QList<float> special = {std::numeric_limits<float>::quiet_NaN(),
+                                      std::numeric_limits<float>::infinity(),
+                                      -std::numeric_limits<float>::infinity(),
+                                      1e30f,
+                                      -1e30f,
+                                      0.0f,
+                                      -0.0f,
+                                      float(half),
+                                      float(-half),
+                                      float(3 * half)};
+        QRandomGenerator random(7);
+        QList<float> samples[2];
+        for (int i = 0; i < 1037; ++i) {
+            for (int s = 0; s < 2; ++s) {
+                const float v = i < special.size()
+                                    ? special[i] * (s + 1)
+                                    : float((random.generateDouble() * 2.4 - 1.2) * ranges[s]);
+                samples[s] << v;
+            }
+        }
+        for (qsizetype done = 0, block = 1; done < samples[0].size(); done += block, block += 13) {
+            block = std::min(block, samples[0].size() - done);
+            writer.writeData({samples[0].mid(done, block), samples[1].mid(done, block)});
+        }
+        QVERIFY(writer.close(true));
+        const EDFRawFile raw(file("steps.edf"));
+        QCOMPARE(raw.recordCount(), 11);
+        for (int s = 0; s < 2; ++s) {
+            for (int i = 0; i < 1100; ++i) {
+                const int expected = i < samples[s].size()
+                                         ? previousDigital(samples[s][i], ranges[s])
+                                         : previousDigital(0.0f, ranges[s]);
+                QCOMPARE(raw.digital(s, i), expected);
+            }
+        }
     }
 
     void recordsAndRemainder_data()

@@ -65,6 +65,22 @@ private slots:
         QVERIFY(!count->setValue(51)); // above the Maximum hint
         QCOMPARE(spy.count(), 1);
     }
+    // Hints are worked out once per class and setting; a setting of the same name in a derived
+    // class that overrides its default must keep its own, whichever class is described first.
+    void sameSettingInABaseAndADerivedClassKeepsEachDefault()
+    {
+        const auto language = [](auto &settings) {
+            return settings.getPropertyByName(QStringLiteral("Language"))->defaultValue();
+        };
+        SettingsWithLanguage base;
+        SampleSettings derived;
+        SettingsWithLanguage baseAgain;
+        QCOMPARE(language(base), QVariant(QString()));
+        QCOMPARE(language(derived), QVariant(QStringLiteral("en_US")));
+        QCOMPARE(language(baseAgain), QVariant(QString()));
+        SampleSettings derivedAgain;
+        QCOMPARE(language(derivedAgain), QVariant(QStringLiteral("en_US")));
+    }
     void customDescriptionsMakeAFileOfTheirOwn()
     {
         auto makeDescriptor = [](AbstractMetaDescriptor &descriptor) {

@@ -6,6 +6,8 @@
 #include <QToolButton>
 #include <QtTest>
 
+#include <cmath>
+
 // In the pixels the operator sees: 2 x margin + 600 wide, a 60 s window, 10 pixels a second.
 namespace {
 constexpr double kRate = 100.0;
@@ -277,6 +279,66 @@ private slots:
         QImage full(viewer.size(), QImage::Format_ARGB32_Premultiplied);
         viewer.render(&full);
         QCOMPARE(screen, full);
+    }
+
+    // A viewer keeps the columns of a finished record between paints. Whatever changed since,
+    // its picture must be the one a viewer painting for the first time shows.
+    void repaintMatchesAFirstPaint_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::newRow("nothing") << "nothing";
+        QTest::newRow("scrolled") << "scrolled";
+        QTest::newRow("value range") << "range";
+        QTest::newRow("other record of the same length") << "record";
+        QTest::newRow("resized") << "resized";
+    }
+    void repaintMatchesAFirstPaint()
+    {
+        QFETCH(QString, change);
+        const auto wave = [](double hz) {
+            QList<double> x(60'000);
+            for (qsizetype i = 0; i < x.size(); ++i)
+                x[i] = 0.4 * std::sin(i / 1000.0 * 2 * M_PI * hz) + 0.05 * std::sin(i * 0.37);
+            return x;
+        };
+        struct View {
+            QList<double> samples;
+            double offset = 10.0;
+            double lower = -0.6;
+            int width = 700;
+        };
+        const auto setUp = [](SignalViewer &viewer, const View &v) {
+            viewer.resize(2 * viewer.margin() + v.width, 240);
+            viewer.setFollowPaused(true);
+            viewer.setWindowLength(40);
+            viewer.setValueRange(v.lower, 0.6);
+            viewer.setSeries({SignalViewerSeries::fromSamples(v.samples, 1000.0, Qt::red)});
+            viewer.setOffset(v.offset);
+        };
+        const auto picture = [](SignalViewer &viewer) {
+            QImage image(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::white);
+            viewer.render(&image);
+            return image;
+        };
+        View view{wave(6.13)};
+        SignalViewer kept;
+        setUp(kept, view);
+        const QImage first = picture(kept);
+        if (change == "scrolled")
+            view.offset = 20.0;
+        else if (change == "range")
+            view.lower = -0.3;
+        else if (change == "record")
+            view.samples = wave(7.51);
+        else if (change == "resized")
+            view.width = 640;
+        setUp(kept, view);
+        const QImage again = picture(kept);
+        SignalViewer fresh;
+        setUp(fresh, view);
+        QCOMPARE(again, picture(fresh));
+        QCOMPARE(again == first, change == "nothing");
     }
 };
 

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cmath>
+
 namespace {
 QList<XLSXSheet> threeSheets()
 {
@@ -21,6 +23,46 @@ QList<XLSXSheet> threeSheets()
     return {{QStringLiteral("Summary"), summary},
             {QStringLiteral("2026-11-21_10-00-00"), first},
             {QStringLiteral("2026-11-21_10-05-00"), second}};
+}
+// The CSV writer as it was before numbers went straight into the file buffer: one string per
+// line, Qt's shortest number text. Kept to compare the bytes of the faster writer against.
+QByteArray previousCsv(const QList<XLSXSheet> &sheets)
+{
+    QByteArray out("\xEF\xBB\xBF");
+    for (const XLSXSheet &sheet : sheets) {
+        out += sheet.first.toUtf8() + "\r\n";
+        for (const QList<QVariant> &row : sheet.second) {
+            QString line;
+            for (const QVariant &cell : row) {
+                if (cell.typeId() == QMetaType::Double)
+                    line += QString::number(cell.toDouble(), 'g', QLocale::FloatingPointShortest);
+                else if (XLSXHelper::isNumber(cell))
+                    line += cell.toString();
+                else
+                    line += XLSXHelper::csvCell(cell, QStringLiteral(";"));
+                line += QLatin1Char(';');
+            }
+            out += line.toUtf8() + "\r\n";
+        }
+        out += "\r\n";
+    }
+    return out;
+}
+
+// A record's full sheet: its results, then the pressure falling through the cuff and a pulse
+// wave that crosses zero, where the tiny values are.
+XLSXTable recordingSheet(int samples)
+{
+    XLSXTable table = {{QStringLiteral("SBP"), 118.0, QStringLiteral("mmHg")},
+                       {QStringLiteral("Cycle"), 3, QStringLiteral("Acclimation")},
+                       {QStringLiteral("Comment"), QStringLiteral("calm; \"good\" tail")},
+                       {},
+                       {QStringLiteral("Sampling rate"), 1000.0}};
+    for (int i = 0; i < samples; ++i)
+        table << QList<QVariant>{180.0 - 150.0 * i / samples,
+                                 0.3 * std::sin(2.0 * M_PI * 6.1 * i / 1000.0 + 0.1)};
+    table << QList<QVariant>{2.99e-05, -1e6};
+    return table;
 }
 } // namespace
 
@@ -55,6 +97,35 @@ private slots:
             "2026-11-21_10-00-00\r\nSBP;121.5;mmHg;\r\nRodent;\"rat 1; cage 4\";\r\n"
             "Comment;\"said \"\"ok\"\"\";\r\n\r\n2026-11-21_10-05-00\r\nRodent;Крыса 2;\r\n\r\n";
         QCOMPARE(readAll(path), expected);
+    }
+    // Only the numbers the previous writer put in exponent form may differ, and they must read
+    // back as the same values.
+    void csvOfARecordingKeepsThePreviousBytesSaveExponents()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("record.csv"));
+        const QList<XLSXSheet> sheets = {
+            {QStringLiteral("2026-11-21_09-00-00"), recordingSheet(20000)},
+            {QStringLiteral("rat 2"), recordingSheet(1000)}};
+        QVERIFY(XLSXHelper::dataToCSV(sheets, path, ";", "\r\n"));
+        const QList<QByteArray> now = readAll(path).split('\n');
+        const QList<QByteArray> before = previousCsv(sheets).split('\n');
+        QCOMPARE(now.size(), before.size());
+        int changed = 0;
+        for (qsizetype i = 0; i < now.size(); ++i) {
+            if (now[i] == before[i])
+                continue;
+            ++changed;
+            QVERIFY2(before[i].contains('e') && !now[i].contains('e'), now[i].constData());
+            const QList<QByteArray> a = now[i].split(';');
+            const QList<QByteArray> b = before[i].split(';');
+            QCOMPARE(a.size(), b.size());
+            for (qsizetype c = 0; c + 1 < a.size(); ++c)
+                QCOMPARE(a[c].toDouble(), b[c].toDouble());
+        }
+        // The pulse crosses zero a few times per second of recording.
+        QVERIFY(changed > 2);
+        QVERIFY(readAll(path).contains(";0.0000"));
     }
     void failedWriteLeavesExistingFileAndNoLeftovers()
     {

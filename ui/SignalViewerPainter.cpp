@@ -58,6 +58,15 @@ double SignalViewerPainter::timeStep(double pixelsPerSecond, double minPixels)
     return 1800.0;
 }
 
+namespace {
+bool sameMapping(const ViewerColumnDecimator::Mapping &a, const ViewerColumnDecimator::Mapping &b)
+{
+    return a.rate == b.rate && a.offset == b.offset && a.pixelsPerSecond == b.pixelsPerSecond &&
+           a.left == b.left && a.columns == b.columns && a.yOrigin == b.yOrigin &&
+           a.yScale == b.yScale;
+}
+} // namespace
+
 void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
                                 const QList<SignalViewerSeries> &series,
                                 const QList<SignalViewerMarker> &markers,
@@ -80,6 +89,8 @@ void SignalViewerPainter::paint(QPainter &painter, const Frame &frame,
     }
     painter.restore();
     drawMarkers(painter, frame, markers);
+    m_columnCache.swap(m_columnCacheNow);
+    m_columnCacheNow.clear();
 }
 
 SignalViewerPainter::Ticks SignalViewerPainter::ticksFor(const Frame &frame,
@@ -308,7 +319,26 @@ void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
         map.offset += first / map.pixelsPerSecond;
         map.columns = last - first;
     }
-    ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, m_points);
+    if (series.isFixed()) {
+        const auto same = [&](const ColumnCache &c) {
+            return c.samples.constData() == samples.constData() &&
+                   c.samples.size() == samples.size() && sameMapping(c.map, map);
+        };
+        const auto found = std::find_if(m_columnCache.begin(), m_columnCache.end(), same);
+        ColumnCache entry;
+        if (found != m_columnCache.end()) {
+            entry = std::move(*found);
+            m_columnCache.erase(found);
+        } else {
+            entry.samples = samples;
+            entry.map = map;
+            ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, entry.points);
+        }
+        m_points.assign(entry.points.begin(), entry.points.end());
+        m_columnCacheNow.push_back(std::move(entry));
+    } else {
+        ViewerColumnDecimator::decimate(samples.constData(), samples.size(), map, m_points);
+    }
     if (m_points.empty())
         return;
 

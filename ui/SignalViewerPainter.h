@@ -3,6 +3,8 @@
 #include "ui/SignalViewerMarker.h"
 #include "ui/SignalViewerSeries.h"
 
+#include "ui/ViewerColumnDecimator.h"
+
 #include <QColor>
 #include <QImage>
 #include <QList>
@@ -89,6 +91,18 @@ private:
     static constexpr double kSmoothLineBudget = 40000.0;
 
     std::vector<QPointF> m_points;
+    // The polylines of the fixed series drawn in the last paint, with the list each came from:
+    // a repaint of the same view (a marker moved, the window uncovered) reuses them instead of
+    // reading every sample again. Holding the list keeps its data and its address unchanged, so
+    // the same address and length mean the same samples; a list no longer drawn is let go after
+    // the next paint.
+    struct ColumnCache {
+        QList<double> samples;
+        ViewerColumnDecimator::Mapping map;
+        std::vector<QPointF> points;
+    };
+    std::vector<ColumnCache> m_columnCache;
+    std::vector<ColumnCache> m_columnCacheNow;
     struct Bar {
         int column, top, bottom;
     };

@@ -3,13 +3,17 @@
 SignalViewerSeries SignalViewerSeries::fromSamples(const QList<double> &samples, double rate,
                                                    const QColor &color, qreal width)
 {
-    return fromSampleSource([samples] { return samples; }, rate, color, width);
+    SignalViewerSeries series = fromSampleSource([samples] { return samples; }, rate, color, width);
+    series.m_fixed = true;
+    return series;
 }
 
 SignalViewerSeries SignalViewerSeries::fromPoints(const QList<QPointF> &points, Style style,
                                                   const QColor &color, qreal width)
 {
-    return fromPointSource([points] { return points; }, style, color, width);
+    SignalViewerSeries series = fromPointSource([points] { return points; }, style, color, width);
+    series.m_fixed = true;
+    return series;
 }
 
 SignalViewerSeries SignalViewerSeries::fromSampleSource(SampleSource source, double rate,

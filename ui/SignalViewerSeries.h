@@ -32,6 +32,9 @@ public:
                                               qreal width = 1.5);
 
     bool isSampled() const { return bool(m_samples); }
+    // Whether the data never change (made by fromSamples or fromPoints): a viewer may then keep
+    // what it worked out from them between paints.
+    bool isFixed() const { return m_fixed; }
     QList<double> samples() const { return m_samples ? m_samples() : QList<double>(); }
     QList<QPointF> points() const { return m_points ? m_points() : QList<QPointF>(); }
     double rate() const { return m_rate; }
@@ -56,4 +59,5 @@ private:
     qreal m_width = 1.5;
     QString m_name;
     Qt::PenStyle m_penStyle = Qt::SolidLine;
+    bool m_fixed = false;
 };
