@@ -133,6 +133,8 @@ QString CorvidaExperiment::pressureUnitText() const
     return m_Uncalibrated
                ? genericText(QT_TRANSLATE_NOOP("Generic", "sensor units, not calibrated"))
                : genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"));
+}
+
 void CorvidaExperiment::setSession(const QString &Session)
 {
     assign(m_Session, Session, &CorvidaExperiment::changedSession, "Session");
