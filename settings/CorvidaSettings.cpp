@@ -114,6 +114,12 @@ void CorvidaSettings::setLastExportFolder(const QString &LastExportFolder)
            "LastExportFolder");
 }
 
+void CorvidaSettings::setDetectionMethod(const QString &DetectionMethod)
+{
+    assign(m_DetectionMethod, DetectionMethod, &CorvidaSettings::changedDetectionMethod,
+           "DetectionMethod");
+}
+
 void CorvidaSettings::setLastExportFilter(const QString &LastExportFilter)
 {
     assign(m_LastExportFilter, LastExportFilter, &CorvidaSettings::changedLastExportFilter,
@@ -222,6 +228,11 @@ void CorvidaSettings::resetLastImportFolder()
 void CorvidaSettings::resetLastExportFolder()
 {
     resetValue(QStringLiteral("LastExportFolder"));
+}
+
+void CorvidaSettings::resetDetectionMethod()
+{
+    resetValue(QStringLiteral("DetectionMethod"));
 }
 
 void CorvidaSettings::resetLastExportFilter()
