@@ -63,7 +63,7 @@ private slots:
                      .entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden),
                  QStringList({QStringLiteral("rat.edf"), QStringLiteral("rat.exp")}));
 
-        // EDFlib reads it: Pressure and Pulse at 1000 Hz; inverted on disk, as every record.
+        // EDFlib reads it: Pressure and Pulse at 1000 Hz.
         edf_hdr_struct hdr;
         QCOMPARE(
             edfopen_file_readonly(edf.toLocal8Bit().constData(), &hdr, EDFLIB_READ_ALL_ANNOTATIONS),
@@ -78,11 +78,11 @@ private slots:
         QCOMPARE(edfread_physical_samples(hdr.handle, 0, int(pressure.size()), pressure.data()),
                  int(pressure.size()));
         edfclose_file(hdr.handle);
-        const double top = -*std::min_element(pressure.cbegin(), pressure.cend());
+        const double top = *std::max_element(pressure.cbegin(), pressure.cend());
         QVERIFY2(top > 165 && top < 175, qPrintable(QString::number(top)));
         // The cuff passes the true SBP at the time the truth gives.
         const double t = truth.value(QStringLiteral("SBPTime")).toDouble();
-        QVERIFY(std::abs(-pressure[qsizetype(t * 1000)] - 125.0) < 1.5);
+        QVERIFY(std::abs(pressure[qsizetype(t * 1000)] - 125.0) < 1.5);
     }
 
     void refusesBadInputInOneLine_data()
