@@ -115,14 +115,17 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     }
     const QList<double> smooth = runningMedian(raw, 5);
 
-    // Floor: what the detector sees of a closed artery (noise); plateau: the open artery, which
-    // holds most of the beats from the diastolic pressure down, so an upper quartile lands on
-    // it even when movement adds a few huge beats.
-    QList<double> closed;
-    for (qsizetype k = 0; k < raw.size() && times[k] <= topTime + kFloorSeconds; ++k)
-        closed << raw[k];
-    const double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
+    // Plateau: the open artery, which holds most of the beats from the diastolic pressure down,
+    // so an upper quartile lands on it even when movement adds a few huge beats. Floor: what
+    // the detector sees of a closed artery (noise), leaving out beats so large that only the
+    // animal moving can have made them.
     const double plateau = percentile(smooth, 0.75);
+    QList<double> closed;
+    for (qsizetype k = 0; k < raw.size() && times[k] <= topTime + kFloorSeconds; ++k) {
+        if (raw[k] < 0.5 * plateau)
+            closed << raw[k];
+    }
+    const double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
     const double span = plateau - floor;
     if (span <= 0.0 || plateau <= 0.0) {
         result.reason = noPulse;
