@@ -11,6 +11,7 @@
 
 CorvidaModel *CorvidaModel::s_instance = nullptr;
 bool CorvidaModel::s_saveRawData = false;
+QString CorvidaModel::s_detectionMethod;
 
 CorvidaModel::CorvidaModel(const QString &dataFolder, QObject *parent)
     : QObject(parent)
@@ -33,6 +34,9 @@ CorvidaModel::CorvidaModel(const QString &dataFolder, QObject *parent)
     s_saveRawData = m_settings->getSaveRawData();
     m_connections << connect(m_settings, &CorvidaSettings::changedSaveRawData, this,
                              [](bool save) { s_saveRawData = save; });
+    setDetectionMethod(m_settings->getDetectionMethod());
+    m_connections << connect(m_settings, &CorvidaSettings::changedDetectionMethod, this,
+                             &CorvidaModel::setDetectionMethod);
 
     m_connections << connect(m_settings, &CorvidaSettings::changedPressureLimit, this,
                              &CorvidaModel::applyPressureLimits);
@@ -73,6 +77,16 @@ CorvidaModel *CorvidaModel::instance()
 bool CorvidaModel::saveRawData()
 {
     return s_saveRawData;
+}
+
+QString CorvidaModel::detectionMethod()
+{
+    return s_detectionMethod;
+}
+
+void CorvidaModel::setDetectionMethod(const QString &method)
+{
+    s_detectionMethod = method;
 }
 
 void CorvidaModel::addDevice(BaseCorvidaDevice *device)

@@ -31,6 +31,10 @@ public:
 
     // Whether raw frames go into live records as well (the "SaveRawData" setting).
     static bool saveRawData();
+    // How new records find their markers (the "DetectionMethod" setting). The model follows its
+    // settings; the command-line tool, which has no model, sets it from its own.
+    static QString detectionMethod();
+    static void setDetectionMethod(const QString &method);
 
 public slots:
     // Takes ownership of the device and reports its connection changes.
@@ -56,4 +60,5 @@ private:
 
     static CorvidaModel *s_instance;
     static bool s_saveRawData;
+    static QString s_detectionMethod;
 };
