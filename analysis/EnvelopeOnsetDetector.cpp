@@ -119,7 +119,15 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     // so an upper quartile lands on it even when movement adds a few huge beats. Floor: what
     // the detector sees of a closed artery (noise), leaving out beats so large that only the
     // animal moving can have made them.
-    const double plateau = percentile(smooth, 0.75);
+    const double upper = percentile(smooth, 0.75);
+    // The level itself is the median of the beats near that quartile: breathing makes the
+    // open-artery beats vary, and their upper quartile would put the knee too low.
+    QList<double> open;
+    for (double a : smooth) {
+        if (a >= 0.8 * upper && a <= 1.5 * upper)
+            open << a;
+    }
+    const double plateau = percentile(open, 0.5);
     QList<double> closed;
     for (qsizetype k = 0; k < raw.size() && times[k] <= topTime + kFloorSeconds; ++k) {
         if (raw[k] < 0.5 * plateau)

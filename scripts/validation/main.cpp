@@ -235,8 +235,10 @@ The **refined method** looks at the amplitude envelope during deflation as a who
 1. Only beats after the cuff's highest pressure count. Their amplitudes are smoothed with a
    running median of five beats, so one premature beat or one artefact does not matter.
 2. The *floor* is the median amplitude in the first second after the cuff's peak, when the
-   artery is closed (what noise looks like); the *plateau* is the upper quartile of the
-   smoothed amplitudes (the open artery holds most beats of a deflation).
+   artery is closed (what noise looks like), leaving out beats over half the plateau (only
+   movement makes those under a closed cuff); the *plateau* is the median of the smoothed
+   amplitudes near their upper quartile (the open artery holds most beats of a deflation,
+   and the median stays on its middle level however deep the breathing swings).
 3. The pulse has *returned* at the start of the run of beats above a fifth of the way from
    floor to plateau that lasts, with dips of at most three beats, to the end of the cycle. A
    burst of movement under a closed cuff breaks off again and is not taken for the return.
