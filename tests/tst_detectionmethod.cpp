@@ -1,5 +1,8 @@
 #include "analysis/CorvidaOnlineExperiment.h"
+#include "analysis/LiveRecorder.h"
+#include "device/CorvidaModel.h"
 #include "device/SyntheticAnimal.h"
+#include "device/VirtualCorvidaDevice.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -63,6 +66,47 @@ private slots:
         // Anything but the refined way is the usual way.
         plain.setMethod(QStringLiteral("best"));
         QVERIFY(!plain.usesRefinedMethod());
+    }
+
+    // The setting decides for each new record; a record saved earlier keeps its own way, and a
+    // record after switching back is written as the usual way writes it.
+    void newRecordsTakeTheWayOfTheSetting()
+    {
+        QTemporaryDir dir;
+        VirtualCorvidaDevice device;
+        LiveRecorder recorder(&device);
+        qint64 now = 5'000'000;
+        device.setTickTimerActive(false);
+        device.setClock([&now] { return now; });
+        recorder.experiment()->setClock([&now] { return now; });
+        device.setPressureLimits(30, 120);
+        const auto measureAndSave = [&] {
+            if (!recorder.measure())
+                return QString();
+            for (int t = 0; t < 6000; t += 50) {
+                now += 50;
+                device.tick();
+            }
+            recorder.abort();
+            now += 1000; // another second, another file name
+            return recorder.save(dir.path()) ? recorder.experiment()->getFilepath() : QString();
+        };
+        QVERIFY(recorder.turnOn());
+
+        CorvidaModel::setDetectionMethod(CorvidaExperiment::refinedMethod());
+        const QString refined = measureAndSave();
+        QVERIFY(!refined.isEmpty());
+        QVERIFY(recorder.experiment()->usesRefinedMethod());
+        QVERIFY(bytes(refined).contains("refined"));
+
+        CorvidaModel::setDetectionMethod(QStringLiteral("documented"));
+        QVERIFY(recorder.turnOn());
+        const QString usual = measureAndSave();
+        CorvidaModel::setDetectionMethod(QString());
+        QVERIFY(!usual.isEmpty() && usual != refined);
+        QVERIFY(!recorder.experiment()->usesRefinedMethod());
+        QVERIFY(!bytes(usual).contains("Method"));
+        QVERIFY(CorvidaExperiment(refined).usesRefinedMethod());
     }
 
     void markersPlacedByHandStayUnderTheRefinedWay()
