@@ -37,6 +37,8 @@ CorvidaModel::CorvidaModel(const QString &dataFolder, QObject *parent)
     setDetectionMethod(m_settings->getDetectionMethod());
     m_connections << connect(m_settings, &CorvidaSettings::changedDetectionMethod, this,
                              &CorvidaModel::setDetectionMethod);
+    m_connections << connect(m_settings, &CorvidaSettings::changedSimulatedAnimal, this,
+                             &CorvidaModel::applySimulatedAnimal);
 
     m_connections << connect(m_settings, &CorvidaSettings::changedPressureLimit, this,
                              &CorvidaModel::applyPressureLimits);
@@ -114,8 +116,19 @@ void CorvidaModel::applyVirtualDeviceCount(int count)
             device->disconnectDevice();
         ++found;
     }
-    for (; found < count; ++found)
-        addDevice(new VirtualCorvidaDevice());
+    for (; found < count; ++found) {
+        auto *device = new VirtualCorvidaDevice();
+        device->setAnimal(m_settings->getSimulatedAnimal());
+        addDevice(device);
+    }
+}
+
+void CorvidaModel::applySimulatedAnimal(const QString &preset)
+{
+    for (BaseCorvidaDevice *device : std::as_const(m_devices)) {
+        if (auto *simulated = qobject_cast<VirtualCorvidaDevice *>(device))
+            simulated->setAnimal(preset);
+    }
 }
 
 void CorvidaModel::applyPressureLimits()

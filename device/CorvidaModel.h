@@ -42,6 +42,8 @@ public slots:
     // Keeps exactly `count` simulated units running. Extra ones are disconnected, never removed,
     // so turning them back on reuses the same objects.
     void applyVirtualDeviceCount(int count);
+    // Makes every simulated unit play that animal, or the test signal for "".
+    void applySimulatedAnimal(const QString &preset);
 
 signals:
     void onOpenRecord(QString path);

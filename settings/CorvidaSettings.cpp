@@ -114,6 +114,12 @@ void CorvidaSettings::setLastExportFolder(const QString &LastExportFolder)
            "LastExportFolder");
 }
 
+void CorvidaSettings::setSimulatedAnimal(const QString &SimulatedAnimal)
+{
+    assign(m_SimulatedAnimal, SimulatedAnimal, &CorvidaSettings::changedSimulatedAnimal,
+           "SimulatedAnimal");
+}
+
 void CorvidaSettings::setDetectionMethod(const QString &DetectionMethod)
 {
     assign(m_DetectionMethod, DetectionMethod, &CorvidaSettings::changedDetectionMethod,
@@ -228,6 +234,11 @@ void CorvidaSettings::resetLastImportFolder()
 void CorvidaSettings::resetLastExportFolder()
 {
     resetValue(QStringLiteral("LastExportFolder"));
+}
+
+void CorvidaSettings::resetSimulatedAnimal()
+{
+    resetValue(QStringLiteral("SimulatedAnimal"));
 }
 
 void CorvidaSettings::resetDetectionMethod()

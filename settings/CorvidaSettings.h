@@ -183,6 +183,14 @@ public:
     Q_CLASSINFO("UseVirtualCorvidaDefault", "0")
     Q_CLASSINFO("UseVirtualCorvidaMinimum", "0")
     Q_CLASSINFO("UseVirtualCorvidaMaximum", "4")
+
+    // What the simulated units play: "" the test signal, or a simulated animal ("mouse", "rat",
+    // "hypertensive-rat") whose pulse returns at its own true SBP.
+    Q_PROPERTY(QString SimulatedAnimal READ getSimulatedAnimal WRITE setSimulatedAnimal RESET
+                   resetSimulatedAnimal NOTIFY changedSimulatedAnimal)
+    Q_CLASSINFO("SimulatedAnimalEditable", "true")
+    Q_CLASSINFO("SimulatedAnimalVisibleBound", "DebugMode:true")
+    Q_CLASSINFO("SimulatedAnimalDefault", "\"\"")
     Q_CLASSINFO("UseVirtualCorvidaStep", "1")
 
     Q_PROPERTY(bool ShowDisconnectedDevices READ getShowDisconnectedDevices WRITE
@@ -349,6 +357,7 @@ public:
     QString getLastExportFolder() const { return m_LastExportFolder; }
     QString getLastExportFilter() const { return m_LastExportFilter; }
     QString getDetectionMethod() const { return m_DetectionMethod; }
+    QString getSimulatedAnimal() const { return m_SimulatedAnimal; }
     QString getLastExperimentPath() const { return m_LastExperimentPath; }
     qint32 getSortingColumn() const { return m_SortingColumn; }
     Qt::SortOrder getSortingOrder() const { return m_SortingOrder; }
@@ -388,6 +397,7 @@ public slots:
     void setLastExportFolder(const QString &LastExportFolder);
     void setLastExportFilter(const QString &LastExportFilter);
     void setDetectionMethod(const QString &DetectionMethod);
+    void setSimulatedAnimal(const QString &SimulatedAnimal);
     void setLastExperimentPath(const QString &LastExperimentPath);
     void setSortingColumn(qint32 SortingColumn);
     void setSortingOrder(Qt::SortOrder SortingOrder);
@@ -426,6 +436,7 @@ public slots:
     void resetLastExportFolder();
     void resetLastExportFilter();
     void resetDetectionMethod();
+    void resetSimulatedAnimal();
     void resetLastExperimentPath();
     void resetSortingColumn();
     void resetSortingOrder();
@@ -465,6 +476,7 @@ signals:
     void changedLastExportFolder(QString LastExportFolder);
     void changedLastExportFilter(QString LastExportFilter);
     void changedDetectionMethod(QString DetectionMethod);
+    void changedSimulatedAnimal(QString SimulatedAnimal);
     void changedLastExperimentPath(QString LastExperimentPath);
     void changedSortingColumn(qint32 SortingColumn);
     void changedSortingOrder(Qt::SortOrder SortingOrder);
@@ -508,6 +520,7 @@ private:
     QString m_LastExportFolder;
     QString m_LastExportFilter;
     QString m_DetectionMethod = QStringLiteral("documented");
+    QString m_SimulatedAnimal;
     QString m_LastExperimentPath;
     qint32 m_SortingColumn = 0;
     Qt::SortOrder m_SortingOrder = Qt::DescendingOrder;
