@@ -196,7 +196,8 @@ void groupTable(QTextStream &md, const QList<Outcome> &all, bool byPreset)
         groups[key] << o;
     }
     md << "| " << (byPreset ? "animal" : "condition")
-       << " | cycles | SBP documented: mean ± SD (mean absolute error) | SBP refined | DBP documented | DBP "
+       << " | cycles | SBP documented: mean ± SD (mean absolute error) | SBP refined | DBP "
+          "documented | DBP "
           "refined | heart rate: mean ± SD | missed SBP/DBP documented | missed SBP/DBP refined "
           "|\n|---|---|---|---|---|---|---|---|---|\n";
     for (const QString &key : std::as_const(order)) {
