@@ -1,5 +1,6 @@
 #include "analysis/CorvidaExperiment.h"
 
+#include "analysis/EnvelopeOnsetDetector.h"
 #include "analysis/PeakFinder.h"
 #include "settings/AbstractMetaDescription.h"
 #include "storage/EDFMarkRewriter.h"
@@ -133,6 +134,24 @@ QString CorvidaExperiment::pressureUnitText() const
     return m_Uncalibrated
                ? genericText(QT_TRANSLATE_NOOP("Generic", "sensor units, not calibrated"))
                : genericText(QT_TRANSLATE_NOOP("Generic", "mmHg"));
+}
+
+void CorvidaExperiment::setMethod(const QString &Method)
+{
+    const QString method = Method == refinedMethod() ? Method : QString();
+    if (!method.isEmpty()) {
+        assign(m_Method, method, &CorvidaExperiment::changedMethod, "Method");
+        return;
+    }
+    if (m_Method.isEmpty())
+        return;
+    // Back to the long-standing way: the property is not written at all, as in older records.
+    m_Method.clear();
+    emit changedMethod(m_Method);
+    if (AbstractMetaDescription *d = getPropertyByName(QStringLiteral("Method")))
+        d->clearValueSet();
+    if (getAutoSave() && !getFilepath().isEmpty())
+        VTSettings::save();
 }
 
 void CorvidaExperiment::setSession(const QString &Session)
@@ -559,27 +578,43 @@ void CorvidaExperiment::recalculateMarkers(bool reset)
     m_amplitude = m_peakFinder->amplitudeSeries();
     setBPM(m_peakFinder->heartRate());
 
-    if (m_beats.size() > 2) {
-        const QList<int> regular = m_peakFinder->selectRegularBeats(m_beats);
-        const int c = PeakFinder::chooseSystolicBeat(regular);
-        double systolic = 0.0;
-        double diastolic = 0.0;
-        if (c >= 0 && c < regular.size() && m_samplingRate > 0) {
-            systolic = regular[c] / m_samplingRate;
-            if (systolic >= kEarliestMarker) {
-                diastolic = m_peakFinder->findDiastolicTime(systolic, m_pressure);
-                if (diastolic < kEarliestMarker)
-                    diastolic = 0.0;
-            } else {
-                systolic = 0.0;
-            }
-        }
+    m_detectionNote.clear();
+    if (m_beats.size() > 2 || usesRefinedMethod()) {
+        const QPair<double, double> found =
+            usesRefinedMethod() ? refinedMarkers() : documentedMarkers();
         // A complete marker pair is the operator's or an earlier run's: it stays.
         if (m_SBP == 0.0 || m_SBPTime == 0.0)
-            setSBPTime(systolic);
+            setSBPTime(found.first);
         if (m_DBP == 0.0 || m_DBPTime == 0.0)
-            setDBPTime(diastolic);
+            setDBPTime(found.second);
     }
+}
+
+QPair<double, double> CorvidaExperiment::documentedMarkers()
+{
+    const QList<int> regular = m_peakFinder->selectRegularBeats(m_beats);
+    const int c = PeakFinder::chooseSystolicBeat(regular);
+    double systolic = 0.0;
+    double diastolic = 0.0;
+    if (c >= 0 && c < regular.size() && m_samplingRate > 0) {
+        systolic = regular[c] / m_samplingRate;
+        if (systolic >= kEarliestMarker) {
+            diastolic = m_peakFinder->findDiastolicTime(systolic, m_pressure);
+            if (diastolic < kEarliestMarker)
+                diastolic = 0.0;
+        } else {
+            systolic = 0.0;
+        }
+    }
+    return {systolic, diastolic};
+}
+
+QPair<double, double> CorvidaExperiment::refinedMarkers()
+{
+    const EnvelopeOnsetDetector::Result r =
+        EnvelopeOnsetDetector::detect(m_pressure, m_amplitude, m_samplingRate);
+    m_detectionNote = r.reason;
+    return {r.systolicTime, r.diastolicTime};
 }
 
 bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePath, QString *error)

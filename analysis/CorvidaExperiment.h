@@ -91,6 +91,12 @@ class CorvidaExperiment : public VTSettings
         qint32 Verdict READ getVerdict WRITE setVerdict RESET resetVerdict NOTIFY changedVerdict)
     Q_CLASSINFO("VerdictNoDefault", "true")
     Q_CLASSINFO("VerdictEditable", "true")
+    // How the markers are found: empty for the long-standing way, "refined" for the line through
+    // the rising pulse envelope. Written only for the refined way, so other records keep their
+    // form, and a recalculation keeps the record's own way.
+    Q_PROPERTY(QString Method READ getMethod WRITE setMethod RESET resetMethod NOTIFY changedMethod)
+    Q_CLASSINFO("MethodNoDefault", "true")
+    Q_CLASSINFO("MethodNotVisible", "true")
 
 public:
     enum OperatorVerdict { VerdictAutomatic = 0, VerdictAccepted = 1, VerdictRejected = 2 };
@@ -119,6 +125,11 @@ public:
     QString getReason() const { return m_Reason; }
     qint32 getVerdict() const { return m_Verdict; }
     qint32 getPlanned() const { return m_Planned; }
+    QString getMethod() const { return m_Method; }
+    static QString refinedMethod() { return QStringLiteral("refined"); }
+    bool usesRefinedMethod() const { return m_Method == refinedMethod(); }
+    // Why the last recalculation placed no markers, when the refined way found no pulse.
+    QString detectionNote() const { return m_detectionNote; }
 
     bool isSessionCycle() const { return !m_Session.isEmpty(); }
     // The verdict that counts: the operator's when there is one, the automatic one otherwise.
@@ -208,6 +219,8 @@ public slots:
     void setReason(const QString &Reason);
     void setVerdict(qint32 Verdict);
     void setPlanned(qint32 Planned);
+    // "" or refinedMethod(); anything else is taken for the long-standing way.
+    void setMethod(const QString &Method);
     void resetRodent();
     void resetComment();
     void resetSBP();
@@ -224,6 +237,7 @@ public slots:
     void resetReason() { setReason(QString()); }
     void resetVerdict() { setVerdict(VerdictAutomatic); }
     void resetPlanned() { setPlanned(0); }
+    void resetMethod() { setMethod(QString()); }
 
 signals:
     void changedRodent(QString Rodent);
@@ -243,6 +257,7 @@ signals:
     void changedReason(QString Reason);
     void changedVerdict(qint32 Verdict);
     void changedPlanned(qint32 Planned);
+    void changedMethod(QString Method);
     void bpResetted();
     void dataUpdated();
 
@@ -268,6 +283,9 @@ private:
     void assign(T &member, const T &value, Signal signal, const char *name);
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
     void recalculateMarkers(bool reset);
+    // The systolic and diastolic times the record's method finds in the current beats.
+    QPair<double, double> documentedMarkers();
+    QPair<double, double> refinedMarkers();
     void ensurePeakFinder();
     void ensureSeries();
     double markerPressure(double t);
@@ -299,6 +317,8 @@ private:
     QString m_Reason;
     qint32 m_Verdict = VerdictAutomatic;
     qint32 m_Planned = 0;
+    QString m_Method;
+    QString m_detectionNote;
 
     QList<int> m_beats;
     QList<int> m_valleys;

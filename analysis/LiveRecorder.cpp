@@ -2,6 +2,7 @@
 
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "device/BaseCorvidaDevice.h"
+#include "device/CorvidaModel.h"
 
 #include <QDebug>
 #include <algorithm>
@@ -97,6 +98,8 @@ bool LiveRecorder::abort()
 
 bool LiveRecorder::save(const QString &folder, QString *error)
 {
+    // A new record finds its markers the way the settings ask, and keeps that way.
+    m_experiment->setMethod(CorvidaModel::detectionMethod());
     // Found before writing, so the recording carries its markers from the start and is not
     // written a second time for them.
     m_experiment->recalculate(false);

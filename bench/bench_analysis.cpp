@@ -1,6 +1,8 @@
-// Cost of analysing a record: the full recalculation of a 10-minute record, and the live heart
-// rate over the last three seconds.
+// Cost of analysing a record: the full recalculation of a 10-minute record (both ways of placing
+// the markers, and the placing alone), and the live heart rate over the last three seconds.
 #include "analysis/CorvidaOnlineExperiment.h"
+#include "analysis/EnvelopeOnsetDetector.h"
+#include "analysis/PeakFinder.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
@@ -33,6 +35,46 @@ void BM_Recalculate10Minutes(benchmark::State &state)
     state.counters["beats"] = double(e.beats().size());
 }
 BENCHMARK(BM_Recalculate10Minutes)->Unit(benchmark::kMillisecond);
+
+void BM_Recalculate10MinutesRefined(benchmark::State &state)
+{
+    CorvidaOnlineExperiment e;
+    e.setClock([] { return qint64(0); });
+    e.setSamplingRate(1000);
+    e.updateData(tenMinutes());
+    e.setMethod(CorvidaExperiment::refinedMethod());
+    for (auto _ : state)
+        e.recalculate(true);
+    state.counters["beats"] = double(e.beats().size());
+}
+BENCHMARK(BM_Recalculate10MinutesRefined)->Unit(benchmark::kMillisecond);
+
+// The marker placing alone, on the beats of the 10-minute record: 0 the long-standing way,
+// 1 the refined way.
+void BM_PlaceMarkers10Minutes(benchmark::State &state)
+{
+    CorvidaOnlineExperiment e;
+    e.setClock([] { return qint64(0); });
+    e.setSamplingRate(1000);
+    const QList<QList<double>> data = tenMinutes();
+    e.updateData(data);
+    e.recalculate(true);
+    PeakFinder *finder = e.peakFinder();
+    const QList<int> beats = e.beats();
+    const QList<QPointF> amplitudes = e.amplitudeSeries();
+    double sink = 0;
+    for (auto _ : state) {
+        if (state.range(0) == 0) {
+            const QList<int> regular = finder->selectRegularBeats(beats);
+            const int c = PeakFinder::chooseSystolicBeat(regular);
+            sink += finder->findDiastolicTime(regular.value(c) / 1000.0, data[0]);
+        } else {
+            sink += EnvelopeOnsetDetector::detect(data[0], amplitudes, 1000).systolicTime;
+        }
+    }
+    benchmark::DoNotOptimize(sink);
+}
+BENCHMARK(BM_PlaceMarkers10Minutes)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 void BM_LiveHeartRate3Seconds(benchmark::State &state)
 {

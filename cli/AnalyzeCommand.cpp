@@ -40,16 +40,22 @@ QString AnalyzeCommand::resultLine(const QString &file, CorvidaExperiment &e)
 
 QJsonObject AnalyzeCommand::resultObject(const QString &file, CorvidaExperiment &e)
 {
-    return QJsonObject{{QStringLiteral("file"), file},
-                       {QStringLiteral("SBP"), jsonNumber(e.getSBP())},
-                       {QStringLiteral("SBPTime"), jsonNumber(e.getSBPTime())},
-                       {QStringLiteral("DBP"), jsonNumber(e.getDBP())},
-                       {QStringLiteral("DBPTime"), jsonNumber(e.getDBPTime())},
-                       {QStringLiteral("BPM"), jsonNumber(e.getBPM())},
-                       {QStringLiteral("beats"), int(e.beats().size())},
-                       {QStringLiteral("MAP"), e.meanArterialPressure() > 0
-                                                   ? QJsonValue(e.meanArterialPressure())
-                                                   : QJsonValue(QJsonValue::Null)}};
+    QJsonObject o{
+        {QStringLiteral("file"), file},
+        {QStringLiteral("SBP"), jsonNumber(e.getSBP())},
+        {QStringLiteral("SBPTime"), jsonNumber(e.getSBPTime())},
+        {QStringLiteral("DBP"), jsonNumber(e.getDBP())},
+        {QStringLiteral("DBPTime"), jsonNumber(e.getDBPTime())},
+        {QStringLiteral("BPM"), jsonNumber(e.getBPM())},
+        {QStringLiteral("beats"), int(e.beats().size())},
+        {QStringLiteral("MAP"), e.meanArterialPressure() > 0 ? QJsonValue(e.meanArterialPressure())
+                                                             : QJsonValue(QJsonValue::Null)},
+        {QStringLiteral("method"), e.usesRefinedMethod() ? CorvidaExperiment::refinedMethod()
+                                                         : QStringLiteral("documented")}};
+    // Why no markers were placed, when the refined way found no pulse.
+    if (!e.detectionNote().isEmpty())
+        o.insert(QStringLiteral("reason"), e.detectionNote());
+    return o;
 }
 
 int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
@@ -61,12 +67,22 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
         QStringLiteral("save"),
         QStringLiteral("Store the results in each record (.exp file and marks)."));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
-    parser.addOptions({reset, save, json});
+    const QCommandLineOption method(
+        QStringLiteral("method"),
+        QStringLiteral("How the markers are found: documented or refined. Changes the record's "
+                       "own way; with --reset the markers are found anew that way."),
+        QStringLiteral("NAME"));
+    parser.addOptions({reset, save, json, method});
     parser.addPositionalArgument(QStringLiteral("RECORD"), QStringLiteral(".edf files"));
     if (CliContext::asksForHelp(arguments))
         return context.help(usage(), &parser);
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
+    const QString methodName = parser.value(method);
+    if (parser.isSet(method) && methodName != QLatin1String("documented") &&
+        methodName != CorvidaExperiment::refinedMethod())
+        return context.fail(
+            QStringLiteral("unknown method \"%1\"; use documented or refined").arg(methodName));
     const QStringList records = parser.positionalArguments();
     if (records.isEmpty())
         return context.fail(QStringLiteral("usage: corvida-cli ") + usage());
@@ -86,6 +102,9 @@ int AnalyzeCommand::run(const QStringList &arguments, CliContext &context)
         experiment.setRecordingPath(path);
         // Reading wrote nothing; from here on only an explicit --save does.
         experiment.setAutoSave(false);
+        if (parser.isSet(method))
+            experiment.setMethod(methodName == QLatin1String("documented") ? QString()
+                                                                           : methodName);
         experiment.recalculate(parser.isSet(reset));
         // A cycle of a session is judged again on what was found now.
         if (experiment.isSessionCycle())

@@ -12,7 +12,8 @@ class AnalyzeCommand
 public:
     static QString usage()
     {
-        return QStringLiteral("analyze [--reset] [--save] [--json] RECORD...");
+        return QStringLiteral(
+            "analyze [--reset] [--save] [--json] [--method documented|refined] RECORD...");
     }
     static int run(const QStringList &arguments, CliContext &context);
 

@@ -1,5 +1,6 @@
 #include "cli/CliContext.h"
 
+#include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
 #include "storage/EDFReader.h"
 #include "storage/XLSXHelper.h"
@@ -35,6 +36,7 @@ CorvidaSettings *CliContext::settings()
         QuorvexCommon::CreateDirIfNotExists(m_dataFolder);
         m_settings =
             std::make_unique<CorvidaSettings>(m_dataFolder + QStringLiteral("Settings.xml"));
+        CorvidaModel::setDetectionMethod(m_settings->getDetectionMethod());
     }
     return m_settings.get();
 }

@@ -136,7 +136,10 @@ int SessionCommand::run(const QStringList &arguments, CliContext &context)
 
     std::unique_ptr<BaseCorvidaDevice> device;
     if (parser.isSet(simulated)) {
-        device = std::make_unique<VirtualCorvidaDevice>();
+        auto simulatedUnit = std::make_unique<VirtualCorvidaDevice>();
+        // The settings' simulated animal, as the window's simulated units play it.
+        simulatedUnit->setAnimal(context.settings()->getSimulatedAnimal());
+        device = std::move(simulatedUnit);
     } else {
         if (!MeasureCommand::probePort(parser.value(port), &why))
             return context.fail(why);

@@ -8,6 +8,7 @@
 #include "cli/RecoverCommand.h"
 #include "cli/SessionCommand.h"
 #include "cli/SessionsCommand.h"
+#include "cli/SimulateCommand.h"
 #include "cli/StreamCommand.h"
 #include "cli/VerdictCommand.h"
 #include "toolkit/QuorvexCommon.h"
@@ -44,7 +45,9 @@ void printHelp(QTextStream &out)
         << "  " << ExportCommand::usage() << "\n"
         << "      write records to a spreadsheet or CSV file\n"
         << "  " << StreamCommand::usage() << "\n"
-        << "      print the processed stream of a simulated unit as CSV\n\n"
+        << "      print the processed stream of a simulated unit as CSV\n"
+        << "  " << SimulateCommand::usage() << "\n"
+        << "      one measurement of a simulated animal as a record, and its true values\n\n"
         << "options:\n"
         << "  --data DIR   the working folder holding Settings.xml and Records/\n"
         << "               (default: " << QuorvexCommon::userDataFolder() << ")\n"
@@ -125,6 +128,8 @@ int main(int argc, char *argv[])
         return RecoverCommand::run(args, context);
     if (command == QLatin1String("export"))
         return ExportCommand::run(args, context);
+    if (command == QLatin1String("simulate"))
+        return SimulateCommand::run(args, context);
     if (command == QLatin1String("stream"))
         return StreamCommand::run(args, context);
 

@@ -11,6 +11,7 @@
 
 CorvidaModel *CorvidaModel::s_instance = nullptr;
 bool CorvidaModel::s_saveRawData = false;
+QString CorvidaModel::s_detectionMethod;
 
 CorvidaModel::CorvidaModel(const QString &dataFolder, QObject *parent)
     : QObject(parent)
@@ -33,6 +34,11 @@ CorvidaModel::CorvidaModel(const QString &dataFolder, QObject *parent)
     s_saveRawData = m_settings->getSaveRawData();
     m_connections << connect(m_settings, &CorvidaSettings::changedSaveRawData, this,
                              [](bool save) { s_saveRawData = save; });
+    setDetectionMethod(m_settings->getDetectionMethod());
+    m_connections << connect(m_settings, &CorvidaSettings::changedDetectionMethod, this,
+                             &CorvidaModel::setDetectionMethod);
+    m_connections << connect(m_settings, &CorvidaSettings::changedSimulatedAnimal, this,
+                             &CorvidaModel::applySimulatedAnimal);
 
     m_connections << connect(m_settings, &CorvidaSettings::changedPressureLimit, this,
                              &CorvidaModel::applyPressureLimits);
@@ -75,6 +81,16 @@ bool CorvidaModel::saveRawData()
     return s_saveRawData;
 }
 
+QString CorvidaModel::detectionMethod()
+{
+    return s_detectionMethod;
+}
+
+void CorvidaModel::setDetectionMethod(const QString &method)
+{
+    s_detectionMethod = method;
+}
+
 void CorvidaModel::addDevice(BaseCorvidaDevice *device)
 {
     if (!device)
@@ -100,8 +116,19 @@ void CorvidaModel::applyVirtualDeviceCount(int count)
             device->disconnectDevice();
         ++found;
     }
-    for (; found < count; ++found)
-        addDevice(new VirtualCorvidaDevice());
+    for (; found < count; ++found) {
+        auto *device = new VirtualCorvidaDevice();
+        device->setAnimal(m_settings->getSimulatedAnimal());
+        addDevice(device);
+    }
+}
+
+void CorvidaModel::applySimulatedAnimal(const QString &preset)
+{
+    for (BaseCorvidaDevice *device : std::as_const(m_devices)) {
+        if (auto *simulated = qobject_cast<VirtualCorvidaDevice *>(device))
+            simulated->setAnimal(preset);
+    }
 }
 
 void CorvidaModel::applyPressureLimits()

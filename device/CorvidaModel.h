@@ -31,6 +31,10 @@ public:
 
     // Whether raw frames go into live records as well (the "SaveRawData" setting).
     static bool saveRawData();
+    // How new records find their markers (the "DetectionMethod" setting). The model follows its
+    // settings; the command-line tool, which has no model, sets it from its own.
+    static QString detectionMethod();
+    static void setDetectionMethod(const QString &method);
 
 public slots:
     // Takes ownership of the device and reports its connection changes.
@@ -38,6 +42,8 @@ public slots:
     // Keeps exactly `count` simulated units running. Extra ones are disconnected, never removed,
     // so turning them back on reuses the same objects.
     void applyVirtualDeviceCount(int count);
+    // Makes every simulated unit play that animal, or the test signal for "".
+    void applySimulatedAnimal(const QString &preset);
 
 signals:
     void onOpenRecord(QString path);
@@ -56,4 +62,5 @@ private:
 
     static CorvidaModel *s_instance;
     static bool s_saveRawData;
+    static QString s_detectionMethod;
 };

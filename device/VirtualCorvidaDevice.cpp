@@ -14,7 +14,8 @@ VirtualCorvidaDevice::VirtualCorvidaDevice(QObject *parent)
     , m_clock(VClock::wall())
     , m_random([] { return QRandomGenerator::global()->generateDouble(); })
 {
-    m_id = QStringLiteral("V%1").arg(++s_virtualCounter);
+    m_number = ++s_virtualCounter;
+    m_id = QStringLiteral("V%1").arg(m_number);
     m_lastTickTime = m_clock();
     m_tickTimer->setInterval(50);
     connect(m_tickTimer, &QTimer::timeout, this, &VirtualCorvidaDevice::tick);
@@ -48,6 +49,62 @@ qint64 VirtualCorvidaDevice::sharedSampleCounter()
     return s_sampleCounter;
 }
 
+void VirtualCorvidaDevice::setAnimal(const QString &preset)
+{
+    SyntheticAnimal::Preset p;
+    if (!SyntheticAnimal::presetFromName(preset, &p)) {
+        m_animal.reset();
+        m_cycle = SyntheticAnimal::Cycle();
+        return;
+    }
+    if (m_animal && animal() == preset)
+        return;
+    // The device's number is its animal's seed: four units show four different animals.
+    m_animal = std::make_unique<SyntheticAnimal>(p, SyntheticAnimal::Clean, quint32(m_number));
+    generateCycle(m_measuring);
+}
+
+QString VirtualCorvidaDevice::animal() const
+{
+    return m_animal ? m_cycle.truth.preset : QString();
+}
+
+void VirtualCorvidaDevice::generateCycle(bool measuring)
+{
+    SyntheticAnimal::Parameters &p = m_animal->parameters();
+    const SyntheticAnimal::Parameters kept = p;
+    if (measuring) {
+        p.topPressure = m_targetPressure;
+    } else {
+        // At rest: the cuff stays open, ten seconds of pulse played over and over.
+        p.topPressure = 0.0;
+        p.restSeconds = 5.0;
+    }
+    m_cycle = m_animal->generate();
+    p = kept;
+    m_cyclePosition = 0;
+    m_cycleIsMeasurement = measuring;
+}
+
+void VirtualCorvidaDevice::makeAnimalFrame(RawFrame &frame, int n)
+{
+    for (int i = 0; i < n; ++i) {
+        if (m_cyclePosition >= m_cycle.pressure.size()) {
+            // After a measurement the cuff stays open until it is stopped, as with the test
+            // signal.
+            if (m_cycleIsMeasurement || m_cycle.pressure.isEmpty())
+                generateCycle(false);
+            m_cyclePosition = 0;
+        }
+        m_cuffPressure = m_cycle.pressure[m_cyclePosition];
+        frame[MPX][i] = m_cuffPressure;
+        frame[AC][i] = m_cycle.pulse[m_cyclePosition];
+        frame[DC][i] = 1.2;
+        frame[IR][i] = 1.0;
+        ++m_cyclePosition;
+    }
+}
+
 void VirtualCorvidaDevice::connectDevice()
 {
     disconnectDevice();
@@ -67,6 +124,9 @@ void VirtualCorvidaDevice::startAcquisition()
     clearHistory();
     m_acquiring = true;
     m_lastTickTime = m_clock();
+    // A new preview starts from the animal at rest, not from the middle of its last cuff cycle.
+    if (m_animal && m_cycleIsMeasurement)
+        generateCycle(false);
     emit started();
 }
 
@@ -89,6 +149,8 @@ void VirtualCorvidaDevice::startMeasuring()
     m_cuffPressure = 0.0; // the cuff was released at the end of the last cycle
     m_measurementStopped = false;
     m_measuring = true;
+    if (m_animal)
+        generateCycle(true);
     emit startedMeasuring();
 }
 
@@ -140,7 +202,9 @@ void VirtualCorvidaDevice::tick()
         channel.resize(n);
     const float omega = float(2.0 * M_PI / m_rate) * float(m_heartRate / 60.0);
 
-    if (!m_measuring) {
+    if (m_animal) {
+        makeAnimalFrame(frame, n);
+    } else if (!m_measuring) {
         for (int i = 0; i < n; ++i, ++s_sampleCounter) {
             frame[MPX][i] = m_random() * 10.0;
             frame[AC][i] = std::sin(double(s_sampleCounter) * omega) * m_pulseAmplitude;

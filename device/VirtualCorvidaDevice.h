@@ -1,9 +1,11 @@
 #pragma once
 
 #include "device/BaseCorvidaDevice.h"
+#include "device/SyntheticAnimal.h"
 #include "toolkit/VClock.h"
 
 #include <functional>
+#include <memory>
 
 class QTimer;
 
@@ -37,6 +39,15 @@ public:
     // The sine counter shared by all simulated devices (one step per sample made).
     static qint64 sharedSampleCounter();
 
+    // Plays a simulated animal ("mouse", "rat" or "hypertensive-rat") instead of the test
+    // signal: its pulse at rest, and in a measurement a whole cuff cycle up to the upper limit
+    // with the pulse returning at the animal's true SBP. An empty or unknown name gives the test
+    // signal back. Each device plays an animal of its own (its own seed).
+    void setAnimal(const QString &preset);
+    QString animal() const;
+    // The truth of the cycle of the current (or last) measurement; empty before one.
+    SyntheticAnimal::Truth animalTruth() const { return m_cycle.truth; }
+
 public slots:
     void connectDevice() override;
     void disconnectDevice() override;
@@ -62,6 +73,16 @@ private:
     double m_rate = 1000.0;
     double m_fractionCarry = 0.0;
     bool m_linked = true;
+
+    // The animal's cycle being played and where in it the next sample comes from; at rest a
+    // cycle without inflation is played over and over.
+    void makeAnimalFrame(RawFrame &frame, int n);
+    void generateCycle(bool measuring);
+    std::unique_ptr<SyntheticAnimal> m_animal;
+    SyntheticAnimal::Cycle m_cycle;
+    qsizetype m_cyclePosition = 0;
+    bool m_cycleIsMeasurement = false;
+    int m_number = 0;
 
     VClock::Source m_clock;
     RandomSource m_random;

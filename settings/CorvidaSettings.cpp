@@ -114,6 +114,18 @@ void CorvidaSettings::setLastExportFolder(const QString &LastExportFolder)
            "LastExportFolder");
 }
 
+void CorvidaSettings::setSimulatedAnimal(const QString &SimulatedAnimal)
+{
+    assign(m_SimulatedAnimal, SimulatedAnimal, &CorvidaSettings::changedSimulatedAnimal,
+           "SimulatedAnimal");
+}
+
+void CorvidaSettings::setDetectionMethod(const QString &DetectionMethod)
+{
+    assign(m_DetectionMethod, DetectionMethod, &CorvidaSettings::changedDetectionMethod,
+           "DetectionMethod");
+}
+
 void CorvidaSettings::setLastExportFilter(const QString &LastExportFilter)
 {
     assign(m_LastExportFilter, LastExportFilter, &CorvidaSettings::changedLastExportFilter,
@@ -222,6 +234,16 @@ void CorvidaSettings::resetLastImportFolder()
 void CorvidaSettings::resetLastExportFolder()
 {
     resetValue(QStringLiteral("LastExportFolder"));
+}
+
+void CorvidaSettings::resetSimulatedAnimal()
+{
+    resetValue(QStringLiteral("SimulatedAnimal"));
+}
+
+void CorvidaSettings::resetDetectionMethod()
+{
+    resetValue(QStringLiteral("DetectionMethod"));
 }
 
 void CorvidaSettings::resetLastExportFilter()

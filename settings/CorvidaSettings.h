@@ -129,6 +129,14 @@ public:
     Q_CLASSINFO("LastExportFilterEditable", "true")
     Q_CLASSINFO("LastExportFilterDefault", "\"\"")
 
+    // How new records find their markers: "documented" (the long-standing way) or "refined"
+    // (the line through the rising pulse envelope). A record keeps the way it was made with.
+    Q_PROPERTY(QString DetectionMethod READ getDetectionMethod WRITE setDetectionMethod RESET
+                   resetDetectionMethod NOTIFY changedDetectionMethod)
+    Q_CLASSINFO("DetectionMethodNotVisible", "true")
+    Q_CLASSINFO("DetectionMethodEditable", "true")
+    Q_CLASSINFO("DetectionMethodDefault", "\"documented\"")
+
     Q_PROPERTY(QString LastExperimentPath READ getLastExperimentPath WRITE setLastExperimentPath
                    RESET resetLastExperimentPath NOTIFY changedLastExperimentPath)
     Q_CLASSINFO("LastExperimentPathNotVisible", "true")
@@ -175,6 +183,14 @@ public:
     Q_CLASSINFO("UseVirtualCorvidaDefault", "0")
     Q_CLASSINFO("UseVirtualCorvidaMinimum", "0")
     Q_CLASSINFO("UseVirtualCorvidaMaximum", "4")
+
+    // What the simulated units play: "" the test signal, or a simulated animal ("mouse", "rat",
+    // "hypertensive-rat") whose pulse returns at its own true SBP.
+    Q_PROPERTY(QString SimulatedAnimal READ getSimulatedAnimal WRITE setSimulatedAnimal RESET
+                   resetSimulatedAnimal NOTIFY changedSimulatedAnimal)
+    Q_CLASSINFO("SimulatedAnimalEditable", "true")
+    Q_CLASSINFO("SimulatedAnimalVisibleBound", "DebugMode:true")
+    Q_CLASSINFO("SimulatedAnimalDefault", "\"\"")
     Q_CLASSINFO("UseVirtualCorvidaStep", "1")
 
     Q_PROPERTY(bool ShowDisconnectedDevices READ getShowDisconnectedDevices WRITE
@@ -340,6 +356,8 @@ public:
     QString getLastImportFolder() const { return m_LastImportFolder; }
     QString getLastExportFolder() const { return m_LastExportFolder; }
     QString getLastExportFilter() const { return m_LastExportFilter; }
+    QString getDetectionMethod() const { return m_DetectionMethod; }
+    QString getSimulatedAnimal() const { return m_SimulatedAnimal; }
     QString getLastExperimentPath() const { return m_LastExperimentPath; }
     qint32 getSortingColumn() const { return m_SortingColumn; }
     Qt::SortOrder getSortingOrder() const { return m_SortingOrder; }
@@ -378,6 +396,8 @@ public slots:
     void setLastImportFolder(const QString &LastImportFolder);
     void setLastExportFolder(const QString &LastExportFolder);
     void setLastExportFilter(const QString &LastExportFilter);
+    void setDetectionMethod(const QString &DetectionMethod);
+    void setSimulatedAnimal(const QString &SimulatedAnimal);
     void setLastExperimentPath(const QString &LastExperimentPath);
     void setSortingColumn(qint32 SortingColumn);
     void setSortingOrder(Qt::SortOrder SortingOrder);
@@ -415,6 +435,8 @@ public slots:
     void resetLastImportFolder();
     void resetLastExportFolder();
     void resetLastExportFilter();
+    void resetDetectionMethod();
+    void resetSimulatedAnimal();
     void resetLastExperimentPath();
     void resetSortingColumn();
     void resetSortingOrder();
@@ -453,6 +475,8 @@ signals:
     void changedLastImportFolder(QString LastImportFolder);
     void changedLastExportFolder(QString LastExportFolder);
     void changedLastExportFilter(QString LastExportFilter);
+    void changedDetectionMethod(QString DetectionMethod);
+    void changedSimulatedAnimal(QString SimulatedAnimal);
     void changedLastExperimentPath(QString LastExperimentPath);
     void changedSortingColumn(qint32 SortingColumn);
     void changedSortingOrder(Qt::SortOrder SortingOrder);
@@ -495,6 +519,8 @@ private:
     QString m_LastImportFolder;
     QString m_LastExportFolder;
     QString m_LastExportFilter;
+    QString m_DetectionMethod = QStringLiteral("documented");
+    QString m_SimulatedAnimal;
     QString m_LastExperimentPath;
     qint32 m_SortingColumn = 0;
     Qt::SortOrder m_SortingOrder = Qt::DescendingOrder;

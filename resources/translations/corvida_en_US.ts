@@ -240,6 +240,10 @@
         <translation>Simulated units</translation>
     </message>
     <message>
+        <source>SimulatedAnimal</source>
+        <translation>Simulated animal</translation>
+    </message>
+    <message>
         <source>ShowDisconnectedDevices</source>
         <translation>Show disconnected devices</translation>
     </message>

@@ -294,6 +294,10 @@
         <translation>Виртуальные устройства</translation>
     </message>
     <message>
+        <source>SimulatedAnimal</source>
+        <translation>Виртуальное животное</translation>
+    </message>
+    <message>
         <source>ShowDisconnectedDevices</source>
         <translation>Показывать отключённые устройства</translation>
     </message>

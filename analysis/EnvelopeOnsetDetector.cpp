@@ -1,0 +1,227 @@
+#include "analysis/EnvelopeOnsetDetector.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+// A cuff that never got this high cannot have closed a rodent's tail artery.
+constexpr double kLowestTop = 40.0;
+// The beats of the first second after the cuff's highest point show the closed artery: the
+// operator inflates well above the systolic pressure.
+constexpr double kFloorSeconds = 1.0;
+// The rising part used for the line, as shares of the way from floor to plateau.
+constexpr double kRiseLow = 0.2;
+constexpr double kRiseHigh = 0.8;
+// The pulse counts as back once this many smoothed beats in a row are above the low share.
+constexpr int kSustainedBeats = 4;
+// The pressure is averaged over this many samples before its crossings are looked for, so a
+// noisy sample does not place a marker early.
+constexpr int kPressureSmoothing = 50;
+
+QString text(const char *source)
+{
+    return QCoreApplication::translate("EnvelopeOnsetDetector", source);
+}
+
+double percentile(QList<double> values, double share)
+{
+    if (values.isEmpty())
+        return 0.0;
+    std::sort(values.begin(), values.end());
+    return values[qsizetype(share * double(values.size() - 1) + 0.5)];
+}
+
+// The first sample at or after `from` where the cuff pressure, averaged over a short window
+// centred on it, is at or below `level`; -1 when it never is.
+qsizetype firstCrossing(const QList<double> &pressure, qsizetype from, double level)
+{
+    const qsizetype n = pressure.size();
+    const qsizetype half = kPressureSmoothing / 2;
+    double sum = 0.0;
+    qsizetype count = 0;
+    for (qsizetype j = std::max<qsizetype>(0, from - half); j < std::min(n, from + half + 1); ++j) {
+        sum += pressure[j];
+        ++count;
+    }
+    for (qsizetype i = from; i < n; ++i) {
+        if (count > 0 && sum / count <= level)
+            return i;
+        const qsizetype drop = i - half;
+        const qsizetype add = i + half + 1;
+        if (drop >= 0) {
+            sum -= pressure[drop];
+            --count;
+        }
+        if (add < n) {
+            sum += pressure[add];
+            ++count;
+        }
+    }
+    return -1;
+}
+} // namespace
+
+QList<double> EnvelopeOnsetDetector::runningMedian(const QList<double> &values, int width)
+{
+    QList<double> out;
+    out.reserve(values.size());
+    const qsizetype half = width / 2;
+    QList<double> window;
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        window.clear();
+        for (qsizetype j = std::max<qsizetype>(0, i - half);
+             j <= std::min(values.size() - 1, i + half); ++j)
+            window << values[j];
+        std::sort(window.begin(), window.end());
+        const qsizetype m = window.size();
+        out << (m % 2 ? window[m / 2] : 0.5 * (window[m / 2 - 1] + window[m / 2]));
+    }
+    return out;
+}
+
+EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> &pressure,
+                                                            const QList<QPointF> &amplitudes,
+                                                            double samplingRate)
+{
+    Result result;
+    if (pressure.isEmpty() || samplingRate <= 0) {
+        result.reason = text("No recording to search");
+        return result;
+    }
+    const auto top = std::max_element(pressure.cbegin(), pressure.cend());
+    const qsizetype topIndex = top - pressure.cbegin();
+    if (*top < kLowestTop) {
+        result.reason = text("The cuff was not inflated");
+        return result;
+    }
+    const double topTime = double(topIndex) / samplingRate;
+
+    // The beats of the deflation, with the cuff pressure at each.
+    QList<double> times, raw, cuff;
+    for (const QPointF &a : amplitudes) {
+        const qsizetype i = qsizetype(a.x() * samplingRate);
+        if (a.x() <= topTime || i < 0 || i >= pressure.size())
+            continue;
+        times << a.x();
+        raw << a.y();
+        cuff << pressure[i];
+    }
+    const QString noPulse = text("No pulse came back while the cuff was deflating");
+    if (raw.size() < 2 * kSustainedBeats) {
+        result.reason = noPulse;
+        return result;
+    }
+    const QList<double> smooth = runningMedian(raw, 5);
+
+    // Plateau: the open artery, which holds most of the beats from the diastolic pressure down,
+    // so an upper quartile lands on it even when movement adds a few huge beats. Floor: what
+    // the detector sees of a closed artery (noise), leaving out beats so large that only the
+    // animal moving can have made them.
+    const double upper = percentile(smooth, 0.75);
+    // The level itself is the median of the beats near that quartile: breathing makes the
+    // open-artery beats vary, and their upper quartile would put the knee too low.
+    QList<double> open;
+    for (double a : smooth) {
+        if (a >= 0.8 * upper && a <= 1.5 * upper)
+            open << a;
+    }
+    const double plateau = percentile(open, 0.5);
+    QList<double> closed;
+    for (qsizetype k = 0; k < raw.size() && times[k] <= topTime + kFloorSeconds; ++k) {
+        if (raw[k] < 0.5 * plateau)
+            closed << raw[k];
+    }
+    const double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
+    const double span = plateau - floor;
+    if (span <= 0.0 || plateau <= 0.0) {
+        result.reason = noPulse;
+        return result;
+    }
+    const double low = floor + kRiseLow * span;
+    const double high = floor + kRiseHigh * span;
+
+    // Onset: the start of the run of beats above the low share that lasts to the end of the
+    // recording. Once the artery is open it stays open as the cuff falls, so an earlier run that
+    // breaks off again (the animal moving under a closed cuff) is not the pulse coming back.
+    // Dips of up to kSustainedBeats - 1 beats inside the run are forgiven.
+    qsizetype onset = -1;
+    int gap = 0;
+    for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
+        if (smooth[k] >= low) {
+            onset = k;
+            gap = 0;
+        } else if (onset >= 0 && ++gap >= kSustainedBeats) {
+            break;
+        }
+    }
+    if (onset >= 0) {
+        int run = 0;
+        for (qsizetype k = onset; k < smooth.size() && run < kSustainedBeats; ++k)
+            run = smooth[k] >= low ? run + 1 : 0;
+        if (run < kSustainedBeats)
+            onset = -1;
+    }
+    if (onset < 0) {
+        result.reason = noPulse;
+        return result;
+    }
+
+    // The line through the rising part: the beats from just before the onset until the
+    // amplitude stays above the high share, those between the two shares.
+    double sx = 0, sy = 0, sxx = 0, sxy = 0;
+    int n = 0;
+    qsizetype k = std::max<qsizetype>(0, onset - 2);
+    for (; k < smooth.size(); ++k) {
+        // The rise ends where the amplitude stays above the high share; a single burst above
+        // it (movement) is stepped over.
+        if (k > onset && smooth[k] >= high && k + 2 < smooth.size() && smooth[k + 1] >= high &&
+            smooth[k + 2] >= high)
+            break;
+        if (smooth[k] < low || smooth[k] > high)
+            continue;
+        sx += cuff[k];
+        sy += smooth[k];
+        sxx += cuff[k] * cuff[k];
+        sxy += cuff[k] * smooth[k];
+        ++n;
+    }
+    const qsizetype riseEnd = std::min(k, smooth.size() - 1);
+    double systolic = cuff[onset];
+    double diastolic = cuff[riseEnd];
+    const double denominator = n * sxx - sx * sx;
+    if (n >= 3 && denominator > 0) {
+        const double slope = (n * sxy - sx * sy) / denominator;
+        const double intercept = (sy - slope * sx) / n;
+        // The amplitude grows as the cuff falls: a line that does not is no rise.
+        if (slope < 0) {
+            const double atFloor = (floor - intercept) / slope;
+            const double atPlateau = (plateau - intercept) / slope;
+            // A line that leaves the floor above the cuff's top or reaches the plateau below
+            // zero is bent by something other than the pulse; the beats themselves are then
+            // the better answer.
+            if (atFloor <= *top && atFloor >= cuff[onset] && atPlateau >= 0 &&
+                atPlateau <= cuff[onset]) {
+                systolic = atFloor;
+                diastolic = atPlateau;
+            }
+        }
+    } else {
+        qDebug() << "ENVELOPE: too few rising beats for a line, using the beats themselves";
+    }
+
+    const qsizetype sbpIndex = firstCrossing(pressure, topIndex, systolic);
+    if (sbpIndex < 0) {
+        result.reason = noPulse;
+        return result;
+    }
+    const qsizetype dbpIndex = firstCrossing(pressure, sbpIndex, diastolic);
+    result.systolic = systolic;
+    result.systolicTime = double(sbpIndex) / samplingRate;
+    if (dbpIndex >= 0) {
+        result.diastolic = diastolic;
+        result.diastolicTime = double(dbpIndex) / samplingRate;
+    }
+    return result;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QList>
+#include <QPointF>
+#include <QString>
+
+// The refined way of placing the systolic and diastolic markers. It reads the pulse amplitude
+// of every beat against the cuff pressure during deflation (the envelope) and fits a straight
+// line through its rising part, between a fifth and four fifths of the way from the floor (the
+// occluded pulse) to the plateau (the open artery):
+//   - SBP is where that line leaves the floor: the cuff pressure at which the pulse starts to
+//     come back, found from all the rising beats together rather than from the first beat large
+//     enough to be seen;
+//   - DBP is where the line reaches the plateau: the knee where growth stops.
+// The amplitudes are smoothed with a running median of five beats first, so a premature beat
+// or a single artefact does not bend the line.
+//
+// It never guesses: a recording with no pulse returning during deflation gets no markers and a
+// reason instead.
+class EnvelopeOnsetDetector
+{
+public:
+    struct Result {
+        double systolicTime = 0.0;  // s, 0 when not found
+        double diastolicTime = 0.0; // s, 0 when not found
+        double systolic = 0.0;      // mmHg where the line leaves the floor
+        double diastolic = 0.0;     // mmHg where it reaches the plateau
+        QString reason;             // why there are no markers, in words for the operator
+    };
+
+    // pressure: the cuff pressure series; amplitudes: (beat time in s, amplitude) of every
+    // beat, as the peak finder gives them.
+    static Result detect(const QList<double> &pressure, const QList<QPointF> &amplitudes,
+                         double samplingRate);
+
+    // Running median over `width` points (odd), the ends using what is there.
+    static QList<double> runningMedian(const QList<double> &values, int width);
+};

@@ -1,0 +1,127 @@
+#include "analysis/EnvelopeOnsetDetector.h"
+
+#include <QtTest>
+#include <cmath>
+
+// The refined marker placement on hand-made envelopes whose onset and knee are known: a cuff
+// that rests 1 s, inflates to 200 mmHg by 3 s and falls at 10 mmHg/s, and one beat every 0.1 s
+// whose amplitude is given as a function of the cuff pressure.
+class TestEnvelopeOnsetDetector : public QObject
+{
+    Q_OBJECT
+
+    static constexpr double kRate = 1000.0;
+
+    static double cuffAt(double t)
+    {
+        if (t < 1.0)
+            return 0.0;
+        if (t < 3.0)
+            return 100.0 * (t - 1.0);
+        return std::max(0.0, 200.0 - 10.0 * (t - 3.0));
+    }
+    static QList<double> cuff()
+    {
+        QList<double> p;
+        for (int i = 0; i < 25 * int(kRate); ++i)
+            p << cuffAt(i / kRate);
+        return p;
+    }
+    // Linear rise from `floor` at SBP to floor + 1 at DBP, then flat.
+    static double envelope(double p, double sbp, double dbp, double floor)
+    {
+        if (p >= sbp)
+            return floor;
+        if (p <= dbp)
+            return floor + 1.0;
+        return floor + (sbp - p) / (sbp - dbp);
+    }
+    static QList<QPointF> beats(double sbp, double dbp, double floor)
+    {
+        QList<QPointF> a;
+        for (int k = 1; k < 250; ++k) {
+            const double t = k * 0.1;
+            a << QPointF(t, envelope(cuffAt(t), sbp, dbp, floor));
+        }
+        return a;
+    }
+
+private slots:
+    void findsTheOnsetAndKneeOfHandMadeEnvelopes_data()
+    {
+        QTest::addColumn<double>("sbp");
+        QTest::addColumn<double>("dbp");
+        QTest::addColumn<double>("floor");
+        QTest::addColumn<QString>("disturbance");
+        QTest::newRow("normal") << 120.0 << 80.0 << 0.0 << QString();
+        QTest::newRow("hypertensive") << 185.0 << 130.0 << 0.0 << QString();
+        QTest::newRow("narrow pulse pressure") << 110.0 << 95.0 << 0.0 << QString();
+        QTest::newRow("noise floor under the closed cuff") << 120.0 << 80.0 << 0.2 << QString();
+        QTest::newRow("premature beat on the rise") << 120.0 << 80.0 << 0.0 << "ectopic";
+        QTest::newRow("movement under the closed cuff") << 120.0 << 80.0 << 0.0 << "movement";
+    }
+    void findsTheOnsetAndKneeOfHandMadeEnvelopes()
+    {
+        QFETCH(double, sbp);
+        QFETCH(double, dbp);
+        QFETCH(double, floor);
+        QFETCH(QString, disturbance);
+        QList<QPointF> a = beats(sbp, dbp, floor);
+        // The cuff passes (sbp + dbp) / 2 at t = 3 + (200 - mid) / 10.
+        const int midBeat = int((3.0 + (200.0 - (sbp + dbp) / 2) / 10.0) / 0.1) - 1;
+        if (disturbance == QLatin1String("ectopic"))
+            a[midBeat].setY(a[midBeat].y() * 0.6);
+        if (disturbance == QLatin1String("movement")) {
+            // Half a second of huge beats at 170 mmHg, well above SBP.
+            for (int k = 0; k < 5; ++k)
+                a[int((3.0 + 3.0) / 0.1) - 1 + k].setY(3.0);
+        }
+        const EnvelopeOnsetDetector::Result r = EnvelopeOnsetDetector::detect(cuff(), a, kRate);
+        QVERIFY2(r.reason.isEmpty(), qPrintable(r.reason));
+        QVERIFY2(std::abs(r.systolic - sbp) < 1.0, qPrintable(QString::number(r.systolic)));
+        QVERIFY2(std::abs(r.diastolic - dbp) < 1.5, qPrintable(QString::number(r.diastolic)));
+        // The marker times are where the falling cuff passes those pressures.
+        QVERIFY(std::abs(cuffAt(r.systolicTime) - r.systolic) < 0.2);
+        QVERIFY(std::abs(cuffAt(r.diastolicTime) - r.diastolic) < 0.2);
+        QVERIFY(r.systolicTime > 3.0 && r.diastolicTime > r.systolicTime);
+    }
+
+    void noPulseGivesNoMarkersAndAReason_data()
+    {
+        QTest::addColumn<QList<double>>("pressure");
+        QTest::addColumn<QList<QPointF>>("amplitudes");
+        QList<QPointF> beforeOnly;
+        for (int k = 1; k < 10; ++k)
+            beforeOnly << QPointF(k * 0.1, 1.0);
+        QList<QPointF> flat;
+        for (int k = 1; k < 250; ++k)
+            flat << QPointF(k * 0.1, 0.0);
+        QList<double> low(25000, 20.0);
+        QTest::newRow("no beats at all") << cuff() << QList<QPointF>();
+        QTest::newRow("pulse only before the cuff closed") << cuff() << beforeOnly;
+        QTest::newRow("beats without amplitude") << cuff() << flat;
+        QTest::newRow("cuff never inflated") << low << beats(120, 80, 0);
+        QTest::newRow("no pressure series") << QList<double>() << beats(120, 80, 0);
+    }
+    void noPulseGivesNoMarkersAndAReason()
+    {
+        QFETCH(QList<double>, pressure);
+        QFETCH(QList<QPointF>, amplitudes);
+        const EnvelopeOnsetDetector::Result r =
+            EnvelopeOnsetDetector::detect(pressure, amplitudes, kRate);
+        QCOMPARE(r.systolicTime, 0.0);
+        QCOMPARE(r.diastolicTime, 0.0);
+        QCOMPARE(r.systolic, 0.0);
+        QVERIFY(!r.reason.isEmpty());
+    }
+
+    void runningMedianOverFiveKeepsTheEndsAndDropsSpikes()
+    {
+        const QList<double> in = {1, 9, 2, 3, 100, 4, 5};
+        const QList<double> expected = {2, 2.5, 3, 4, 4, 4.5, 5};
+        QCOMPARE(EnvelopeOnsetDetector::runningMedian(in, 5), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEnvelopeOnsetDetector)
+#include "tst_envelopeonsetdetector.moc"
