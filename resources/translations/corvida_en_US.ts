@@ -51,6 +51,103 @@
         <source>Developers</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Licence</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>AcceptanceRules</name>
+    <message>
+        <source>No pulse before inflation</source>
+        <translation>No pulse before inflation</translation>
+    </message>
+    <message>
+        <source>No systolic point found</source>
+        <translation>No systolic point found</translation>
+    </message>
+    <message>
+        <source>No diastolic point found</source>
+        <translation>No diastolic point found</translation>
+    </message>
+    <message>
+        <source>No heart rate found</source>
+        <translation>No heart rate found</translation>
+    </message>
+    <message>
+        <source>Heart rate %1 bpm outside %2 to %3</source>
+        <translation>Heart rate %1 bpm outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg outside %2 to %3</source>
+        <translation>SBP %1 mmHg outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>DBP %1 mmHg outside %2 to %3</source>
+        <translation>DBP %1 mmHg outside %2 to %3</translation>
+    </message>
+    <message>
+        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
+        <translation>SBP only %1 mmHg above DBP (at least %2 needed)</translation>
+    </message>
+    <message>
+        <source>Irregular beats (%1 %), the animal probably moved</source>
+        <translation>Irregular beats (%1 %), the animal probably moved</translation>
+    </message>
+</context>
+<context>
+    <name>AnimalHistoryPlot</name>
+    <message>
+        <source>No sessions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SBP and DBP, mmHg (mean ± SD)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Heart rate, bpm</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>AnimalView</name>
+    <message>
+        <source>Print report…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The animal&apos;s sessions as a PDF: the plot and one line per session</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The animal whose sessions are shown</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation type="unfinished">Date</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation type="unfinished">Accepted</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ComCorvidaDevice</name>
@@ -181,6 +278,10 @@
         <source>The unit&apos;s pressure calibration was not accepted: pressures are sensor values, not mmHg. The record is marked as not calibrated.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>the measurement has not been saved yet</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>CorvidaExperiment</name>
@@ -195,6 +296,14 @@
     <message>
         <source>The record could not be written to</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Accepted by the operator</source>
+        <translation>Accepted by the operator</translation>
+    </message>
+    <message>
+        <source>Rejected by the operator</source>
+        <translation>Rejected by the operator</translation>
     </message>
 </context>
 <context>
@@ -238,10 +347,6 @@
     <message>
         <source>UseVirtualCorvida</source>
         <translation>Simulated units</translation>
-    </message>
-    <message>
-        <source>SimulatedAnimal</source>
-        <translation>Simulated animal</translation>
     </message>
     <message>
         <source>ShowDisconnectedDevices</source>
@@ -668,11 +773,57 @@ Restart now?</source>
         <source>not calibrated</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Heart rate</source>
+        <translation type="unfinished">Heart rate</translation>
+    </message>
+</context>
+<context>
+    <name>HeartRateWidget</name>
+    <message>
+        <source>Outside the %1–%2 BPM a rat&apos;s or mouse&apos;s heart beats at: check the sensor and the animal.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>Only %n beat(s) found in the last 3 seconds: too few for a steady rate.</source>
+        <translation>
+            <numerusform>Only %n beat found in the last 3 seconds: too few for a steady rate.</numerusform>
+            <numerusform>Only %n beats found in the last 3 seconds: too few for a steady rate.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No heart rate: no regular pulse was found in the last 3 seconds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Uncertain heart rate.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Heart rate over the last 3 seconds.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
     <message>
         <source>New experiment in database</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and restart Corvida now?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The last measurement of %1 has not been saved. Discard it and close Corvida?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The last measurements of %1 have not been saved. Discard them and restart Corvida now?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The last measurements of %1 have not been saved. Discard them and close Corvida?</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -687,6 +838,10 @@ Restart now?</source>
     <name>PageAboutApp</name>
     <message>
         <source>About</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>proprietary, all rights reserved</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -748,6 +903,26 @@ Restart now?</source>
         <source>Exporting records</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Sessions</source>
+        <translation type="unfinished">Sessions</translation>
+    </message>
+    <message>
+        <source>Animal</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recover recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print report</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>PDF files (*.pdf)</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>PageExperimentMulti</name>
@@ -795,11 +970,34 @@ Restart now?</source>
         <source>Show experiment tips and recommendations</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Start a session on all units</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>PageSettings</name>
     <message>
         <source>Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PulseIndicator</name>
+    <message>
+        <source>Pulse OK</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Regular beats at a rodent&apos;s rate: a cuff cycle can measure this pulse</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No pulse</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No steady pulse: check the tail in the sensor and warm the animal</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -859,6 +1057,22 @@ in this experiment will be reset.
 Continue?</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>An interrupted save; the recording is complete and can be recovered</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An interrupted save; the recording is incomplete and cannot be recovered</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not an interrupted save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot rename</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>RecordExport</name>
@@ -876,6 +1090,10 @@ Continue?</source>
     </message>
     <message>
         <source>Nothing to export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Start</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -907,6 +1125,21 @@ Continue?</source>
     </message>
 </context>
 <context>
+    <name>RecordTableModel</name>
+    <message>
+        <source>no systolic point found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>no diastolic point found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open the record and place the marker by hand, or measure again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>SerialNumberDialog</name>
     <message>
         <source>Today</source>
@@ -922,6 +1155,457 @@ Continue?</source>
     </message>
     <message>
         <source>The serial number could not be written: the unit is not connected.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SessionCatalog</name>
+    <message>
+        <source>Sessions</source>
+        <translation>Sessions</translation>
+    </message>
+    <message>
+        <source>SD</source>
+        <translation>SD</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>MAP</translation>
+    </message>
+    <message>
+        <source>Heart rate</source>
+        <translation>Heart rate</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Unit</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Accepted</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Flag</translation>
+    </message>
+</context>
+<context>
+    <name>SessionListView</name>
+    <message>
+        <source>accepted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>rejected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>by hand</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Filter by rodent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Accept</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Count the selected cycles, whatever the automatic verdict says</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reject</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave the selected cycles out of the statistics</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the selected cycles back to the automatic verdict</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print report…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The session as a PDF: cycles, verdicts, statistics and traces</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation type="unfinished">Cycle</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation type="unfinished">MAP</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SessionPanel</name>
+    <message>
+        <source>Acclimation %1 of %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycle %1 of %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Waiting for a steady pulse…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>pause before the next cycle</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Session finished: %1 cycles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unit lost: %1. Finished cycles kept: %2.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>accepted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>acclimation</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Accepted %1 of %2 · SBP %3 · DBP %4 · MAP %5 mmHg · HR %6 bpm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Session</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Run a session: acclimation cycles, then measurement cycles, each after a steady pulse. The arrow changes the counts.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Acclimation cycles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Measurement cycles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Abort session</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop the session; the finished cycles are kept</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation type="unfinished">Cycle</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation type="unfinished">MAP</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SessionReport</name>
+    <message>
+        <source>Session</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Session of %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot write &quot;%1&quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Blood pressure session</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rodent: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>(not named)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date: %1 to %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unit: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycles: %1 acclimation, %2 of %3 measurement cycles measured</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Acceptance: heart rate %1–%2 bpm, SBP %3–%4 mmHg, DBP %5–%6 mmHg, SBP − DBP at least %7 mmHg, irregular beats at most %8 %</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycles</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycle</source>
+        <translation type="unfinished">Cycle</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation type="unfinished">MAP</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Accepted cycles: cuff pressure with the SBP and DBP markers</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cycle %1: %2/%3 mmHg, %4 bpm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Printed %1 by %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sessions of %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Blood pressure across days</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sessions: %1, from %2 to %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Hollow points: flagged sessions. Grey marks: sessions without a mean.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation type="unfinished">Date</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation type="unfinished">Unit</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation type="unfinished">Accepted</translation>
+    </message>
+    <message>
+        <source>Flags</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SessionRun</name>
+    <message>
+        <source>Session aborted during cycle %1; that cycle is not kept</source>
+        <translation>Session aborted during cycle %1; that cycle is not kept</translation>
+    </message>
+    <message>
+        <source>Session aborted after %1 cycles</source>
+        <translation>Session aborted after %1 cycles</translation>
+    </message>
+    <message>
+        <source>The unit was lost; the session is incomplete</source>
+        <translation>The unit was lost; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>The unit stopped sending; the session is incomplete</source>
+        <translation>The unit stopped sending; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>The unit did not start cycle %1; the session is incomplete</source>
+        <translation>The unit did not start cycle %1; the session is incomplete</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
+        <translation>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
+        <translation>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</translation>
+    </message>
+    <message>
+        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
+        <translation>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStatistics</name>
+    <message>
+        <source>Incomplete: %1 of %2 cycles measured</source>
+        <translation>Incomplete: %1 of %2 cycles measured</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
+        <translation>Only %1 of %2 cycles accepted (at least %3 needed)</translation>
+    </message>
+    <message>
+        <source>SD of SBP %1 mmHg above %2</source>
+        <translation>SD of SBP %1 mmHg above %2</translation>
+    </message>
+</context>
+<context>
+    <name>SessionTableModel</name>
+    <message>
+        <source>Rodent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation type="unfinished">Date</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation type="unfinished">Unit</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation type="unfinished">Accepted</translation>
+    </message>
+    <message>
+        <source>SBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DBP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation type="unfinished">MAP</translation>
+    </message>
+    <message>
+        <source>HR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation type="unfinished">Flag</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsFileNotice</name>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The settings file %1 cannot be read, so Corvida started with its default settings. To keep that file as it is, changes to the settings are not saved in this session. Check who may read the file, then start Corvida again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The settings file %1 was damaged and cannot be replaced. The settings that could be read are in use; changes are not saved in this session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The settings file was damaged. The settings that could be read are kept; the others are back to their defaults. The damaged file was kept as %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SignalViewer</name>
+    <message>
+        <source>Fit to data: the whole height of the traces in view. Click again for the vertical scale that is set.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1007,140 +1691,9 @@ Continue?</source>
         <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
         <translation type="unfinished"></translation>
     </message>
-</context>
-<context>
-    <name>AcceptanceRules</name>
     <message>
-        <source>No pulse before inflation</source>
-        <translation>No pulse before inflation</translation>
-    </message>
-    <message>
-        <source>No systolic point found</source>
-        <translation>No systolic point found</translation>
-    </message>
-    <message>
-        <source>No diastolic point found</source>
-        <translation>No diastolic point found</translation>
-    </message>
-    <message>
-        <source>No heart rate found</source>
-        <translation>No heart rate found</translation>
-    </message>
-    <message>
-        <source>Heart rate %1 bpm outside %2 to %3</source>
-        <translation>Heart rate %1 bpm outside %2 to %3</translation>
-    </message>
-    <message>
-        <source>SBP %1 mmHg outside %2 to %3</source>
-        <translation>SBP %1 mmHg outside %2 to %3</translation>
-    </message>
-    <message>
-        <source>DBP %1 mmHg outside %2 to %3</source>
-        <translation>DBP %1 mmHg outside %2 to %3</translation>
-    </message>
-    <message>
-        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
-        <translation>SBP only %1 mmHg above DBP (at least %2 needed)</translation>
-    </message>
-    <message>
-        <source>Irregular beats (%1 %), the animal probably moved</source>
-        <translation>Irregular beats (%1 %), the animal probably moved</translation>
-    </message>
-</context>
-<context>
-    <name>CorvidaExperiment</name>
-    <message>
-        <source>Accepted by the operator</source>
-        <translation>Accepted by the operator</translation>
-    </message>
-    <message>
-        <source>Rejected by the operator</source>
-        <translation>Rejected by the operator</translation>
-    </message>
-</context>
-<context>
-    <name>SessionCatalog</name>
-    <message>
-        <source>Sessions</source>
-        <translation>Sessions</translation>
-    </message>
-    <message>
-        <source>SD</source>
-        <translation>SD</translation>
-    </message>
-    <message>
-        <source>MAP</source>
-        <translation>MAP</translation>
-    </message>
-    <message>
-        <source>Heart rate</source>
-        <translation>Heart rate</translation>
-    </message>
-    <message>
-        <source>Date</source>
-        <translation>Date</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Unit</translation>
-    </message>
-    <message>
-        <source>Accepted</source>
-        <translation>Accepted</translation>
-    </message>
-    <message>
-        <source>Flag</source>
-        <translation>Flag</translation>
-    </message>
-</context>
-<context>
-    <name>SessionRun</name>
-    <message>
-        <source>Session aborted during cycle %1; that cycle is not kept</source>
-        <translation>Session aborted during cycle %1; that cycle is not kept</translation>
-    </message>
-    <message>
-        <source>Session aborted after %1 cycles</source>
-        <translation>Session aborted after %1 cycles</translation>
-    </message>
-    <message>
-        <source>The unit was lost; the session is incomplete</source>
-        <translation>The unit was lost; the session is incomplete</translation>
-    </message>
-    <message>
-        <source>The unit stopped sending; the session is incomplete</source>
-        <translation>The unit stopped sending; the session is incomplete</translation>
-    </message>
-    <message>
-        <source>The unit did not start cycle %1; the session is incomplete</source>
-        <translation>The unit did not start cycle %1; the session is incomplete</translation>
-    </message>
-    <message>
-        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
-        <translation>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</translation>
-    </message>
-    <message>
-        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
-        <translation>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</translation>
-    </message>
-    <message>
-        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
-        <translation>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</translation>
-    </message>
-</context>
-<context>
-    <name>SessionStatistics</name>
-    <message>
-        <source>Incomplete: %1 of %2 cycles measured</source>
-        <translation>Incomplete: %1 of %2 cycles measured</translation>
-    </message>
-    <message>
-        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
-        <translation>Only %1 of %2 cycles accepted (at least %3 needed)</translation>
-    </message>
-    <message>
-        <source>SD of SBP %1 mmHg above %2</source>
-        <translation>SD of SBP %1 mmHg above %2</translation>
+        <source>Hide the tips (the Suggestions button brings them back)</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 </TS>

@@ -51,6 +51,49 @@
         <source>Developers</source>
         <translation>Разработчики</translation>
     </message>
+    <message>
+        <source>Licence</source>
+        <translation>Лицензия</translation>
+    </message>
+</context>
+<context>
+    <name>AcceptanceRules</name>
+    <message>
+        <source>No pulse before inflation</source>
+        <translation>Нет пульса перед накачкой</translation>
+    </message>
+    <message>
+        <source>No systolic point found</source>
+        <translation>Систолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>No diastolic point found</source>
+        <translation>Диастолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>No heart rate found</source>
+        <translation>Пульс не найден</translation>
+    </message>
+    <message>
+        <source>Heart rate %1 bpm outside %2 to %3</source>
+        <translation>Пульс %1 уд/мин вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>SBP %1 mmHg outside %2 to %3</source>
+        <translation>САД %1 мм рт. ст. вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>DBP %1 mmHg outside %2 to %3</source>
+        <translation>ДАД %1 мм рт. ст. вне пределов от %2 до %3</translation>
+    </message>
+    <message>
+        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
+        <translation>САД выше ДАД лишь на %1 мм рт. ст. (нужно не меньше %2)</translation>
+    </message>
+    <message>
+        <source>Irregular beats (%1 %), the animal probably moved</source>
+        <translation>Неровные удары (%1 %), животное, вероятно, двигалось</translation>
+    </message>
 </context>
 <context>
     <name>AnimalHistoryPlot</name>
@@ -235,6 +278,10 @@
         <source>The unit&apos;s pressure calibration was not accepted: pressures are sensor values, not mmHg. The record is marked as not calibrated.</source>
         <translation>Калибровка давления прибора не принята: давление в единицах датчика, а не в мм рт. ст. Запись помечена как некалиброванная.</translation>
     </message>
+    <message>
+        <source>the measurement has not been saved yet</source>
+        <translation>измерение ещё не сохранено</translation>
+    </message>
 </context>
 <context>
     <name>CorvidaExperiment</name>
@@ -249,6 +296,14 @@
     <message>
         <source>The record could not be written to</source>
         <translation>Не удалось сохранить запись в файл</translation>
+    </message>
+    <message>
+        <source>Accepted by the operator</source>
+        <translation>Принят оператором</translation>
+    </message>
+    <message>
+        <source>Rejected by the operator</source>
+        <translation>Отклонён оператором</translation>
     </message>
 </context>
 <context>
@@ -292,10 +347,6 @@
     <message>
         <source>UseVirtualCorvida</source>
         <translation>Виртуальные устройства</translation>
-    </message>
-    <message>
-        <source>SimulatedAnimal</source>
-        <translation>Виртуальное животное</translation>
     </message>
     <message>
         <source>ShowDisconnectedDevices</source>
@@ -723,6 +774,37 @@ Restart now?</source>
         <source>not calibrated</source>
         <translation>без калибровки</translation>
     </message>
+    <message>
+        <source>Heart rate</source>
+        <translation>ЧСС</translation>
+    </message>
+</context>
+<context>
+    <name>HeartRateWidget</name>
+    <message>
+        <source>Outside the %1–%2 BPM a rat&apos;s or mouse&apos;s heart beats at: check the sensor and the animal.</source>
+        <translation>Вне пределов %1–%2 уд/мин, в которых бьётся сердце крысы или мыши: проверьте датчик и животное.</translation>
+    </message>
+    <message numerus="yes">
+        <source>Only %n beat(s) found in the last 3 seconds: too few for a steady rate.</source>
+        <translation>
+            <numerusform>Найден лишь %n удар за последние 3 секунды: слишком мало для устойчивой ЧСС.</numerusform>
+            <numerusform>Найдено лишь %n удара за последние 3 секунды: слишком мало для устойчивой ЧСС.</numerusform>
+            <numerusform>Найдено лишь %n ударов за последние 3 секунды: слишком мало для устойчивой ЧСС.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No heart rate: no regular pulse was found in the last 3 seconds.</source>
+        <translation>Пульса нет: за последние 3 секунды не найдено ровного пульса.</translation>
+    </message>
+    <message>
+        <source>Uncertain heart rate.</source>
+        <translation>Недостоверная ЧСС.</translation>
+    </message>
+    <message>
+        <source>Heart rate over the last 3 seconds.</source>
+        <translation>ЧСС за последние 3 секунды.</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -759,6 +841,10 @@ Restart now?</source>
     <message>
         <source>About</source>
         <translation>О программе</translation>
+    </message>
+    <message>
+        <source>proprietary, all rights reserved</source>
+        <translation>проприетарная, все права защищены</translation>
     </message>
 </context>
 <context>
@@ -1010,6 +1096,10 @@ Continue?</source>
         <source>Nothing to export</source>
         <translation>Нечего экспортировать</translation>
     </message>
+    <message>
+        <source>Start</source>
+        <translation>Начало</translation>
+    </message>
 </context>
 <context>
     <name>RecordPreview</name>
@@ -1039,6 +1129,21 @@ Continue?</source>
     </message>
 </context>
 <context>
+    <name>RecordTableModel</name>
+    <message>
+        <source>no systolic point found</source>
+        <translation>систолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>no diastolic point found</source>
+        <translation>диастолическая точка не найдена</translation>
+    </message>
+    <message>
+        <source>Open the record and place the marker by hand, or measure again.</source>
+        <translation>Откройте запись и поставьте маркер вручную или измерьте снова.</translation>
+    </message>
+</context>
+<context>
     <name>SerialNumberDialog</name>
     <message>
         <source>Today</source>
@@ -1055,6 +1160,41 @@ Continue?</source>
     <message>
         <source>The serial number could not be written: the unit is not connected.</source>
         <translation>Не удалось записать серийный номер: устройство не подключено.</translation>
+    </message>
+</context>
+<context>
+    <name>SessionCatalog</name>
+    <message>
+        <source>Sessions</source>
+        <translation>Сеансы</translation>
+    </message>
+    <message>
+        <source>SD</source>
+        <translation>СО</translation>
+    </message>
+    <message>
+        <source>MAP</source>
+        <translation>СрАД</translation>
+    </message>
+    <message>
+        <source>Heart rate</source>
+        <translation>Пульс</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Дата</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Прибор</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>Flag</source>
+        <translation>Отметка</translation>
     </message>
 </context>
 <context>
@@ -1242,10 +1382,6 @@ Continue?</source>
         <translation>Принятые циклы: давление в манжете с маркерами САД и ДАД</translation>
     </message>
     <message>
-        <source>Accepted measurement cycles: %1 of %2</source>
-        <translation>Принято циклов измерения: %1 из %2</translation>
-    </message>
-    <message>
         <source>Accepted</source>
         <translation>Принято</translation>
     </message>
@@ -1322,10 +1458,6 @@ Continue?</source>
         <translation>Животное: %1</translation>
     </message>
     <message>
-        <source>SBP %1 mmHg · DBP %2 mmHg · MAP %3 mmHg · heart rate %4 bpm (mean ± SD)</source>
-        <translation>САД %1 мм рт. ст. · ДАД %2 мм рт. ст. · СрАД %3 мм рт. ст. · ЧСС %4 уд/мин (среднее ± СО)</translation>
-    </message>
-    <message>
         <source>SBP</source>
         <translation>САД</translation>
     </message>
@@ -1350,10 +1482,6 @@ Continue?</source>
         <translation>Время</translation>
     </message>
     <message>
-        <source>To repeat: %1</source>
-        <translation>Повторить: %1</translation>
-    </message>
-    <message>
         <source>Unit</source>
         <translation>Прибор</translation>
     </message>
@@ -1365,29 +1493,55 @@ Continue?</source>
         <source>Verdict</source>
         <translation>Оценка</translation>
     </message>
+</context>
+<context>
+    <name>SessionRun</name>
     <message>
-        <source>accepted by the operator</source>
-        <translation>принят оператором</translation>
+        <source>Session aborted during cycle %1; that cycle is not kept</source>
+        <translation>Сеанс прерван во время цикла %1; этот цикл не сохранён</translation>
     </message>
     <message>
-        <source>accepted</source>
-        <translation>принят</translation>
+        <source>Session aborted after %1 cycles</source>
+        <translation>Сеанс прерван после %1 циклов</translation>
     </message>
     <message>
-        <source>acclimation</source>
-        <translation>привыкание</translation>
+        <source>The unit was lost; the session is incomplete</source>
+        <translation>Связь с прибором потеряна; сеанс не завершён</translation>
     </message>
     <message>
-        <source>mmHg</source>
-        <translation>мм рт. ст.</translation>
+        <source>The unit stopped sending; the session is incomplete</source>
+        <translation>Прибор перестал передавать данные; сеанс не завершён</translation>
     </message>
     <message>
-        <source>rejected by the operator</source>
-        <translation>отклонён оператором</translation>
+        <source>The unit did not start cycle %1; the session is incomplete</source>
+        <translation>Прибор не начал цикл %1; сеанс не завершён</translation>
     </message>
     <message>
-        <source>rejected</source>
-        <translation>отклонён</translation>
+        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
+        <translation>Цикл %1 не удалось сохранить: %2. Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+    <message>
+        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
+        <translation>Цикл %1 не удалось сохранить в «%2» (диск заполнен?). Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+    <message>
+        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
+        <translation>Оценку цикла %1 не удалось сохранить в «%2». Сеанс остановлен; предыдущие циклы сохранены</translation>
+    </message>
+</context>
+<context>
+    <name>SessionStatistics</name>
+    <message>
+        <source>Incomplete: %1 of %2 cycles measured</source>
+        <translation>Не завершён: измерено %1 из %2 циклов</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
+        <translation>Принято лишь %1 из %2 циклов (нужно не меньше %3)</translation>
+    </message>
+    <message>
+        <source>SD of SBP %1 mmHg above %2</source>
+        <translation>СО САД %1 мм рт. ст. больше %2</translation>
     </message>
 </context>
 <context>
@@ -1427,6 +1581,36 @@ Continue?</source>
     <message>
         <source>Flag</source>
         <translation>Отметка</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsFileNotice</name>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>The settings file %1 cannot be read, so Corvida started with its default settings. To keep that file as it is, changes to the settings are not saved in this session. Check who may read the file, then start Corvida again.</source>
+        <translation>Файл настроек %1 не удаётся прочитать, поэтому Corvida запущена с настройками по умолчанию. Чтобы этот файл остался как есть, изменения настроек в этом сеансе не сохраняются. Проверьте, кому разрешено читать файл, и запустите Corvida снова.</translation>
+    </message>
+    <message>
+        <source>The settings file %1 was damaged and cannot be replaced. The settings that could be read are in use; changes are not saved in this session.</source>
+        <translation>Файл настроек %1 повреждён, и его не удаётся заменить. Используются настройки, которые удалось прочитать; изменения в этом сеансе не сохраняются.</translation>
+    </message>
+    <message>
+        <source>The settings file was damaged. The settings that could be read are kept; the others are back to their defaults. The damaged file was kept as %1.</source>
+        <translation>Файл настроек был повреждён. Настройки, которые удалось прочитать, сохранены; остальные возвращены к значениям по умолчанию. Повреждённый файл сохранён как %1.</translation>
+    </message>
+    <message>
+        <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
+        <translation>Не удаётся сохранить настройки в %1. Изменения, сделанные сейчас, будут потеряны при закрытии Corvida. Проверьте, что диск не заполнен и в папку разрешено писать.</translation>
+    </message>
+</context>
+<context>
+    <name>SignalViewer</name>
+    <message>
+        <source>Fit to data: the whole height of the traces in view. Click again for the vertical scale that is set.</source>
+        <translation>По данным: вся высота видимых кривых. Нажмите ещё раз, чтобы вернуть заданный вертикальный масштаб.</translation>
     </message>
 </context>
 <context>
@@ -1511,163 +1695,9 @@ Continue?</source>
         <source>Slightly move the cuff and sensor along the tail if the tail is not being constricted (the bones could protect the tail&apos;s blood vessel)</source>
         <translation>Немного сдвинуть манжету и датчик вдоль хвоста, если хвост не пережимается (кости могут защищать сосуд хвоста)</translation>
     </message>
-</context>
-<context>
-    <name>SettingsFileNotice</name>
     <message>
-        <source>Close</source>
-        <translation>Закрыть</translation>
-    </message>
-    <message>
-        <source>The settings file %1 cannot be read, so Corvida started with its default settings. To keep that file as it is, changes to the settings are not saved in this session. Check who may read the file, then start Corvida again.</source>
-        <translation>Файл настроек %1 не удаётся прочитать, поэтому Corvida запущена с настройками по умолчанию. Чтобы этот файл остался как есть, изменения настроек в этом сеансе не сохраняются. Проверьте, кому разрешено читать файл, и запустите Corvida снова.</translation>
-    </message>
-    <message>
-        <source>The settings file %1 was damaged and cannot be replaced. The settings that could be read are in use; changes are not saved in this session.</source>
-        <translation>Файл настроек %1 повреждён, и его не удаётся заменить. Используются настройки, которые удалось прочитать; изменения в этом сеансе не сохраняются.</translation>
-    </message>
-    <message>
-        <source>The settings file was damaged. The settings that could be read are kept; the others are back to their defaults. The damaged file was kept as %1.</source>
-        <translation>Файл настроек был повреждён. Настройки, которые удалось прочитать, сохранены; остальные возвращены к значениям по умолчанию. Повреждённый файл сохранён как %1.</translation>
-    </message>
-    <message>
-        <source>Settings cannot be saved to %1. Changes made now are lost when Corvida closes. Check that the disk is not full and that the folder may be written to.</source>
-        <translation>Не удаётся сохранить настройки в %1. Изменения, сделанные сейчас, будут потеряны при закрытии Corvida. Проверьте, что диск не заполнен и в папку разрешено писать.</translation>
-    </message>
-</context>
-<context>
-    <name>AcceptanceRules</name>
-    <message>
-        <source>No pulse before inflation</source>
-        <translation>Нет пульса перед накачкой</translation>
-    </message>
-    <message>
-        <source>No systolic point found</source>
-        <translation>Систолическая точка не найдена</translation>
-    </message>
-    <message>
-        <source>No diastolic point found</source>
-        <translation>Диастолическая точка не найдена</translation>
-    </message>
-    <message>
-        <source>No heart rate found</source>
-        <translation>Пульс не найден</translation>
-    </message>
-    <message>
-        <source>Heart rate %1 bpm outside %2 to %3</source>
-        <translation>Пульс %1 уд/мин вне пределов от %2 до %3</translation>
-    </message>
-    <message>
-        <source>SBP %1 mmHg outside %2 to %3</source>
-        <translation>САД %1 мм рт. ст. вне пределов от %2 до %3</translation>
-    </message>
-    <message>
-        <source>DBP %1 mmHg outside %2 to %3</source>
-        <translation>ДАД %1 мм рт. ст. вне пределов от %2 до %3</translation>
-    </message>
-    <message>
-        <source>SBP only %1 mmHg above DBP (at least %2 needed)</source>
-        <translation>САД выше ДАД лишь на %1 мм рт. ст. (нужно не меньше %2)</translation>
-    </message>
-    <message>
-        <source>Irregular beats (%1 %), the animal probably moved</source>
-        <translation>Неровные удары (%1 %), животное, вероятно, двигалось</translation>
-    </message>
-</context>
-<context>
-    <name>CorvidaExperiment</name>
-    <message>
-        <source>Accepted by the operator</source>
-        <translation>Принят оператором</translation>
-    </message>
-    <message>
-        <source>Rejected by the operator</source>
-        <translation>Отклонён оператором</translation>
-    </message>
-</context>
-<context>
-    <name>SessionCatalog</name>
-    <message>
-        <source>Sessions</source>
-        <translation>Сеансы</translation>
-    </message>
-    <message>
-        <source>SD</source>
-        <translation>СО</translation>
-    </message>
-    <message>
-        <source>MAP</source>
-        <translation>СрАД</translation>
-    </message>
-    <message>
-        <source>Heart rate</source>
-        <translation>Пульс</translation>
-    </message>
-    <message>
-        <source>Date</source>
-        <translation>Дата</translation>
-    </message>
-    <message>
-        <source>Unit</source>
-        <translation>Прибор</translation>
-    </message>
-    <message>
-        <source>Accepted</source>
-        <translation>Принято</translation>
-    </message>
-    <message>
-        <source>Flag</source>
-        <translation>Отметка</translation>
-    </message>
-</context>
-<context>
-    <name>SessionRun</name>
-    <message>
-        <source>Session aborted during cycle %1; that cycle is not kept</source>
-        <translation>Сеанс прерван во время цикла %1; этот цикл не сохранён</translation>
-    </message>
-    <message>
-        <source>Session aborted after %1 cycles</source>
-        <translation>Сеанс прерван после %1 циклов</translation>
-    </message>
-    <message>
-        <source>The unit was lost; the session is incomplete</source>
-        <translation>Связь с прибором потеряна; сеанс не завершён</translation>
-    </message>
-    <message>
-        <source>The unit stopped sending; the session is incomplete</source>
-        <translation>Прибор перестал передавать данные; сеанс не завершён</translation>
-    </message>
-    <message>
-        <source>The unit did not start cycle %1; the session is incomplete</source>
-        <translation>Прибор не начал цикл %1; сеанс не завершён</translation>
-    </message>
-    <message>
-        <source>Cycle %1 could not be saved: %2. The session stopped; the cycles before it are kept</source>
-        <translation>Цикл %1 не удалось сохранить: %2. Сеанс остановлен; предыдущие циклы сохранены</translation>
-    </message>
-    <message>
-        <source>Cycle %1 could not be saved in &quot;%2&quot; (is the disk full?). The session stopped; the cycles before it are kept</source>
-        <translation>Цикл %1 не удалось сохранить в «%2» (диск заполнен?). Сеанс остановлен; предыдущие циклы сохранены</translation>
-    </message>
-    <message>
-        <source>The verdict of cycle %1 could not be saved in &quot;%2&quot;. The session stopped; the cycles before it are kept</source>
-        <translation>Оценку цикла %1 не удалось сохранить в «%2». Сеанс остановлен; предыдущие циклы сохранены</translation>
-    </message>
-</context>
-<context>
-    <name>SessionStatistics</name>
-    <message>
-        <source>Incomplete: %1 of %2 cycles measured</source>
-        <translation>Не завершён: измерено %1 из %2 циклов</translation>
-    </message>
-    <message>
-        <source>Only %1 of %2 cycles accepted (at least %3 needed)</source>
-        <translation>Принято лишь %1 из %2 циклов (нужно не меньше %3)</translation>
-    </message>
-    <message>
-        <source>SD of SBP %1 mmHg above %2</source>
-        <translation>СО САД %1 мм рт. ст. больше %2</translation>
+        <source>Hide the tips (the Suggestions button brings them back)</source>
+        <translation>Скрыть подсказки (кнопка «Подсказки» вернёт их)</translation>
     </message>
 </context>
 </TS>
