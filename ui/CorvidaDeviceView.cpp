@@ -383,6 +383,7 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     m_recordedFileBox->setVisible(w >= RecordedFileMinWidth);
 
     const bool texts = w > IconOnlyMaxWidth;
+    m_heartRate->setCompact(!texts);
     const bool longTexts = w > ShortTextMaxWidth;
     // The Russian words are the source texts here; the translation files hold the English long
     // and short forms.

@@ -41,14 +41,22 @@ HeartRateWidget::HeartRateWidget(QWidget *parent)
     m_label->setObjectName(QStringLiteral("heartRate"));
     m_label->setStyleSheet(QStringLiteral("QLabel { font-weight: bold }"));
     box->addWidget(m_label);
+    setCompact(false);
+    setHeartRate(0);
+}
+
+void HeartRateWidget::setCompact(bool compact)
+{
+    m_compact = compact;
     // Room for the widest rate from the start, so that a crowded header never cuts it off.
     QFont bold = m_label->font();
     bold.setBold(true);
     m_label->setMinimumWidth(
-        QFontMetrics(bold).horizontalAdvance(QStringLiteral("888 ") +
-                                             QCoreApplication::translate("DimensionRR", "BPM")) +
+        QFontMetrics(bold).horizontalAdvance(
+            compact ? QStringLiteral("888")
+                    : QStringLiteral("888 ") + QCoreApplication::translate("DimensionRR", "BPM")) +
         4);
-    setHeartRate(0);
+    showRate(m_bpm, m_beats);
 }
 
 QString HeartRateWidget::text() const
@@ -81,6 +89,8 @@ QString HeartRateWidget::doubtAbout(double bpm, int beats)
 
 void HeartRateWidget::showRate(double bpm, int beats)
 {
+    m_bpm = bpm;
+    m_beats = beats;
     const int rate = std::isfinite(bpm) ? int(bpm) : 0;
     if (rate < 1) {
         m_label->clear();
@@ -89,8 +99,10 @@ void HeartRateWidget::showRate(double bpm, int beats)
         setToolTip(tr("No heart rate: no regular pulse was found in the last 3 seconds."));
         return;
     }
-    m_label->setText(QString::number(rate) + QLatin1Char(' ') +
-                     QCoreApplication::translate("DimensionRR", "BPM"));
+    // A narrow panel shows the number beside the heart; the tooltip says what it counts.
+    m_label->setText(m_compact ? QString::number(rate)
+                               : QString::number(rate) + QLatin1Char(' ') +
+                                     QCoreApplication::translate("DimensionRR", "BPM"));
     m_icons->setCurrentIndex(0);
     const QString doubt = doubtAbout(bpm, beats);
     m_uncertain = !doubt.isEmpty();

@@ -28,6 +28,8 @@ public:
 public slots:
     void setHeartRate(int heartRateBPM);
     void showRate(double bpm, int beats);
+    // Only the number, without "BPM", for a narrow panel.
+    void setCompact(bool compact);
 
 private:
     static QString firstExisting(const QStringList &paths);
@@ -35,4 +37,7 @@ private:
     QStackedWidget *m_icons;
     QLabel *m_label;
     bool m_uncertain = false;
+    bool m_compact = false;
+    double m_bpm = 0.0;
+    int m_beats = -1;
 };

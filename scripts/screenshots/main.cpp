@@ -236,8 +236,15 @@ int main(int argc, char **argv)
     };
     const QString language = option(QStringLiteral("--language"), QStringLiteral("en_US"));
     const QString theme = option(QStringLiteral("--theme"), QStringLiteral("light"));
-    if (args.isEmpty()) {
-        std::fprintf(stderr, "usage: corvida_screenshots <folder> [--language L] [--theme T]\n");
+    // Another window size (800x600, 1920x1080) for a look at small and large screens; its
+    // pictures carry the size in their names.
+    const QString sizeText = option(QStringLiteral("--size"), QString());
+    const QStringList sizeParts = sizeText.split(QLatin1Char('x'));
+    const QSize size = sizeParts.size() == 2 ? QSize(sizeParts[0].toInt(), sizeParts[1].toInt())
+                                             : QSize(1280, 800);
+    if (args.isEmpty() || !size.isValid()) {
+        std::fprintf(stderr, "usage: corvida_screenshots <folder> [--language L] [--theme T] "
+                             "[--size WxH]\n");
         return 2;
     }
     QDir out(args.first());
@@ -261,9 +268,10 @@ int main(int argc, char **argv)
     settings->setVisualScale(CorvidaSettings::VisualScales::Scale_30);
 
     auto *window = new MainWindow;
-    window->resize(1280, 800);
+    window->resize(size);
     window->show();
-    Tour tour(out, language + QLatin1Char('-') + theme + QLatin1Char('-'));
+    Tour tour(out, language + QLatin1Char('-') + theme + QLatin1Char('-') +
+                       (sizeText.isEmpty() ? QString() : sizeText + QLatin1Char('-')));
     PageExperimentMulti *experiment = window->experimentPage();
     tour.shoot(window, QStringLiteral("experiment-no-units"));
 
@@ -292,7 +300,7 @@ int main(int argc, char **argv)
         window->resize(width, 700);
         tour.shoot(window, QStringLiteral("experiment-width-%1").arg(width));
     }
-    window->resize(1280, 800);
+    window->resize(size);
     settings->setShowSuggestions(true);
     sessionPictures(tour, window, panel, settings);
 
