@@ -1,4 +1,5 @@
 #include "analysis/CorvidaOnlineExperiment.h"
+#include "support/CliRun.h"
 #include "support/CorvidaUnitEmulator.h"
 #include "support/EDFRawFile.h"
 #include "support/EdfLibProbe.h"
@@ -22,26 +23,11 @@ QString expOf(const QString &edf)
     return edf.chopped(4) + QStringLiteral(".exp");
 }
 
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using CliRun::Result;
 
-// Runs corvida-cli with a data folder of its own; the test's event loop keeps running meanwhile,
-// so a unit emulator in this process can answer.
 Result cli(const QString &data, const QStringList &arguments, int timeoutMs = 60000)
 {
-    QProcess p;
-    QSignalSpy finished(&p, &QProcess::finished);
-    p.start(QStringLiteral(CORVIDA_CLI), QStringList{QStringLiteral("--data"), data} + arguments);
-    if (!p.waitForStarted() || !finished.wait(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return {};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    return CliRun::run(QStringLiteral(CORVIDA_CLI), data, arguments, timeoutMs);
 }
 
 QByteArray fileBytes(const QString &path)

@@ -1,4 +1,5 @@
 #include "analysis/CorvidaOnlineExperiment.h"
+#include "support/CliRun.h"
 #include "support/CorvidaUnitEmulator.h"
 #include "support/ExpFile.h"
 #include "support/RecordFiles.h"
@@ -18,26 +19,11 @@
 #include <csignal>
 
 namespace {
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using CliRun::Result;
 
-// The real corvida-cli in a child process with a data folder of its own; this process's event
-// loop keeps running, so a unit emulator here can answer.
 Result cli(const QString &data, const QStringList &arguments, int timeoutMs = 120000)
 {
-    QProcess p;
-    QSignalSpy finished(&p, &QProcess::finished);
-    p.start(QStringLiteral(CORVIDA_CLI), QStringList{QStringLiteral("--data"), data} + arguments);
-    if (!p.waitForStarted() || !finished.wait(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return {};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    return CliRun::run(QStringLiteral(CORVIDA_CLI), data, arguments, timeoutMs);
 }
 
 QJsonObject object(const QString &text)

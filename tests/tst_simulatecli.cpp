@@ -1,3 +1,5 @@
+#include "support/CliRun.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -12,23 +14,11 @@
 // "corvida-cli simulate" and "analyze --method", run as the real executable: the recording is
 // read back with EDFlib's own calls, the truth and the results as the JSON a script reads.
 namespace {
-struct Result {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using CliRun::Result;
 
-Result cli(const QString &data, const QStringList &arguments)
+Result cli(const QString &data, const QStringList &arguments, int timeoutMs = 60000)
 {
-    QProcess p;
-    p.start(QStringLiteral(CORVIDA_CLI), QStringList{QStringLiteral("--data"), data} + arguments);
-    if (!p.waitForFinished(60000)) {
-        p.kill();
-        p.waitForFinished();
-        return {};
-    }
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
+    return CliRun::run(QStringLiteral(CORVIDA_CLI), data, arguments, timeoutMs);
 }
 
 QByteArray fileBytes(const QString &path)
