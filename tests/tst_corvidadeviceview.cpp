@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -139,41 +140,64 @@ private slots:
     void headerTextsFollowThePanelWidth_data()
     {
         QTest::addColumn<int>("width");
-        QTest::addColumn<QString>("texts"); // Turn on / Measure; without a translator, in Russian
+        QTest::addColumn<QString>("texts"); // Turn off / Measure; without a translator, in Russian
         QTest::addColumn<bool>("fileShown");
         QTest::addColumn<int>("editorWidth");
-        QTest::newRow("300") << 300 << "/" << false << 60;
-        QTest::newRow("500") << 500 << "/" << false << 80;
-        QTest::newRow("501") << 501 << "Вкл/Изм" << false << 80;
-        QTest::newRow("600") << 600 << "Вкл/Изм" << false << 96;
-        QTest::newRow("601") << 601 << "Вкл/Изм" << true << 96;
-        QTest::newRow("700") << 700 << "Вкл/Изм" << true << 112;
-        QTest::newRow("701") << 701 << "Включить/Измерение" << true << 112;
-        QTest::newRow("2000") << 2000 << "Включить/Измерение" << true << 220;
+        QTest::addColumn<bool>("ownRow"); // the editors below the buttons
+        QTest::newRow("four units, small screen") << 258 << "/" << false << 60 << true;
+        QTest::newRow("300") << 300 << "/" << false << 60 << true;
+        QTest::newRow("500") << 500 << "/" << false << 80 << false;
+        QTest::newRow("501") << 501 << "Выкл/Изм" << false << 80 << true;
+        QTest::newRow("600") << 600 << "Выкл/Изм" << false << 96 << false;
+        QTest::newRow("601") << 601 << "Выкл/Изм" << true << 96 << false;
+        QTest::newRow("700") << 700 << "Выкл/Изм" << true << 112 << false;
+        QTest::newRow("701") << 701 << "Выключить/Измерение" << true << 112 << false;
+        QTest::newRow("2000") << 2000 << "Выключить/Измерение" << true << 220 << false;
     }
     void headerTextsFollowThePanelWidth()
     {
         QFETCH(int, width);
-        m_view->setMinimumWidth(0);
+        m_view->turnOnButton()->click();
+        run(1000);
+        // As in the page's grid: the panel's least width is its layout's, not a window's.
+        m_view->layout()->setSizeConstraint(QLayout::SetNoConstraint);
+        m_view->setMinimumSize(0, 0);
         m_view->resize(width, 400);
         QCoreApplication::processEvents();
-        QTEST(m_view->turnOnButton()->text() + '/' + m_view->measureButton()->text(), "texts");
+        QTEST(m_view->turnOffButton()->text() + '/' + m_view->measureButton()->text(), "texts");
         QCOMPARE(m_view->saveButton()->text().isEmpty(), width <= 700);
         QTEST(m_view->recordedFileContainer()->isVisibleTo(m_view.get()), "fileShown");
-        // The editors take their share of the width, and keep their placeholder whole ("Com..."
-        // in the four-unit grid once).
+        // Nothing in the header runs past the panel's edge: the heart rate was cut off in the
+        // four-unit grid of a small screen, and "Comment" shrank to "Com...".
+        auto *heart = m_view->findChild<HeartRateWidget *>();
+        QVERIFY(heart && heart->isVisibleTo(m_view.get()));
+        const int top = m_view->turnOffButton()->y();
+        for (QWidget *item :
+             {static_cast<QWidget *>(m_view->turnOffButton()),
+              static_cast<QWidget *>(m_view->measureButton()), static_cast<QWidget *>(heart),
+              static_cast<QWidget *>(m_view->rodentEditor()),
+              static_cast<QWidget *>(m_view->commentEditor())}) {
+            QVERIFY2(item->geometry().right() < width - 2, item->metaObject()->className());
+            QVERIFY2(item->width() >= item->minimumSizeHint().width(),
+                     item->metaObject()->className());
+        }
         QFETCH(int, editorWidth);
+        const bool ownRow = m_view->rodentEditor()->y() > top + 10;
+        QCOMPARE(m_view->commentEditor()->y(), m_view->rodentEditor()->y());
         for (QLineEdit *editor : {m_view->rodentEditor(), m_view->commentEditor()}) {
             const int placeholder =
                 editor->fontMetrics().horizontalAdvance(editor->placeholderText());
-            QVERIFY(editor->width() >= editorWidth);
-            // From the four-unit grid's panels up there is room; narrower, the buttons and the
-            // heart rate come first.
-            if (width >= 500)
-                QVERIFY2(placeholder + 16 <= editor->width(),
-                         qPrintable(editor->placeholderText()));
-            QVERIFY(editor->width() <= std::max(editorWidth, placeholder + 30));
+            QVERIFY2(placeholder + 16 <= editor->width(), qPrintable(editor->placeholderText()));
+            // Beside the buttons, each takes its share; on a row of their own, half the row.
+            if (!ownRow) {
+                QVERIFY(editor->width() >= editorWidth);
+                QVERIFY(editor->width() <= std::max(editorWidth, placeholder + 30));
+            } else {
+                QVERIFY(editor->width() >= width / 2 - 20);
+            }
         }
+        // Where there is room the editors stay beside the buttons.
+        QTEST(ownRow, "ownRow");
         // Each pair is as wide as its wider member, so swapping them does not move the header.
         QCOMPARE(m_view->turnOnButton()->minimumWidth(), m_view->turnOffButton()->minimumWidth());
         QCOMPARE(m_view->measureButton()->minimumWidth(), m_view->abortButton()->minimumWidth());

@@ -28,6 +28,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QResizeEvent>
+#include <QSpacerItem>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -159,6 +160,13 @@ void CorvidaDeviceView::buildHeader()
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
     static_cast<QVBoxLayout *>(layout())->addLayout(row);
+    m_headerRow = row;
+    // The rodent and comment editors move to a row of their own when the header has no room
+    // for them to show their placeholders.
+    m_editorRow = new QHBoxLayout();
+    m_editorRow->setContentsMargins(0, 0, 0, 0);
+    m_editorRow->setSpacing(4);
+    static_cast<QVBoxLayout *>(layout())->addLayout(m_editorRow);
 
     m_found = indicator(QStringLiteral("#3C0"), this);
     m_found->setObjectName(QStringLiteral("foundIndicator"));
@@ -238,14 +246,15 @@ void CorvidaDeviceView::buildHeader()
     row->addWidget(m_abort);
     row->addWidget(m_session->sessionButton());
     row->addWidget(m_pulse);
-    row->addSpacing(10);
+    m_saveGap = new QSpacerItem(10, 0, QSizePolicy::Fixed, QSizePolicy::Minimum);
+    row->addSpacerItem(m_saveGap);
     row->addWidget(m_save);
     row->addWidget(m_recordedFileBox);
-    row->addStretch(50);
+    row->addStretch(1);
     row->addWidget(m_heartRate);
-    row->addStretch(50);
-    row->addWidget(m_rodent);
-    row->addWidget(m_comment);
+    row->addStretch(1);
+    row->addWidget(m_rodent, 100);
+    row->addWidget(m_comment, 100);
 }
 
 // A one-line editor of a text property of the live record, named by its placeholder and tooltip.
@@ -396,28 +405,74 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     // The Session button came last into a full row: it gives up its word first.
     m_session->setCompact(w <= ShortTextMaxWidth + 200);
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
+    setButtonsNarrow(!texts);
 
     const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
     // Wide enough for the placeholder ("Com..." tells nobody what the box is for), as far as
     // the rest of the header leaves room: the buttons and the heart rate come first.
-    int others = 0;
-    for (QWidget *item : {static_cast<QWidget *>(m_found), static_cast<QWidget *>(m_notFound),
-                          static_cast<QWidget *>(m_titleLabel), static_cast<QWidget *>(m_turnOn),
-                          static_cast<QWidget *>(m_turnOff), static_cast<QWidget *>(m_measure),
-                          static_cast<QWidget *>(m_abort), static_cast<QWidget *>(m_save),
-                          m_recordedFileBox, static_cast<QWidget *>(m_heartRate)}) {
-        if (item && !item->isHidden())
-            others += item->sizeHint().width() + 4;
+    const QMargins margins = layout()->contentsMargins();
+    int others = margins.left() + margins.right();
+    for (int i = 0; i < m_headerRow->count(); ++i) {
+        QLayoutItem *item = m_headerRow->itemAt(i);
+        QWidget *widget = item->widget();
+        if (widget == m_rodent || widget == m_comment || (widget && widget->isHidden()))
+            continue;
+        others += item->sizeHint().width() + m_headerRow->spacing();
     }
-    const int room = (w - others - 40) / 2;
+    const int room = (w - others - m_headerRow->spacing()) / 2;
+    bool fit = true;
+    for (QLineEdit *editor : {m_rodent, m_comment})
+        fit = fit && room >= placeholderWidth(editor);
+    placeEditors(!fit);
+    // Limits rather than a fixed width: a panel's least width must not follow its present one,
+    // or panels side by side could never even out again.
     for (QLineEdit *editor : {m_rodent, m_comment}) {
-        const int wanted = std::max(
-            editorWidth, editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24);
-        editor->setFixedWidth(std::max(48, std::min(wanted, room)));
+        const int least = placeholderWidth(editor);
+        editor->setMinimumWidth(least);
+        editor->setMaximumWidth(fit ? std::max(editorWidth, least) : QWIDGETSIZE_MAX);
     }
     m_recordedFile->setStyleSheet(QStringLiteral("font-size: ") +
                                   (longTexts ? QStringLiteral("14px") : QStringLiteral("10px")));
     showRecordedFileName();
+}
+
+// Icon-only buttons lose most of their padding, so that four units side by side on a small
+// screen still show the whole header.
+void CorvidaDeviceView::setButtonsNarrow(bool narrow)
+{
+    if (narrow == m_buttonsNarrow)
+        return;
+    m_buttonsNarrow = narrow;
+    const QString padding =
+        narrow ? QStringLiteral("padding: 3px 2px;") : QStringLiteral("padding: 4px 6px;");
+    for (QPushButton *b : {m_turnOn, m_turnOff, m_measure, m_abort})
+        b->setStyleSheet(QStringLiteral("QPushButton { %1 }").arg(padding));
+    m_save->setStyleSheet(QStringLiteral("QPushButton { %1 } "
+                                         "QPushButton[attention=\"true\"]:!disabled "
+                                         "{ background: #3C0; color: white; }")
+                              .arg(padding));
+    m_session->sessionButton()->setStyleSheet(QStringLiteral("QToolButton { %1 }").arg(padding));
+    m_headerRow->setSpacing(narrow ? 2 : 4);
+    m_saveGap->changeSize(narrow ? 2 : 10, 0, QSizePolicy::Fixed, QSizePolicy::Minimum);
+    m_headerRow->invalidate();
+}
+
+int CorvidaDeviceView::placeholderWidth(const QLineEdit *editor)
+{
+    return editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24;
+}
+
+void CorvidaDeviceView::placeEditors(bool ownRow)
+{
+    if (ownRow == m_editorsOwnRow)
+        return;
+    m_editorsOwnRow = ownRow;
+    QHBoxLayout *from = ownRow ? m_headerRow : m_editorRow;
+    QHBoxLayout *to = ownRow ? m_editorRow : m_headerRow;
+    for (QLineEdit *editor : {m_rodent, m_comment}) {
+        from->removeWidget(editor);
+        to->addWidget(editor, 100);
+    }
 }
 
 void CorvidaDeviceView::turnOn()

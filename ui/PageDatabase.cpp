@@ -89,12 +89,14 @@ PageDatabase::PageDatabase(QWidget *parent)
     // Room for the title and the three other headers, also in Russian.
     m_table->setMinimumWidth(500);
     QHeaderView *header = m_table->horizontalHeader();
-    header->setSectionResizeMode(RecordDatabase::TitleColumn, QHeaderView::ResizeToContents);
-    for (int c : {RecordDatabase::RodentColumn, RecordDatabase::CommentColumn,
-                  RecordDatabase::PressureColumn})
-        header->setSectionResizeMode(c, QHeaderView::Stretch);
-    for (int c : {RecordDatabase::MAPColumn, RecordDatabase::HeartRateColumn})
+    // Every column shows its values and its title whole; the comment takes what is left, and a
+    // narrow window scrolls the table sideways rather than cut "118/69" to "118...".
+    for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
         header->setSectionResizeMode(c, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(RecordDatabase::CommentColumn, QHeaderView::Stretch);
+    const QString commentTitle =
+        m_model->headerData(RecordDatabase::CommentColumn, Qt::Horizontal).toString();
+    header->setMinimumSectionSize(header->fontMetrics().horizontalAdvance(commentTitle) + 28);
     // Sorting starts from the stored column and order; clicking a header sorts and stores.
     header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
     m_table->setSortingEnabled(true);

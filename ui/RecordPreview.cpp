@@ -29,6 +29,8 @@ QPushButton *actionButton(const QString &icon, const QString &text, QWidget *par
 
 RecordPreview::RecordPreview(CorvidaSettings *settings, QWidget *parent)
     : QWidget(parent)
+    , m_recalculateText(tr("Recalculate"))
+    , m_exportText(tr("Export"))
     , m_stack(new QStackedWidget(this))
     , m_message(new QLabel(m_stack))
     , m_overlayNote(new QLabel(this))
@@ -36,9 +38,9 @@ RecordPreview::RecordPreview(CorvidaSettings *settings, QWidget *parent)
     , m_multi(new MultiExperimentViewer(m_stack))
 {
     m_recalculate =
-        actionButton(QStringLiteral(":/resources/images/calculate.svg"), tr("Recalculate"), this);
+        actionButton(QStringLiteral(":/resources/images/calculate.svg"), m_recalculateText, this);
     m_recalculate->setToolTip(tr("Find the blood pressure of the selected records anew"));
-    m_export = actionButton(QStringLiteral(":/icons/excel.svg"), tr("Export"), this);
+    m_export = actionButton(QStringLiteral(":/icons/excel.svg"), m_exportText, this);
     m_export->setToolTip(tr("Export to spreadsheet"));
     connect(m_recalculate, &QPushButton::clicked, this, &RecordPreview::recalculateRequested);
     connect(m_export, &QPushButton::clicked, this, &RecordPreview::exportRequested);
@@ -147,14 +149,26 @@ void RecordPreview::resizeEvent(QResizeEvent *event)
 void RecordPreview::fitActions()
 {
     const QLayout *bar = m_actionBar->layout();
-    int needed =
-        m_recalculate->sizeHint().width() + m_export->sizeHint().width() + bar->spacing() * 4;
-    for (const SettingDropDownButton *scale : std::as_const(m_scales))
-        needed += scale->widthWithText();
     const QMargins margins = layout()->contentsMargins();
-    const bool compact = width() - margins.left() - margins.right() < needed;
-    for (SettingDropDownButton *scale : std::as_const(m_scales))
+    const int room = width() - margins.left() - margins.right() - bar->spacing() * 4;
+    // Short of room, the scales give up their texts first, then Recalculate and Export keep
+    // only their icons (and their tooltips), rather than show half a word.
+    m_recalculate->setText(m_recalculateText);
+    m_export->setText(m_exportText);
+    const int buttons = m_recalculate->sizeHint().width() + m_export->sizeHint().width();
+    int scales = 0;
+    for (const SettingDropDownButton *scale : std::as_const(m_scales))
+        scales += scale->widthWithText();
+    const bool compact = room < buttons + scales;
+    int compactScales = 0;
+    for (SettingDropDownButton *scale : std::as_const(m_scales)) {
         scale->setCompact(compact);
+        compactScales += scale->sizeHint().width();
+    }
+    if (room < buttons + compactScales) {
+        m_recalculate->setText(QString());
+        m_export->setText(QString());
+    }
 }
 
 QWidget *RecordPreview::currentView() const

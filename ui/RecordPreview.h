@@ -51,6 +51,8 @@ private:
     void fitActions();
     void setActionsEnabled(bool enabled);
 
+    const QString m_recalculateText;
+    const QString m_exportText;
     QStackedWidget *m_stack;
     QLabel *m_message;
     QLabel *m_overlayNote;

@@ -49,7 +49,8 @@ SignalViewer::SignalViewer(QWidget *parent)
                                "for the vertical scale that is set."));
     m_fitButton->setCursor(Qt::PointingHandCursor);
     connect(m_fitButton, &QToolButton::toggled, this, &SignalViewer::setFitToData);
-    setMinimumSize(160, 100);
+    // Four units side by side on a small screen leave each plot little more than this.
+    setMinimumSize(160, 80);
 }
 
 void SignalViewer::setFitToData(bool on)
