@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Regenerates the pictures of the manual (docs/images) from the real window under a virtual
 # display, driving simulated units: English in the light theme, plus the dark theme and Russian
-# for a look at both. Takes about two minutes.
+# for a look at both, and the pictures of training on a simulated animal. Takes about three
+# minutes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 BUILD_DIR=${BUILD_DIR:-build}
@@ -11,6 +12,7 @@ cmake --build "$BUILD_DIR" --target corvida_screenshots
 mkdir -p "$OUT"
 run() { xvfb-run -a -s "-screen 0 1920x1080x24" "$BUILD_DIR/scripts/screenshots/corvida_screenshots" "$OUT" "$@" 2>&1 | grep -E '^(saved|could not)' || true; }
 run --language en_US --theme light
+run --animal rat
 if [ "${ALL:-0}" = 1 ]; then
     run --language en_US --theme dark
     run --language ru_RU --theme light
