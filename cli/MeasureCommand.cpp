@@ -6,6 +6,7 @@
 #include "cli/CliContext.h"
 #include "cli/InterruptWatcher.h"
 #include "device/ComCorvidaDevice.h"
+#include "device/SyntheticAnimal.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "settings/CorvidaSettings.h"
 #include "toolkit/QuorvexCommon.h"
@@ -122,6 +123,45 @@ bool MeasureCommand::probePort(const QString &port, QString *why)
     return false;
 }
 
+QCommandLineOption MeasureCommand::animalOption()
+{
+    return QCommandLineOption(
+        QStringLiteral("animal"),
+        QStringLiteral("What the simulated unit plays: none (the test signal), ") +
+            SyntheticAnimal::presetNames().join(QStringLiteral(", ")) +
+            QStringLiteral(" (default: the Simulated animal setting)."),
+        QStringLiteral("NAME"));
+}
+
+bool MeasureCommand::chooseAnimal(const QCommandLineParser &parser,
+                                  const QCommandLineOption &animal,
+                                  const QCommandLineOption &simulated, const QString &setting,
+                                  QString *preset, QString *why)
+{
+    if (!parser.isSet(animal)) {
+        *preset = setting;
+        return true;
+    }
+    if (!parser.isSet(simulated)) {
+        *why = QStringLiteral("--animal is for a simulated unit (--simulated)");
+        return false;
+    }
+    const QString name = parser.value(animal).trimmed().toLower();
+    SyntheticAnimal::Preset known;
+    if (name == QLatin1String("none")) {
+        preset->clear();
+        return true;
+    }
+    if (!SyntheticAnimal::presetFromName(name, &known)) {
+        *why = QStringLiteral("unknown animal \"%1\"; use none, %2")
+                   .arg(parser.value(animal),
+                        SyntheticAnimal::presetNames().join(QStringLiteral(", ")));
+        return false;
+    }
+    *preset = name;
+    return true;
+}
+
 int MeasureCommand::run(const QStringList &arguments, CliContext &context)
 {
     QCommandLineParser parser;
@@ -143,13 +183,18 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
                                     QStringLiteral("TEXT"));
     const QCommandLineOption comment(QStringLiteral("comment"), QStringLiteral("A note."),
                                      QStringLiteral("TEXT"));
-    parser.addOptions({port, simulated, limitsOption, secondsOption, rodent, comment});
+    const QCommandLineOption animal = animalOption();
+    parser.addOptions({port, simulated, animal, limitsOption, secondsOption, rodent, comment});
     if (CliContext::asksForHelp(arguments))
         return context.help(usage(), &parser);
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
     if (parser.isSet(port) == parser.isSet(simulated))
         return context.fail(QStringLiteral("name one unit: --port NAME or --simulated"));
+    QString preset, why;
+    if (!chooseAnimal(parser, animal, simulated, context.settings()->getSimulatedAnimal(), &preset,
+                      &why))
+        return context.fail(why);
 
     bool ok = false;
     const double seconds = parser.value(secondsOption).toDouble(&ok);
@@ -177,11 +222,9 @@ int MeasureCommand::run(const QStringList &arguments, CliContext &context)
     std::unique_ptr<BaseCorvidaDevice> device;
     if (parser.isSet(simulated)) {
         auto simulatedUnit = std::make_unique<VirtualCorvidaDevice>();
-        // The settings' simulated animal, as the window's simulated units play it.
-        simulatedUnit->setAnimal(context.settings()->getSimulatedAnimal());
+        simulatedUnit->setAnimal(preset);
         device = std::move(simulatedUnit);
     } else {
-        QString why;
         if (!probePort(parser.value(port), &why))
             return context.fail(why);
         device = std::make_unique<ComCorvidaDevice>(parser.value(port));

@@ -110,15 +110,19 @@ int SessionCommand::run(const QStringList &arguments, CliContext &context)
     const QCommandLineOption comment(QStringLiteral("comment"), QStringLiteral("A note."),
                                      QStringLiteral("TEXT"));
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print JSON."));
+    const QCommandLineOption animal = MeasureCommand::animalOption();
     parser.addOptions(
-        {port, simulated, limits, acclimation, cycles, interval, rodent, comment, json});
+        {port, simulated, animal, limits, acclimation, cycles, interval, rodent, comment, json});
     if (!parser.parse(arguments))
         return context.fail(parser.errorText());
     if (!parser.positionalArguments().isEmpty())
         return context.fail(QStringLiteral("usage: corvida-cli ") + usage());
     if (parser.isSet(port) == parser.isSet(simulated))
         return context.fail(QStringLiteral("name one unit: --port PATH or --simulated"));
-    QString why;
+    QString why, preset;
+    if (!MeasureCommand::chooseAnimal(parser, animal, simulated, settings->getSimulatedAnimal(),
+                                      &preset, &why))
+        return context.fail(why);
     if (!parseCounts(parser.value(acclimation), parser.value(cycles), parser.value(interval), &plan,
                      &why))
         return context.fail(why);
@@ -137,8 +141,7 @@ int SessionCommand::run(const QStringList &arguments, CliContext &context)
     std::unique_ptr<BaseCorvidaDevice> device;
     if (parser.isSet(simulated)) {
         auto simulatedUnit = std::make_unique<VirtualCorvidaDevice>();
-        // The settings' simulated animal, as the window's simulated units play it.
-        simulatedUnit->setAnimal(context.settings()->getSimulatedAnimal());
+        simulatedUnit->setAnimal(preset);
         device = std::move(simulatedUnit);
     } else {
         if (!MeasureCommand::probePort(parser.value(port), &why))

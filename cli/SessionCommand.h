@@ -12,7 +12,7 @@ class SessionCommand
 public:
     static QString usage()
     {
-        return QStringLiteral("session (--simulated | --port PATH) [--limits U/L] "
+        return QStringLiteral("session (--simulated [--animal NAME] | --port PATH) [--limits U/L] "
                               "[--acclimation N] [--cycles M] [--interval S] [--rodent TEXT] "
                               "[--comment TEXT] [--json]");
     }

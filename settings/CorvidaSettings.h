@@ -191,6 +191,7 @@ public:
     Q_CLASSINFO("SimulatedAnimalEditable", "true")
     Q_CLASSINFO("SimulatedAnimalVisibleBound", "DebugMode:true")
     Q_CLASSINFO("SimulatedAnimalDefault", "\"\"")
+    Q_CLASSINFO("SimulatedAnimalEnum", "[\"\", \"mouse\", \"rat\", \"hypertensive-rat\"]")
     Q_CLASSINFO("UseVirtualCorvidaStep", "1")
 
     Q_PROPERTY(bool ShowDisconnectedDevices READ getShowDisconnectedDevices WRITE

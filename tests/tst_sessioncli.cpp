@@ -93,6 +93,13 @@ private slots:
         QTest::newRow("no unit") << QStringList{"session"} << "name one unit";
         QTest::newRow("no such port")
             << QStringList{"session", "--port", "/dev/no-such-port"} << "no such port";
+        QTest::newRow("unknown animal")
+            << sim + QStringList{"--animal", "hamster"} << "unknown animal \"hamster\"";
+        QTest::newRow("animal on a real unit")
+            << QStringList{"session", "--port", "/dev/no-such-port", "--animal", "rat"}
+            << "--animal is for a simulated unit";
+        QTest::newRow("measure: unknown animal")
+            << QStringList{"measure", "--simulated", "--animal", "gerbil"} << "unknown animal";
     }
     void badInputIsOneLineAndStatusOne()
     {
@@ -190,6 +197,21 @@ private slots:
             QVERIFY(row[4].isDouble());
             QVERIFY(sameNumber(row[4], summary["SBP"].toObject()["mean"]));
         }
+    }
+
+    void simulatedAnimalSessionFindsItsTruth()
+    {
+        // A simulated mouse is 115/80 mmHg at 600 beats per minute; the test signal beats at 500.
+        QTemporaryDir dir;
+        const Result r =
+            cli(dir.path(), {"session", "--simulated", "--animal", "mouse", "--limits", "150/70",
+                             "--acclimation", "0", "--cycles", "1", "--interval", "0", "--json"});
+        QVERIFY2(r.status == 0, qPrintable(r.err));
+        const QJsonObject c = object(r.out)["cycles"].toArray()[0].toObject();
+        QVERIFY2(c["accepted"].toBool(), qPrintable(r.out));
+        QVERIFY2(qAbs(c["SBP"].toDouble() - 115.0) <= 10.0, qPrintable(r.out));
+        QVERIFY2(qAbs(c["DBP"].toDouble() - 80.0) <= 15.0, qPrintable(r.out));
+        QVERIFY2(qAbs(c["BPM"].toDouble() - 600.0) <= 0.035 * 600.0, qPrintable(r.out));
     }
 
     void olderRecordsAreListedButMakeNoSession()

@@ -22,6 +22,7 @@
     QT_TRANSLATE_NOOP("CorvidaSettings", "ViewMode"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "DebugMode"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "UseVirtualCorvida"),
+    QT_TRANSLATE_NOOP("CorvidaSettings", "SimulatedAnimal"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "ShowDisconnectedDevices"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "SaveRawData"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "SessionAcclimationCycles"),
@@ -68,6 +69,9 @@
     QT_TRANSLATE_NOOP("CorvidaSettings", "OnExport_DoNothing"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "View_Grid"),
     QT_TRANSLATE_NOOP("CorvidaSettings", "View_Tabs"),
+    QT_TRANSLATE_NOOP("CorvidaSettings", "mouse"),
+    QT_TRANSLATE_NOOP("CorvidaSettings", "rat"),
+    QT_TRANSLATE_NOOP("CorvidaSettings", "hypertensive-rat"),
 };
 
 PageSettings::PageSettings(QWidget *parent)

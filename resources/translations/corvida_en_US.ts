@@ -349,6 +349,10 @@
         <translation>Simulated units</translation>
     </message>
     <message>
+        <source>SimulatedAnimal</source>
+        <translation>Simulated animal</translation>
+    </message>
+    <message>
         <source>ShowDisconnectedDevices</source>
         <translation>Show disconnected devices</translation>
     </message>
@@ -532,6 +536,18 @@
         <source>View_Tabs</source>
         <translation>Tabs</translation>
     </message>
+    <message>
+        <source>mouse</source>
+        <translation>Mouse</translation>
+    </message>
+    <message>
+        <source>rat</source>
+        <translation>Rat</translation>
+    </message>
+    <message>
+        <source>hypertensive-rat</source>
+        <translation>Hypertensive rat</translation>
+    </message>
 </context>
 <context>
     <name>DimensionRR</name>
@@ -592,6 +608,10 @@
 </context>
 <context>
     <name>Generic</name>
+    <message>
+        <source>None</source>
+        <translation>None</translation>
+    </message>
     <message>
         <source>MAP</source>
         <translation>MAP</translation>

@@ -349,6 +349,10 @@
         <translation>Виртуальные устройства</translation>
     </message>
     <message>
+        <source>SimulatedAnimal</source>
+        <translation>Виртуальное животное</translation>
+    </message>
+    <message>
         <source>ShowDisconnectedDevices</source>
         <translation>Показывать отключённые устройства</translation>
     </message>
@@ -532,6 +536,18 @@
         <source>View_Tabs</source>
         <translation>Вкладки</translation>
     </message>
+    <message>
+        <source>mouse</source>
+        <translation>Мышь</translation>
+    </message>
+    <message>
+        <source>rat</source>
+        <translation>Крыса</translation>
+    </message>
+    <message>
+        <source>hypertensive-rat</source>
+        <translation>Гипертензивная крыса</translation>
+    </message>
 </context>
 <context>
     <name>DimensionRR</name>
@@ -592,6 +608,10 @@
 </context>
 <context>
     <name>Generic</name>
+    <message>
+        <source>None</source>
+        <translation>Нет</translation>
+    </message>
     <message>
         <source>MAP</source>
         <translation>СрАД</translation>

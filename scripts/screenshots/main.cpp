@@ -2,6 +2,10 @@
 // simulated units and works them as an operator would, saving a picture at each step.
 //
 //   corvida_screenshots <folder> [--language en_US|ru_RU] [--theme light|dark]
+//   corvida_screenshots <folder> --animal mouse|rat|hypertensive-rat
+//
+// With --animal it takes only the pictures of training on a simulated animal: the choice in
+// the settings, and a session on four simulated units (about a minute and a half).
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "app/AppStartup.h"
 #include "app/MainWindow.h"
@@ -9,6 +13,7 @@
 #include "settings/CorvidaSettings.h"
 #include "toolkit/LanguageContext.h"
 #include "toolkit/QuorvexCommon.h"
+#include "toolkit/widgets/PropertyListControl.h"
 #include "ui/AnimalView.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/ExperimentViewer.h"
@@ -27,6 +32,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTableWidget>
@@ -219,6 +225,63 @@ void manualExtras(Tour &tour, MainWindow *window, CorvidaModel *model, const QSt
     tour.shoot(window, QStringLiteral("settings-debug"));
     settings->setDebugMode(false);
 }
+// The simulated animal chosen on the settings page, then a short session on four simulated
+// units; each plays an animal of its own, so the four tables differ a little.
+bool animalPictures(Tour &tour, MainWindow *window, CorvidaSettings *settings,
+                    const QString &animal)
+{
+    settings->setDebugMode(true);
+    window->showPage(window->settingsPage());
+    if (QPushButton *b = window->pageButton(window->settingsPage()))
+        b->click();
+    auto *choice = qobject_cast<QComboBox *>(
+        window->settingsPage()->propertyList()->editor(QStringLiteral("SimulatedAnimal")));
+    const int index = choice ? choice->findData(animal) : -1;
+    if (index < 0) {
+        std::fprintf(stderr, "no simulated animal \"%s\" in the settings\n", qPrintable(animal));
+        return false;
+    }
+    if (auto *scroll = visibleChild<QScrollArea>(window->settingsPage()))
+        scroll->ensureWidgetVisible(choice);
+    choice->showPopup();
+    tour.shootScreen(window, QStringLiteral("settings-simulated-animal"));
+    closePopups();
+    choice->setCurrentIndex(index);
+    emit choice->activated(index);
+    settings->setDebugMode(false);
+
+    settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_200_50);
+    settings->setSessionAcclimationCycles(1);
+    settings->setSessionMeasurementCycles(2);
+    settings->setSessionInterval(2);
+    settings->setUseVirtualCorvida(4);
+    wait(300);
+    PageExperimentMulti *experiment = window->experimentPage();
+    window->pageButton(experiment)->click();
+    wait(300);
+    experiment->sessionAllButton()->click();
+    const auto running = [experiment] {
+        for (CorvidaDeviceView *panel : experiment->panels())
+            if (panel->sessionPanel()->isRunning())
+                return true;
+        return false;
+    };
+    QElapsedTimer limit;
+    limit.start();
+    while (running() && limit.elapsed() < 240000)
+        wait(200);
+    tour.shoot(window, QStringLiteral("experiment-four-animals-session"));
+    for (CorvidaDeviceView *panel : experiment->panels()) {
+        const SessionRun *run = panel->sessionPanel()->run();
+        if (!run)
+            continue;
+        for (const SessionRun::CycleResult &r : run->results())
+            std::fprintf(stderr, "%s cycle %d: %.1f/%.1f mmHg, %.1f bpm, %s\n",
+                         qPrintable(panel->device()->deviceId()), r.cycle, r.sbp, r.dbp, r.bpm,
+                         r.accepted ? "accepted" : qPrintable(r.reason));
+    }
+    return !running();
+}
 } // namespace
 
 int main(int argc, char **argv)
@@ -239,6 +302,7 @@ int main(int argc, char **argv)
     // Another window size (800x600, 1920x1080) for a look at small and large screens; its
     // pictures carry the size in their names.
     const QString sizeText = option(QStringLiteral("--size"), QString());
+    const QString animal = option(QStringLiteral("--animal"), QString());
     const QStringList sizeParts = sizeText.split(QLatin1Char('x'));
     const QSize size = sizeParts.size() == 2 ? QSize(sizeParts[0].toInt(), sizeParts[1].toInt())
                                              : QSize(1280, 800);
@@ -273,6 +337,12 @@ int main(int argc, char **argv)
     Tour tour(out, language + QLatin1Char('-') + theme + QLatin1Char('-') +
                        (sizeText.isEmpty() ? QString() : sizeText + QLatin1Char('-')));
     PageExperimentMulti *experiment = window->experimentPage();
+    if (!animal.isEmpty()) {
+        const bool ok = animalPictures(tour, window, settings, animal) && tour.ok();
+        delete window;
+        delete model;
+        return ok ? 0 : 1;
+    }
     tour.shoot(window, QStringLiteral("experiment-no-units"));
 
     // One unit: turned on, measuring, measured and saved.

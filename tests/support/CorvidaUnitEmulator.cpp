@@ -246,12 +246,16 @@ void CorvidaUnitEmulator::handleCommand(const Packet &p)
             m_lower = quint8(p.payload[2]) | (quint8(p.payload[3]) << 8);
             m_measuring = true;
             m_deflating = false;
+            if (m_animal)
+                startAnimalCycle(true);
         }
         break;
     case 4:
         m_measuring = false;
         m_deflating = false;
         m_pressure = m_restPressure; // the valve opens
+        if (m_animal)
+            startAnimalCycle(false);
         break;
     case 6: {
         QByteArray payload = le64(fileTime(m_production));
@@ -284,8 +288,71 @@ void CorvidaUnitEmulator::tick()
     sendSamples(int(due));
 }
 
+bool CorvidaUnitEmulator::setAnimal(const QString &preset, quint32 seed)
+{
+    if (preset.isEmpty()) {
+        m_animal.reset();
+        return true;
+    }
+    SyntheticAnimal::Preset p;
+    if (!SyntheticAnimal::presetFromName(preset, &p))
+        return false;
+    m_animal = std::make_unique<SyntheticAnimal>(p, SyntheticAnimal::Clean, seed);
+    m_truths.clear();
+    startAnimalCycle(m_measuring);
+    return true;
+}
+
+void CorvidaUnitEmulator::startAnimalCycle(bool measuring)
+{
+    SyntheticAnimal::Parameters &p = m_animal->parameters();
+    const SyntheticAnimal::Parameters kept = p;
+    if (measuring) {
+        // The pump starts at once and runs to the upper limit; the valve lets the cuff down at
+        // this unit's rate.
+        p.topPressure = m_upper;
+        p.inflationRate = m_inflateRate;
+        p.deflationRate = m_deflateRate;
+        p.restSeconds = 0.2;
+    } else {
+        // At rest the cuff stays open: ten seconds of the animal's pulse, then the next ten.
+        p.topPressure = 0.0;
+        p.restSeconds = 5.0;
+    }
+    m_cycle = m_animal->generate();
+    m_cyclePosition = 0;
+    m_cyclePeak = qsizetype((p.restSeconds + p.topPressure / p.inflationRate) * 1000.0);
+    p = kept;
+    if (measuring)
+        m_truths << m_cycle.truth;
+}
+
+CorvidaUnitEmulator::Counts CorvidaUnitEmulator::nextAnimalSample()
+{
+    if (m_cyclePosition >= m_cycle.pressure.size()) {
+        m_measuring = false;
+        startAnimalCycle(false);
+    }
+    if (m_measuring && m_cyclePosition > m_cyclePeak &&
+        m_cycle.pressure[m_cyclePosition] <= m_lower) {
+        // Down at the lower limit the valve opens and the animal goes on at rest.
+        m_measuring = false;
+        startAnimalCycle(false);
+    }
+    m_pressure = m_cycle.pressure[m_cyclePosition];
+    const double pulse = m_cycle.pulse[m_cyclePosition];
+    ++m_cyclePosition;
+    ++m_samplesSent;
+    // The unit's pulse is AC over DC scaled by 1.2, so this AC count gives back the animal's
+    // pulse at the DC the unit reports.
+    return {pressureCount(m_pressure), clampCount(pulse * m_dcCounts / 1.2), m_dcCounts,
+            m_irCounts};
+}
+
 CorvidaUnitEmulator::Counts CorvidaUnitEmulator::nextSample()
 {
+    if (m_animal)
+        return nextAnimalSample();
     if (m_measuring) {
         // Inflate to the upper limit, then let the pressure fall to the lower one and release.
         if (!m_deflating) {

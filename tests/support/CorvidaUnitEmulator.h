@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/SyntheticAnimal.h"
 #include "toolkit/VClock.h"
 
 #include <QByteArray>
@@ -10,6 +11,7 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <array>
+#include <memory>
 
 class QSocketNotifier;
 class QTimer;
@@ -70,6 +72,16 @@ public:
         m_deflateRate = deflateMmHgPerS;
     }
 
+    // Plays a simulated animal instead of the plain sine: its pulse at rest, and for each cuff
+    // cycle a cycle of the animal with the cuff going up to the upper limit at the rates above
+    // and down to the lower one, where the valve opens. The pulse comes back at the animal's
+    // true SBP. Each unit gets its own seed, so several units are several animals. An empty
+    // name goes back to the sine; an unknown one is refused.
+    bool setAnimal(const QString &preset, quint32 seed);
+    bool hasAnimal() const { return bool(m_animal); }
+    // The truth of every cuff cycle played so far, in order.
+    QList<SyntheticAnimal::Truth> animalTruths() const { return m_truths; }
+
     bool isStreaming() const { return m_streaming; }
     bool isMeasuring() const { return m_measuring; }
     int upperLimit() const { return m_upper; }
@@ -105,6 +117,8 @@ private:
     qint16 pressureCount(double mmHg) const;
     void flush();
     Counts nextSample();
+    Counts nextAnimalSample();
+    void startAnimalCycle(bool measuring);
 
     int m_master = -1;
     int m_slaveHold = -1; // keeps the pair alive and raw while no port has it open
@@ -141,4 +155,10 @@ private:
     qint64 m_samplesSent = 0;
     bool m_recordSamples = false;
     QList<Counts> m_sentSamples;
+
+    std::unique_ptr<SyntheticAnimal> m_animal;
+    SyntheticAnimal::Cycle m_cycle;
+    qsizetype m_cyclePosition = 0;
+    qsizetype m_cyclePeak = 0; // where the cuff of a measuring cycle starts to fall
+    QList<SyntheticAnimal::Truth> m_truths;
 };

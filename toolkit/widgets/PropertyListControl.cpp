@@ -92,7 +92,9 @@ bool PropertyListControl::isRowShown(const QString &name) const
 QString PropertyListControl::enumText(const QString &key) const
 {
     // Key names are identifiers ("Pressure_200_50"); the translation files give the words the
-    // user reads, in every language including English.
+    // user reads, in every language including English. An empty key is the choice of nothing.
+    if (key.isEmpty())
+        return QCoreApplication::translate("Generic", "None");
     const QByteArray context = m_settings->getClassName().toLatin1();
     return QCoreApplication::translate(context.constData(), key.toUtf8().constData());
 }
