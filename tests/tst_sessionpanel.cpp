@@ -5,6 +5,7 @@
 #include "session/SessionRun.h"
 #include "settings/CorvidaSettings.h"
 #include "support/ExpFile.h"
+#include "support/SessionRig.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/PulseIndicator.h"
 #include "ui/SessionPanel.h"
@@ -18,7 +19,6 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <QtTest>
-#include <cmath>
 #include <memory>
 
 namespace {
@@ -189,22 +189,11 @@ private slots:
 
         // Mean and sample SD of the accepted measurement cycles, computed here from the files.
         QVERIFY2(sbp.size() >= 2, "the simulated animal should give accepted cycles");
-        auto meanSd = [](const QList<double> &x) {
-            double m = 0;
-            for (double v : x)
-                m += v;
-            m /= x.size();
-            double q = 0;
-            for (double v : x)
-                q += (v - m) * (v - m);
-            return QStringLiteral("%1 ± %2").arg(
-                QString::number(m, 'f', 1), QString::number(std::sqrt(q / (x.size() - 1)), 'f', 1));
-        };
         const QString stats = session()->statisticsLabel()->text();
         QVERIFY2(stats.startsWith(QStringLiteral("Accepted %1 of 3").arg(sbp.size())),
                  qPrintable(stats));
-        QVERIFY2(stats.contains("SBP " + meanSd(sbp)), qPrintable(stats));
-        QVERIFY2(stats.contains("DBP " + meanSd(dbp)), qPrintable(stats));
+        QVERIFY2(stats.contains("SBP " + meanSdText(sbp)), qPrintable(stats));
+        QVERIFY2(stats.contains("DBP " + meanSdText(dbp)), qPrintable(stats));
     }
 
     void sessionEndingEarlyKeepsFinishedCycles_data()
