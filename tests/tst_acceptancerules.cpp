@@ -6,6 +6,7 @@
 #include "support/ExpFile.h"
 #include "support/MemoryRecord.h"
 #include "support/PulseTrain.h"
+#include "support/TailCuff.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -25,17 +26,10 @@ AcceptanceRules::Facts good()
     return f;
 }
 
-// Cuff up to 160 mmHg in 2 s, then down by 10 mmHg/s; a 450 bpm pulse comes back below 120 mmHg
-// (at 6 s) and grows to full height over the next 3 s.
+// The pulse comes back below 120 mmHg (at 6 s) and grows to full height over the next 3 s.
 void tailCuffRecording(QList<double> *pressure, QList<double> *pulse)
 {
-    for (int i = 0; i < 20000; ++i) {
-        const double t = i / 1000.0;
-        const double p = t < 2 ? 80 * t : std::max(0.0, 160 - 10 * (t - 2));
-        pressure->append(p);
-        const double a = p > 120 ? 0.005 : std::min(0.3, 0.01 + 0.1 * (120 - p) / 10.0);
-        pulse->append(a * std::sin(2 * M_PI * 7.5 * t));
-    }
+    TailCuff::series(pressure, pulse, 20.0, TailCuff::Pulse::Grows);
 }
 } // namespace
 

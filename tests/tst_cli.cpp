@@ -1,10 +1,11 @@
-#include "analysis/CorvidaOnlineExperiment.h"
+#include "analysis/CorvidaExperiment.h"
 #include "support/CliRun.h"
 #include "support/CorvidaUnitEmulator.h"
 #include "support/EDFRawFile.h"
 #include "support/EdfLibProbe.h"
 #include "support/RecordFiles.h"
 #include "support/ScratchDisk.h"
+#include "support/TailCuff.h"
 
 #include <QDir>
 #include <QProcess>
@@ -18,22 +19,12 @@
 #include <sys/resource.h>
 
 namespace {
-QString expOf(const QString &edf)
-{
-    return edf.chopped(4) + QStringLiteral(".exp");
-}
-
 using CliRun::Result;
+using TailCuff::expOf;
 
 Result cli(const QString &data, const QStringList &arguments, int timeoutMs = 60000)
 {
     return CliRun::run(QStringLiteral(CORVIDA_CLI), data, arguments, timeoutMs);
-}
-
-QByteArray fileBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList resultFields(const Result &r)
@@ -89,24 +80,25 @@ double childProcessorSeconds()
            (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
-// A saved record of the simulated unit, made in-process (faster than measuring for real).
-QString makeRecord(const QString &folder)
-{
-    CorvidaOnlineExperiment e;
-    QList<double> pressure, pulse;
-    for (int i = 0; i < 20000; ++i) {
-        const double t = i / 1000.0;
-        pressure << (t < 2 ? 80 * t : std::max(0.0, 160 - 10 * (t - 2)));
-        const double a = pressure.last() > 120 ? 0.005 : 0.3;
-        pulse << a * std::sin(2 * M_PI * 7.5 * t);
+// A saved record with a systolic marker placed by hand at 9 s (one that a reset would move),
+// and its files' bytes as they were.
+struct MarkedRecord {
+    QString edf, exp;
+    QByteArray edfBytes, expBytes;
+    explicit MarkedRecord(const QString &folder)
+        : edf(TailCuff::savedRecord(folder))
+        , exp(expOf(edf))
+    {
+        if (!edf.isEmpty())
+            CorvidaExperiment(exp).setSBPTime(9.0);
+        edfBytes = RecordFiles::readAll(edf);
+        expBytes = RecordFiles::readAll(exp);
     }
-    e.setSamplingRate(1000);
-    e.updateData({pressure, pulse});
-    QString error;
-    if (!e.save(folder, &error))
-        return QString();
-    return e.getFilepath().chopped(4) + QStringLiteral(".edf");
-}
+    bool unchanged() const
+    {
+        return RecordFiles::readAll(edf) == edfBytes && RecordFiles::readAll(exp) == expBytes;
+    }
+};
 } // namespace
 
 class TestCli : public QObject
@@ -171,20 +163,16 @@ private slots:
     {
         QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("option"); // one the help must mention, empty for none
-        QTest::newRow("ports") << "ports"
-                               << "";
-        QTest::newRow("list") << "list"
-                              << "";
-        QTest::newRow("info looked for a file named --help") << "info"
-                                                             << "";
-        QTest::newRow("measure") << "measure"
-                                 << "--seconds";
-        QTest::newRow("analyze") << "analyze"
-                                 << "--reset";
-        QTest::newRow("export") << "export"
-                                << "--out";
-        QTest::newRow("stream") << "stream"
-                                << "--measure";
+        const auto row = [](const char *name, const char *command, const char *option) {
+            QTest::newRow(name) << QString(command) << QString(option);
+        };
+        row("ports", "ports", "");
+        row("list", "list", "");
+        row("info looked for a file named --help", "info", "");
+        row("measure", "measure", "--seconds");
+        row("analyze", "analyze", "--reset");
+        row("export", "export", "--out");
+        row("stream", "stream", "--measure");
     }
     void everyCommandAnswersHelp()
     {
@@ -312,21 +300,15 @@ private slots:
         const double seconds = recordedSeconds(edf);
         QVERIFY2(seconds >= samplesBefore / 1000.0 - 0.1 && seconds < 60,
                  qPrintable(QString::number(seconds)));
-        QVERIFY(QFile::exists(edf.chopped(4) + QStringLiteral(".exp")));
+        QVERIFY(QFile::exists(expOf(edf)));
     }
 
     void analyzeWritesTheExpFileOnlyWithSave()
     {
         QTemporaryDir dir;
-        const QString edf = makeRecord(dir.path());
+        const MarkedRecord record(dir.path());
+        const QString &edf = record.edf, &exp = record.exp;
         QVERIFY(!edf.isEmpty());
-        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
-        {
-            CorvidaExperiment e(exp); // a hand-placed systolic marker at 9 s
-            e.setSBPTime(9.0);
-        }
-        const QByteArray before = RecordFiles::readAll(exp);
-        const QByteArray edfBefore = RecordFiles::readAll(edf);
         Result r = cli(dir.path(), {"analyze", "--reset", edf});
         QCOMPARE(r.status, 0);
         const QStringList fields = resultFields(r);
@@ -340,8 +322,7 @@ private slots:
                            (fields[1].toDouble() - fields[3].toDouble()) / 3.0)) < 1e-6);
         const double automatic = fields[2].toDouble();
         QVERIFY(automatic != 9.0 && automatic >= 4.0);
-        QCOMPARE(RecordFiles::readAll(exp), before);
-        QCOMPARE(RecordFiles::readAll(edf), edfBefore);
+        QVERIFY(record.unchanged());
         r = cli(dir.path(), {"analyze", "--save", edf});
         QCOMPARE(resultFields(r).value(2), QStringLiteral("9"));
         QCOMPARE(CorvidaExperiment(exp).getSBPTime(), 9.0);
@@ -365,11 +346,11 @@ private slots:
     {
         QFETCH(QString, expName);
         QTemporaryDir dir;
-        const QString made = makeRecord(dir.path());
+        const QString made = TailCuff::savedRecord(dir.path());
         QVERIFY(!made.isEmpty());
         const QString edf = dir.filePath(QStringLiteral("NAME.EDF"));
         QVERIFY(QFile::rename(made, edf));
-        const QString madeExp = made.chopped(4) + QStringLiteral(".exp");
+        const QString madeExp = expOf(made);
         if (expName.isEmpty())
             QVERIFY(QFile::remove(madeExp));
         else
@@ -393,24 +374,17 @@ private slots:
         ScratchDisk disk(4 << 20);
         if (!disk.isMounted())
             QSKIP(qPrintable(disk.whyNot()));
-        QVERIFY(QDir(disk.path()).mkdir(QStringLiteral("Records")));
         const QString records = disk.filePath(QStringLiteral("Records"));
-        const QString edf = makeRecord(records);
-        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
-        {
-            CorvidaExperiment e(exp); // a hand-placed marker that a reset would move
-            e.setSBPTime(9.0);
-        }
-        const QByteArray expBefore = RecordFiles::readAll(exp);
-        const QByteArray edfBefore = RecordFiles::readAll(edf);
+        QVERIFY(QDir().mkdir(records));
+        const MarkedRecord record(records);
+        const QString &edf = record.edf;
         QVERIFY(disk.fill(0));
 
         Result r = cli(disk.path(), {"analyze", "--reset", "--save", edf});
         QCOMPARE(r.status, 1);
         QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
-        QVERIFY2(r.err.contains(exp) || r.err.contains(edf), qPrintable(r.err));
-        QCOMPARE(RecordFiles::readAll(exp), expBefore);
-        QCOMPARE(RecordFiles::readAll(edf), edfBefore);
+        QVERIFY2(r.err.contains(record.exp) || r.err.contains(edf), qPrintable(r.err));
+        QVERIFY(record.unchanged());
 
         r = cli(disk.path(), {"measure", "--simulated", "--seconds", "3"});
         QCOMPARE(r.status, 1);
@@ -418,7 +392,7 @@ private slots:
         QVERIFY2(r.err.contains(QStringLiteral("disk is full")), qPrintable(r.err));
         QVERIFY(!r.out.contains(QStringLiteral(".edf")));
         QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
-        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+        QVERIFY(record.unchanged());
 
         for (const QString &name : {QStringLiteral("out.xlsx"), QStringLiteral("out.csv")}) {
             r = cli(disk.path(), {"export", "--full", "--out", disk.filePath(name), edf});
@@ -434,15 +408,10 @@ private slots:
         ScratchDisk disk(4 << 20);
         if (!disk.isMounted())
             QSKIP(qPrintable(disk.whyNot()));
-        QVERIFY(QDir(disk.path()).mkdir(QStringLiteral("Records")));
         const QString records = disk.filePath(QStringLiteral("Records"));
-        const QString edf = makeRecord(records);
-        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
-        {
-            CorvidaExperiment e(exp);
-            e.setSBPTime(9.0);
-        }
-        const QByteArray expBefore = RecordFiles::readAll(exp);
+        QVERIFY(QDir().mkdir(records));
+        const MarkedRecord record(records);
+        const QString &edf = record.edf;
         QVERIFY(disk.remountReadOnly());
 
         Result r = cli(disk.path(), {"analyze", "--reset", "--save", edf});
@@ -453,7 +422,7 @@ private slots:
         QCOMPARE(r.err.count(QLatin1Char('\n')), 1);
         QVERIFY2(r.err.contains(QStringLiteral("Cannot open \"") + records), qPrintable(r.err));
         QCOMPARE(QDir(records).entryList(QDir::Files).size(), 2);
-        QCOMPARE(RecordFiles::readAll(exp), expBefore);
+        QVERIFY(record.unchanged());
     }
 
     void twoMeasurementsAtOnceKeepBoth()
@@ -480,36 +449,18 @@ private slots:
         QCOMPARE(QDir(dir.filePath("Records")).entryList(QDir::Files).size(), 4);
     }
 
-    void listShowsEveryRecordAndWhatIsWrong()
-    {
-        QTemporaryDir dir;
-        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
-        const QString edf = makeRecord(dir.filePath(QStringLiteral("Records")));
-        // A comment with both separators must stay one cell for a spreadsheet or a script.
-        CorvidaExperiment(expOf(edf)).setComment(QStringLiteral("calm; tail \"warm\", 30 °C"));
-        QFile broken(dir.filePath(QStringLiteral("Records/broken.edf")));
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write("not a recording");
-        broken.close();
-        const Result r = cli(dir.path(), {QStringLiteral("list")});
-        QCOMPARE(r.status, 0);
-        const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QCOMPARE(lines.size(), 3);
-        QCOMPARE(lines[0],
-                 QStringLiteral("Title;Rodent;Comment;Pressure;MAP;Heart rate;file;problem"));
-        QVERIFY(r.out.contains(QStringLiteral(";\"calm; tail \"\"warm\"\", 30 °C\";")));
-        QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
-        QVERIFY(r.out.contains(QStringLiteral("broken.edf;The recording cannot be read")));
-    }
-
-    // What a full disk or a crash inside a save leaves behind, as "list" reports it.
+    // Every record and what is wrong with it, as a full disk or a crash inside a save leaves
+    // them: none of these may be listed as sound.
     void listNoLongerShowsCutOrUnfinishedRecordingsAsSound()
     {
         QTemporaryDir dir;
         const QString records = dir.filePath(QStringLiteral("Records"));
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
-        const QString edf = makeRecord(records);
+        const QString edf = TailCuff::savedRecord(records);
         const QByteArray bytes = RecordFiles::readAll(edf);
+        // A comment with both separators must stay one cell for a spreadsheet or a script.
+        CorvidaExperiment(expOf(edf)).setComment(QStringLiteral("calm; tail \"warm\", 30 °C"));
+        QVERIFY(RecordFiles::writeAll(records + "/broken.edf", "not a recording"));
         QVERIFY(RecordFiles::writeAll(records + "/cut.edf", bytes.left(bytes.size() / 2)));
         QByteArray miscounted = bytes;
         miscounted.replace(236, 8, "1       ");
@@ -517,8 +468,14 @@ private slots:
         QVERIFY(RecordFiles::writeAll(records + "/crashed.edf.part", bytes));
         const Result r = cli(dir.path(), {QStringLiteral("list")});
         QCOMPARE(r.status, 0);
+        const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 6);
+        QCOMPARE(lines[0],
+                 QStringLiteral("Title;Rodent;Comment;Pressure;MAP;Heart rate;file;problem"));
+        QVERIFY(r.out.contains(QStringLiteral(";\"calm; tail \"\"warm\"\", 30 °C\";")));
+        QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
         // "info" is the independent judge of the files the list calls unreadable.
-        for (const char *name : {"cut.edf", "miscounted.edf"}) {
+        for (const char *name : {"broken.edf", "cut.edf", "miscounted.edf"}) {
             const QString path = records + QLatin1Char('/') + QLatin1String(name);
             QVERIFY2(r.out.contains(path + QStringLiteral(";The recording cannot be read")),
                      qPrintable(r.out));
@@ -528,7 +485,6 @@ private slots:
                                 QStringLiteral("/crashed.edf.part;\"An interrupted save; the "
                                                "recording is complete and can be recovered\"")),
                  qPrintable(r.out));
-        QVERIFY(r.out.contains(edf + QStringLiteral(";\n")));
     }
 
     void recoverGivesAnInterruptedSaveAFreeNameAndOverwritesNothing()
@@ -536,7 +492,7 @@ private slots:
         QTemporaryDir dir;
         const QString records = dir.filePath(QStringLiteral("Records"));
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
-        const QString edf = makeRecord(records);
+        const QString edf = TailCuff::savedRecord(records);
         const QByteArray original = RecordFiles::readAll(edf);
         // The same recording left by a save that was interrupted under the same name.
         const QString part = edf + QStringLiteral(".part");
@@ -576,8 +532,8 @@ private slots:
         QTemporaryDir dir;
         const QString records = dir.filePath(QStringLiteral("Records"));
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("Records")));
-        const QString edf = makeRecord(records);
-        const QString exp = edf.chopped(4) + QStringLiteral(".exp");
+        const QString edf = TailCuff::savedRecord(records);
+        const QString exp = expOf(edf);
         QVERIFY(RecordFiles::writeAll(exp, "<CorvidaExperiment><Rodent>rat 3</Rodent><SBP>1"));
         const QStringList before = QDir(records).entryList(QDir::Files | QDir::Hidden);
         arguments.replaceInStrings(QStringLiteral("RECORD"), edf);
@@ -590,7 +546,7 @@ private slots:
     void exportWritesTheChosenContent()
     {
         QTemporaryDir dir;
-        const QString edf = makeRecord(dir.path());
+        const QString edf = TailCuff::savedRecord(dir.path());
         const QString csv = dir.filePath(QStringLiteral("out.csv"));
         Result r = cli(dir.path(), {"export", "--full", "--out", csv, edf});
         QCOMPARE(r.status, 0);
@@ -626,11 +582,11 @@ private slots:
         QVERIFY(fields[0].startsWith(dir.path() + QStringLiteral("/Records/")));
         QVERIFY2(std::fabs(fields[1].toDouble() - 110.0) < 10.0, qPrintable(r.out));
         QVERIFY(std::fabs(fields[5].toDouble() - 420.0) < 15.0);
-        const CorvidaExperiment saved(fields[0].chopped(4) + ".exp");
+        const CorvidaExperiment saved(expOf(fields[0]));
         QCOMPARE(saved.getSN(), QStringLiteral("CV-0042"));
         QCOMPARE(saved.getRodent(), QStringLiteral("rat 9"));
         // A calibrated record carries no mark: its file is what it always was.
-        QVERIFY(!fileBytes(fields[0].chopped(4) + ".exp").contains("Uncalibrated"));
+        QVERIFY(!RecordFiles::readAll(expOf(fields[0])).contains("Uncalibrated"));
         QVERIFY(!r.err.contains(QStringLiteral("not mmHg")));
         // The line printed at the end is what `analyze` of the saved record prints.
         const Result analyzed = cli(dir.path(), {"analyze", fields[0]});
@@ -669,7 +625,7 @@ private slots:
         QVERIFY2(r.status == 0, qPrintable(r.err));
         QVERIFY2(r.err.contains(QStringLiteral("not mmHg")), qPrintable(r.err));
         const QString edf = resultFields(r).value(0);
-        QVERIFY(fileBytes(edf.chopped(4) + ".exp").contains("Uncalibrated"));
+        QVERIFY(RecordFiles::readAll(expOf(edf)).contains("Uncalibrated"));
         r = cli(dir.path(), {"list"});
         QVERIFY2(r.out.contains(QStringLiteral("(not calibrated)")), qPrintable(r.out));
     }

@@ -71,16 +71,6 @@ private slots:
         QCOMPARE(settings.getDatabaseSplitterRatio(), 0.2);
         QCOMPARE(readAll(path), content); // loading alone writes nothing
     }
-    void debugSettingsAreShownOnlyInDebugMode()
-    {
-        CorvidaSettings settings;
-        QVERIFY(!settings.isPropertyVisible(QStringLiteral("UseVirtualCorvida")));
-        QVERIFY(settings.isPropertyVisible(QStringLiteral("PressureLimit")));
-        settings.setDebugMode(true);
-        QVERIFY(settings.isPropertyVisible(QStringLiteral("UseVirtualCorvida")));
-        // Window values are never on the settings page.
-        QVERIFY(!settings.isPropertyVisible(QStringLiteral("DatabaseSplitterRatio")));
-    }
 
 private:
     QTemporaryDir m_dir;

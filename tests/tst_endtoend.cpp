@@ -7,6 +7,7 @@
 #include "settings/CorvidaSettings.h"
 #include "storage/RecordDatabase.h"
 #include "support/ExpFile.h"
+#include "support/SessionRig.h"
 #include "support/XlsxReader.h"
 #include "toolkit/LanguageContext.h"
 #include "ui/CorvidaDeviceView.h"
@@ -65,6 +66,34 @@ class TestEndToEnd : public QObject
         QVERIFY(box);
         box->button(QMessageBox::Yes)->click();
     }
+    // Answers the next save dialog with `path`, its file type picked by the path's suffix.
+    static void answerSaveDialog(const QString &path)
+    {
+        answerNext([path](QWidget *modal) {
+            auto *dialog = qobject_cast<QFileDialog *>(modal);
+            QVERIFY(dialog);
+            for (const QString &filter : dialog->nameFilters()) {
+                if (filter.contains(QFileInfo(path).suffix())) {
+                    dialog->selectNameFilter(filter);
+                    break;
+                }
+            }
+            dialog->setDirectory(QFileInfo(path).absolutePath());
+            dialog->selectFile(QFileInfo(path).fileName());
+            if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                name->setText(QFileInfo(path).fileName());
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+    }
+    // A fresh data folder's settings: a window, in English, exports left alone, and limits with
+    // which the simulated unit shows its systolic point after the first 4 s.
+    static void prepare(CorvidaSettings *settings)
+    {
+        settings->setStartFullscreen(false);
+        settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
+        settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
+        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+    }
     static QString cell(PageDatabase *page, int column)
     {
         const QModelIndex current = page->table()->currentIndex();
@@ -82,11 +111,7 @@ private slots:
         QTemporaryDir data;
         CorvidaModel model(data.path());
         CorvidaSettings *settings = model.settings();
-        settings->setStartFullscreen(false);
-        settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
-        settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
-        // With these limits the simulated unit shows its systolic point after the first 4 s.
-        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+        prepare(settings);
         MainWindow window;
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         QVERIFY(window.experimentPage()->panels().isEmpty());
@@ -178,21 +203,7 @@ private slots:
         QTemporaryDir exports;
         for (const QString &suffix : {QStringLiteral("xlsx"), QStringLiteral("csv")}) {
             const QString path = exports.filePath(QStringLiteral("pressures.") + suffix);
-            answerNext([path, suffix](QWidget *modal) {
-                auto *dialog = qobject_cast<QFileDialog *>(modal);
-                QVERIFY(dialog);
-                for (const QString &filter : dialog->nameFilters()) {
-                    if (filter.contains(suffix)) {
-                        dialog->selectNameFilter(filter);
-                        break;
-                    }
-                }
-                dialog->setDirectory(QFileInfo(path).absolutePath());
-                dialog->selectFile(QFileInfo(path).fileName());
-                if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                    name->setText(QFileInfo(path).fileName());
-                QMetaObject::invokeMethod(dialog, "accept");
-            });
+            answerSaveDialog(path);
             records->preview()->exportButton()->click();
             QTRY_VERIFY2(QFile::exists(path),
                          qPrintable(QDir(exports.path()).entryList(QDir::Files).join(",")));
@@ -226,10 +237,7 @@ private slots:
         QTemporaryDir data;
         CorvidaModel model(data.path());
         CorvidaSettings *settings = model.settings();
-        settings->setStartFullscreen(false);
-        settings->setLanguage(CorvidaSettings::CorvidaLanguage::en_US);
-        settings->setExportBehavior(CorvidaSettings::ExportBehaviorOption::OnExport_DoNothing);
-        settings->setPressureLimit(CorvidaSettings::PressureLimits::Pressure_120_30);
+        prepare(settings);
         settings->setSessionInterval(5);
         MainWindow window;
         QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -274,31 +282,17 @@ private slots:
         for (int i : {1, 3})
             sbp << ExpFile::values(exps[i]).value(QStringLiteral("SBP")).toDouble();
         const double mean = (sbp[0] + sbp[1]) / 2.0;
-        const double sd = std::fabs(sbp[0] - sbp[1]) / std::sqrt(2.0);
         QAbstractItemModel *rows = sessions->sessionTable()->model();
         QTRY_COMPARE(rows->index(0, SessionTableModel::AcceptedColumn).data().toString(),
                      QStringLiteral("2/3"));
         QCOMPARE(rows->index(0, SessionTableModel::RodentColumn).data().toString(),
                  QStringLiteral("Rat 12"));
-        QCOMPARE(rows->index(0, SessionTableModel::SBPColumn).data().toString(),
-                 QStringLiteral("%1 ± %2").arg(mean, 0, 'f', 1).arg(sd, 0, 'f', 1));
+        QCOMPARE(rows->index(0, SessionTableModel::SBPColumn).data().toString(), meanSdText(sbp));
 
         // Export the session's cycles through the real dialog; the workbook has the sheet.
         QTemporaryDir exports;
         const QString path = exports.filePath(QStringLiteral("session.xlsx"));
-        answerNext([path](QWidget *modal) {
-            auto *dialog = qobject_cast<QFileDialog *>(modal);
-            QVERIFY(dialog);
-            for (const QString &filter : dialog->nameFilters()) {
-                if (filter.contains(QStringLiteral("xlsx")))
-                    dialog->selectNameFilter(filter);
-            }
-            dialog->setDirectory(QFileInfo(path).absolutePath());
-            dialog->selectFile(QFileInfo(path).fileName());
-            if (auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-                name->setText(QFileInfo(path).fileName());
-            QMetaObject::invokeMethod(dialog, "accept");
-        });
+        answerSaveDialog(path);
         records->preview()->exportButton()->click();
         QTRY_VERIFY(QFile::exists(path));
         if (!XlsxReader::available())

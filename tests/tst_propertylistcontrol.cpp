@@ -95,6 +95,9 @@ private slots:
         QVERIFY(list.isRowShown(QStringLiteral("Language")));
         m_settings->setDebugMode(true);
         shown(true);
+        QVERIFY(list.isRowShown(QStringLiteral("PressureLimit")));
+        // Window values are never on the settings page.
+        QVERIFY(!list.isRowShown(QStringLiteral("DatabaseSplitterRatio")));
         // Switching it off in its own row hides the row and its companions again.
         qobject_cast<QCheckBox *>(list.editor(QStringLiteral("DebugMode")))->click();
         QVERIFY(!m_settings->getDebugMode());

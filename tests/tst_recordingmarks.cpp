@@ -3,6 +3,7 @@
 #include "storage/EDFWriter.h"
 #include "support/EdfLibProbe.h"
 #include "support/RecordFiles.h"
+#include "support/TailCuff.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -16,20 +17,9 @@
 namespace {
 using Marks = QList<QPair<QString, qint64>>;
 
-// A measurement whose pulse comes back below 120 mmHg (a flat pulse when `flat`).
 std::unique_ptr<CorvidaOnlineExperiment> measurement(bool flat = false)
 {
-    auto e = std::make_unique<CorvidaOnlineExperiment>();
-    QList<double> pressure, pulse;
-    for (int i = 0; i < 20000; ++i) {
-        const double t = i / 1000.0;
-        pressure << (t < 2 ? 80 * t : std::max(0.0, 160 - 10 * (t - 2)));
-        pulse << (flat ? 0.0
-                       : (pressure.last() > 120 ? 0.005 : 0.3) * std::sin(2 * M_PI * 7.5 * t));
-    }
-    e->setSamplingRate(1000);
-    e->updateData({pressure, pulse});
-    return e;
+    return TailCuff::measurement(20.0, flat ? TailCuff::Pulse::Flat : TailCuff::Pulse::Returns);
 }
 
 // A rewritten file is a new file put in place of the old one.
@@ -37,11 +27,6 @@ ino_t inodeOf(const QString &path)
 {
     struct stat s = {};
     return ::stat(QFile::encodeName(path).constData(), &s) == 0 ? s.st_ino : 0;
-}
-
-QString edfOf(const QString &exp)
-{
-    return exp.chopped(4) + QStringLiteral(".edf");
 }
 
 // The header as written: everything before the first data record.
@@ -99,7 +84,7 @@ private slots:
         QVERIFY(live->getSBPTime() > 4 && live->getDBPTime() > live->getSBPTime());
         QVERIFY(live->save(dir.path()));
         const QString exp = live->getFilepath();
-        const QString edf = edfOf(exp);
+        const QString edf = TailCuff::edfOf(exp);
         const qint64 sbp = qint64(live->getSBPTime() * 1000);
         const qint64 dbp = qint64(live->getDBPTime() * 1000);
         QCOMPARE(EdfLibProbe::onsetsOf(edf, "SBP"), QList<qint64>{sbp});
@@ -147,7 +132,7 @@ private slots:
         live->setSBPTime(6.0);
         QVERIFY(live->save(dir.path()));
         const QString exp = live->getFilepath();
-        QCOMPARE(EdfLibProbe::onsetsOf(edfOf(exp), "SBP"), QList<qint64>{6000});
+        QCOMPARE(EdfLibProbe::onsetsOf(TailCuff::edfOf(exp), "SBP"), QList<qint64>{6000});
         {
             CorvidaExperiment stored(exp);
             if (olderProgram) {
@@ -158,7 +143,7 @@ private slots:
             } else {
                 stored.recalculate(true);
                 QCOMPARE(stored.getSBPTime(), 0.0);
-                QCOMPARE(EdfLibProbe::onsetsOf(edfOf(exp), "SBP"), QList<qint64>());
+                QCOMPARE(EdfLibProbe::onsetsOf(TailCuff::edfOf(exp), "SBP"), QList<qint64>());
             }
         }
         CorvidaExperiment reopened(exp);

@@ -6,6 +6,7 @@
 #include "support/EdfLibProbe.h"
 #include "support/RecordFiles.h"
 #include "support/ScratchDisk.h"
+#include "support/TailCuff.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QDir>
@@ -16,28 +17,36 @@
 #include <cmath>
 #include <csignal>
 #include <memory>
+#include <optional>
 #include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 const QDateTime kStart(QDate(2026, 3, 14), QTime(9, 26, 53, 589));
 
-// A measurement whose pulse comes back below 120 mmHg, so it has markers to write.
-std::unique_ptr<CorvidaOnlineExperiment> measurement(double seconds = 20.0)
+// A measurement with markers to write, taken at a fixed second so that saves collide.
+std::unique_ptr<CorvidaOnlineExperiment> measurement()
 {
-    auto e = std::make_unique<CorvidaOnlineExperiment>();
-    QList<double> pressure, pulse;
-    for (int i = 0; i < int(seconds * 1000); ++i) {
-        const double t = i / 1000.0;
-        pressure << (t < 2 ? 80 * t : std::max(0.0, 160 - 10 * (t - 2)));
-        pulse << (pressure.last() > 120 ? 0.005 : 0.3) * std::sin(2 * M_PI * 7.5 * t);
-    }
-    e->setSamplingRate(1000);
-    e->updateData({pressure, pulse});
+    std::unique_ptr<CorvidaOnlineExperiment> e = TailCuff::measurement();
     e->setStartDateTime(kStart);
     e->recalculate(false);
     return e;
 }
+
+// While it lives, no file of this process may grow past `bytes`: a write beyond fails as on a
+// full disk, with no root needed (the signal the system would send is ignored).
+struct FileSizeLimit {
+    rlimit old = {};
+    explicit FileSizeLimit(qint64 bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &old);
+        rlimit limited = old;
+        limited.rlim_cur = rlim_t(bytes);
+        ::setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &old); }
+};
 
 QStringList filesIn(const QString &dir)
 {
@@ -112,17 +121,11 @@ private slots:
 
         std::unique_ptr<CorvidaOnlineExperiment> e = measurement();
         QString error;
-        rlimit old = {};
-        if (sizeLimit) {
-            std::signal(SIGXFSZ, SIG_IGN);
-            QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
-            rlimit limited = old;
-            limited.rlim_cur = rlim_t(recordingBytes / 2);
-            QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limited), 0);
-        }
-        const bool saved = e->save(folder, &error);
+        std::optional<FileSizeLimit> limited;
         if (sizeLimit)
-            ::setrlimit(RLIMIT_FSIZE, &old);
+            limited.emplace(recordingBytes / 2);
+        const bool saved = e->save(folder, &error);
+        limited.reset();
         QVERIFY(!saved);
         QVERIFY2(error.contains(folder), qPrintable(error));
         if (!sizeLimit)
@@ -145,27 +148,15 @@ private slots:
         if (!fileSizeLimit && !disk.isMounted())
             QSKIP(qPrintable(disk.whyNot()));
         const QString path = (fileSizeLimit ? plain.path() : disk.path()) + "/cut.edf";
-        rlimit old = {};
-        if (fileSizeLimit) {
-            // Past the limit the system refuses to write (and would send SIGXFSZ).
-            std::signal(SIGXFSZ, SIG_IGN);
-            QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
-            rlimit limited = old;
-            limited.rlim_cur = 40 * 1024;
-            QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limited), 0);
-        }
-        bool closed = true;
-        {
-            EDFWriter writer(path, {ChannelDim("A", 100.0), ChannelDim("B", 100.0)}, 1000);
-            QVERIFY(writer.isOpen());
-            QList<float> samples(2 * 1000, 1.5f);
-            for (int second = 0; second < 60; ++second)
-                writer.writeData(samples);
-            closed = writer.close(true);
-        }
+        std::optional<FileSizeLimit> limited;
         if (fileSizeLimit)
-            ::setrlimit(RLIMIT_FSIZE, &old);
-        QVERIFY(!closed);
+            limited.emplace(40 * 1024);
+        EDFWriter writer(path, {ChannelDim("A", 100.0), ChannelDim("B", 100.0)}, 1000);
+        QVERIFY(writer.isOpen());
+        const QList<float> samples(2 * 1000, 1.5f);
+        for (int second = 0; second < 60; ++second)
+            writer.writeData(samples);
+        QVERIFY(!writer.close(true));
     }
 
     void propertiesOnFullDiskKeepTheirFile_data()

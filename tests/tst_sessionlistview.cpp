@@ -1,9 +1,8 @@
 #include "analysis/CorvidaExperiment.h"
 #include "device/CorvidaModel.h"
-#include "device/VirtualCorvidaDevice.h"
-#include "session/SessionRun.h"
 #include "storage/RecordExport.h"
 #include "support/ExpFile.h"
+#include "support/SessionRig.h"
 #include "ui/AnimalHistoryPlot.h"
 #include "ui/AnimalView.h"
 #include "ui/MultiExperimentViewer.h"
@@ -13,7 +12,6 @@
 #include "ui/SessionTableModel.h"
 
 #include <QComboBox>
-#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QProcess>
@@ -24,7 +22,6 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QtTest>
-#include <cmath>
 #include <memory>
 
 namespace {
@@ -64,20 +61,6 @@ QString pdfText(const QString &path)
     p.waitForFinished(30000);
     return QString::fromUtf8(p.readAllStandardOutput()).simplified();
 }
-
-// Mean ± sample SD as the sessions table writes them, computed here.
-QString meanSd(const QList<double> &x)
-{
-    double m = 0;
-    for (double v : x)
-        m += v;
-    m /= x.size();
-    double q = 0;
-    for (double v : x)
-        q += (v - m) * (v - m);
-    return QStringLiteral("%1 ± %2").arg(QString::number(m, 'f', 1),
-                                         QString::number(std::sqrt(q / (x.size() - 1)), 'f', 1));
-}
 } // namespace
 
 // The sessions view of the records page, on sessions measured by a simulated unit on a clock the
@@ -93,33 +76,20 @@ class TestSessionListView : public QObject
     // Runs a whole session into the records folder; its cycles' ".exp" paths in cycle order.
     QStringList measureSession(const QString &rodent, int acclimation, int cycles)
     {
-        VirtualCorvidaDevice device;
-        device.setClock([this] { return m_now; });
-        device.setRandomSource([] { return 0.5; });
-        device.setTickTimerActive(false);
-        SessionPlan plan;
-        plan.acclimationCycles = acclimation;
-        plan.measurementCycles = cycles;
-        plan.intervalMs = 5000;
-        plan.upperPressure = 120;
-        plan.lowerPressure = 30;
-        plan.rodent = rodent;
-        SessionRun run(&device, m_model->recordsFolder(), plan);
-        run.setClock([this] { return m_now; });
-        QStringList paths;
-        connect(&run, &SessionRun::cycleFinished, this, [&](const SessionRun::CycleResult &r) {
-            paths << r.file.chopped(4) + QStringLiteral(".exp");
-        });
-        if (!run.start())
-            return {};
-        run.setTickTimerActive(false);
-        for (int i = 0; i < 20000 && run.isRunning(); ++i) {
-            m_now += 50;
-            device.tick();
-            run.tick();
-        }
-        m_now += 60'000;
-        return run.state() == SessionRun::State::Finished ? paths : QStringList();
+        SessionRig rig(m_model->recordsFolder(), SessionRig::plan120(acclimation, cycles, rodent));
+        rig.now = m_now;
+        const QStringList paths = rig.runToEnd();
+        m_now = rig.now + 60'000;
+        return paths;
+    }
+    // The records page with its Sessions tab in front.
+    void openPage()
+    {
+        m_page = std::make_unique<PageDatabase>();
+        m_page->resize(1200, 700);
+        m_page->show();
+        m_page->reload();
+        m_page->listTabs()->setCurrentWidget(view());
     }
     SessionListView *view() const { return m_page->sessionView(); }
     QString cell(int row, int column) const
@@ -150,11 +120,7 @@ private slots:
     {
         const QStringList r7 = measureSession(QStringLiteral("R7"), 1, 3);
         QCOMPARE(r7.size(), 4);
-        m_page = std::make_unique<PageDatabase>();
-        m_page->resize(1200, 700);
-        m_page->show();
-        m_page->reload();
-        m_page->listTabs()->setCurrentWidget(view());
+        openPage();
         QCOMPARE(view()->sessionTable()->model()->rowCount(), 1);
 
         // The row, against the records' files.
@@ -168,7 +134,7 @@ private slots:
         QVERIFY2(accepted == 3, "the simulated animal at 120/30 gives accepted cycles");
         QCOMPARE(cell(0, SessionTableModel::RodentColumn), QStringLiteral("R7"));
         QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("3/3"));
-        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSd(sbp));
+        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSdText(sbp));
         QVERIFY(!cell(0, SessionTableModel::UnitColumn).isEmpty());
 
         // Selecting the session lays all its cycles, acclimation too, over one another.
@@ -189,7 +155,7 @@ private slots:
         QCOMPARE(ExpFile::values(r7[2]).value("Verdict"), QStringLiteral("2"));
         QApplication::processEvents();
         QCOMPARE(cell(0, SessionTableModel::AcceptedColumn), QStringLiteral("2/3"));
-        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSd({sbp[0], sbp[2]}));
+        QCOMPARE(cell(0, SessionTableModel::SBPColumn), meanSdText({sbp[0], sbp[2]}));
         QVERIFY(view()
                     ->cycleTable()
                     ->item(2, SessionListView::CycleVerdict)
@@ -248,11 +214,7 @@ private slots:
         const QStringList second = measureSession(QStringLiteral("Rat 7"), 1, 1);
         QCOMPARE(first.size(), 2);
         QCOMPARE(second.size(), 2);
-        m_page = std::make_unique<PageDatabase>();
-        m_page->resize(1200, 700);
-        m_page->show();
-        m_page->reload();
-        m_page->listTabs()->setCurrentWidget(view());
+        openPage();
         view()->selectSession(ExpFile::values(second[0]).value(QStringLiteral("Session")));
         AnimalView *animal = m_page->animalView();
         QCOMPARE(animal->rodent(), QStringLiteral("Rat 7"));
@@ -264,7 +226,7 @@ private slots:
         for (const QString &path : first)
             firstSbp << ExpFile::values(path).value("SBP").toDouble();
         QCOMPARE(animal->table()->item(0, AnimalView::AcceptedColumn)->text(), "2/2");
-        QCOMPARE(animal->table()->item(0, AnimalView::SBPColumn)->text(), meanSd(firstSbp));
+        QCOMPARE(animal->table()->item(0, AnimalView::SBPColumn)->text(), meanSdText(firstSbp));
         QCOMPARE(animal->table()->item(1, AnimalView::AcceptedColumn)->text(), "1/1");
         const QList<AnimalHistoryPlot::Day> days = animal->plot()->days();
         QCOMPARE(days.size(), 2);
@@ -315,7 +277,8 @@ private slots:
         QList<double> kept;
         for (int i : {1, 3})
             kept << ExpFile::values(cycles[i]).value("SBP").toDouble();
-        QVERIFY2(text.contains(QStringLiteral("SBP %1 mmHg").arg(meanSd(kept))), qPrintable(text));
+        QVERIFY2(text.contains(QStringLiteral("SBP %1 mmHg").arg(meanSdText(kept))),
+                 qPrintable(text));
         // One trace per accepted measurement cycle: cycles 1 and 3, not the rejected 2.
         QVERIFY(text.contains(QStringLiteral("Cycle 1:")) && text.contains("Cycle 3:"));
         QVERIFY(!text.contains(QStringLiteral("Cycle 2:")));
@@ -334,9 +297,7 @@ private slots:
     {
         QCOMPARE(measureSession(QStringLiteral("Rat 7"), 0, 1).size(), 1);
         QCOMPARE(measureSession(QStringLiteral("Mouse 2"), 0, 2).size(), 2);
-        m_page = std::make_unique<PageDatabase>();
-        m_page->show();
-        m_page->reload();
+        openPage();
         QAbstractItemModel *m = view()->sessionTable()->model();
         QCOMPARE(m->rowCount(), 2);
         // Newest first.

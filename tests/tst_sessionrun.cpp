@@ -5,78 +5,24 @@
 #include "session/SessionRun.h"
 #include "support/CorvidaUnitEmulator.h"
 #include "support/ExpFile.h"
+#include "support/RecordFiles.h"
+#include "support/ScratchDisk.h"
+#include "support/SessionRig.h"
 
 #include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
-#include <unistd.h>
 
 namespace {
-constexpr qint64 kStepMs = 50;
+constexpr qint64 kStepMs = SessionRig::kStepMs;
+using Rig = SessionRig;
 
 QStringList files(const QString &folder, const QString &pattern)
 {
     return QDir(folder).entryList({pattern}, QDir::Files, QDir::Name);
-}
-
-// A simulated unit on a clock the test moves, with a fixed noise value, and a session on the
-// same clock.
-struct Rig {
-    qint64 now = 1'750'000'000'000;
-    VirtualCorvidaDevice device;
-    std::unique_ptr<SessionRun> run;
-    bool deviceTicks = true;
-
-    Rig(const QString &folder, const SessionPlan &plan)
-    {
-        device.setClock([this] { return now; });
-        device.setRandomSource([] { return 0.5; });
-        device.setTickTimerActive(false);
-        run = std::make_unique<SessionRun>(&device, folder, plan);
-        run->setClock([this] { return now; });
-        run->setTickTimerActive(false);
-    }
-    void step()
-    {
-        now += kStepMs;
-        if (deviceTicks)
-            device.tick();
-        run->tick();
-    }
-    // Moves the clock until the condition holds or `limitMs` have passed; true when it held.
-    bool advanceUntil(const std::function<bool()> &done, qint64 limitMs = 600'000)
-    {
-        for (qint64 t = 0; t < limitMs; t += kStepMs) {
-            if (done())
-                return true;
-            step();
-        }
-        return done();
-    }
-    void advance(qint64 ms)
-    {
-        for (qint64 t = 0; t < ms; t += kStepMs)
-            step();
-    }
-};
-
-// Limits at which the simulated unit's pulse returns late enough for markers to be found.
-SessionPlan plan120(int acclimation, int cycles)
-{
-    SessionPlan plan;
-    plan.acclimationCycles = acclimation;
-    plan.measurementCycles = cycles;
-    plan.intervalMs = 5000;
-    plan.pulseWaitMs = 20000;
-    plan.upperPressure = 120;
-    plan.lowerPressure = 30;
-    plan.rodent = QStringLiteral("R7");
-    return plan;
 }
 } // namespace
 
@@ -89,13 +35,13 @@ private slots:
     void cyclesFollowTheTimelineAndBecomeRecords()
     {
         QTemporaryDir dir;
-        Rig rig(dir.path(), plan120(1, 2));
+        Rig rig(dir.path(), Rig::plan120(1, 2));
         QSignalSpy states(rig.run.get(), &SessionRun::stateChanged);
         QSignalSpy started(rig.run.get(), &SessionRun::cycleStarted);
         QList<qint64> startTimes, endTimes;
         connect(rig.run.get(), &SessionRun::cycleStarted, this, [&] { startTimes << rig.now; });
         connect(rig.run.get(), &SessionRun::cycleFinished, this, [&] { endTimes << rig.now; });
-        QVERIFY(rig.run->start());
+        QVERIFY(rig.start());
         QVERIFY(rig.advanceUntil([&] { return !rig.run->isRunning(); }));
         QCOMPARE(rig.run->state(), SessionRun::State::Finished);
 
@@ -150,11 +96,11 @@ private slots:
     void gateThatNeverOpensStartsTheCycleMarkedWithoutPulse()
     {
         QTemporaryDir dir;
-        SessionPlan plan = plan120(0, 1);
+        SessionPlan plan = Rig::plan120(0, 1);
         plan.gate.minAmplitude = 1000.0; // no tail gives that much
         Rig rig(dir.path(), plan);
         QSignalSpy started(rig.run.get(), &SessionRun::cycleStarted);
-        QVERIFY(rig.run->start());
+        QVERIFY(rig.start());
         rig.advance(plan.pulseWaitMs - 200);
         QCOMPARE(started.size(), 0);
         QCOMPARE(rig.run->state(), SessionRun::State::WaitingForPulse);
@@ -194,7 +140,7 @@ private slots:
                 [&](const QList<QList<float>> &f) { samples += f[0].size(); });
 
         QTemporaryDir dir;
-        SessionPlan plan = plan120(0, 1);
+        SessionPlan plan = Rig::plan120(0, 1);
         plan.upperPressure = 160;
         plan.lowerPressure = 40;
         plan.pulseWaitMs = 8000;
@@ -240,8 +186,8 @@ private slots:
     void abortMidCycleStopsTheUnitAndKeepsFinishedCycles()
     {
         QTemporaryDir dir;
-        Rig rig(dir.path(), plan120(0, 3));
-        QVERIFY(rig.run->start());
+        Rig rig(dir.path(), Rig::plan120(0, 3));
+        QVERIFY(rig.start());
         QVERIFY(rig.advanceUntil([&] { return rig.run->results().size() == 1; }));
         QVERIFY(rig.advanceUntil([&] { return rig.run->state() == SessionRun::State::Measuring; }));
         rig.advance(3000);
@@ -269,14 +215,11 @@ private slots:
     {
         QFETCH(bool, silent);
         QTemporaryDir dir;
-        Rig rig(dir.path(), plan120(0, 3));
-        QVERIFY(rig.run->start());
+        Rig rig(dir.path(), Rig::plan120(0, 3));
+        QVERIFY(rig.start());
         QVERIFY(rig.advanceUntil([&] { return rig.run->results().size() == 1; }));
         const QString firstEdf = rig.run->results()[0].file;
-        QFile f(firstEdf);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        const QByteArray bytes = f.readAll();
-        f.close();
+        const QByteArray bytes = RecordFiles::readAll(firstEdf);
         QVERIFY(rig.advanceUntil([&] { return rig.run->state() == SessionRun::State::Measuring; }));
         rig.advance(2000);
         if (silent)
@@ -287,50 +230,27 @@ private slots:
         QCOMPARE(rig.run->state(), SessionRun::State::UnitLost);
         QVERIFY(rig.run->message().contains(QLatin1String("incomplete")));
         QCOMPARE(files(dir.path(), QStringLiteral("*.edf")).size(), 1);
-        QFile again(firstEdf);
-        QVERIFY(again.open(QIODevice::ReadOnly));
-        QCOMPARE(again.readAll(), bytes);
+        QCOMPARE(RecordFiles::readAll(firstEdf), bytes);
 
         // The folder alone tells that the session stopped early.
-        std::vector<std::unique_ptr<CorvidaExperiment>> owned;
-        QList<CorvidaExperiment *> records;
-        for (const QString &name : files(dir.path(), QStringLiteral("*.exp"))) {
-            owned.push_back(std::make_unique<CorvidaExperiment>(dir.filePath(name)));
-            records << owned.back().get();
-        }
-        const auto sessions = SessionCatalog::group(records, SessionStatistics());
-        QCOMPARE(sessions.size(), 1);
-        QVERIFY(sessions[0].summary.flagged);
-        QVERIFY(sessions[0].summary.flags.join(' ').contains(QLatin1String("Incomplete: 1 of 3")));
+        const FolderSessions folder(dir.path());
+        QCOMPARE(folder.sessions.size(), 1);
+        QVERIFY(folder.sessions[0].summary.flagged);
+        QVERIFY(folder.sessions[0].summary.flags.join(' ').contains(
+            QLatin1String("Incomplete: 1 of 3")));
     }
 
     void fullDiskStopsAtTheFailingCycleAndKeepsEarlierOnes()
     {
-        if (geteuid() != 0)
-            QSKIP("mounting a small disk needs root");
-        QTemporaryDir dir;
-        const QString mount = dir.filePath(QStringLiteral("disk"));
-        QVERIFY(QDir().mkpath(mount));
-        if (QProcess::execute(QStringLiteral("mount"),
-                              {"-t", "tmpfs", "-o", "size=1m", "tmpfs", mount}) != 0)
-            QSKIP("tmpfs cannot be mounted here");
-        const auto unmount =
-            qScopeGuard([&] { QProcess::execute(QStringLiteral("umount"), {mount}); });
-        Rig rig(mount, plan120(0, 3));
-        QVERIFY(rig.run->start());
+        ScratchDisk disk(1 << 20);
+        if (!disk.isMounted())
+            QSKIP(qPrintable(disk.whyNot()));
+        Rig rig(disk.path(), Rig::plan120(0, 3));
+        QVERIFY(rig.start());
         QVERIFY(rig.advanceUntil([&] { return rig.run->results().size() == 1; }));
         const QString firstEdf = rig.run->results()[0].file;
-        QFile f(firstEdf);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        const QByteArray edfBytes = f.readAll();
-        f.close();
-        // Fill what is left of the disk.
-        QFile filler(mount + QStringLiteral("/filler"));
-        QVERIFY(filler.open(QIODevice::WriteOnly));
-        const QByteArray block(4096, 'x');
-        while (filler.write(block) == block.size() && filler.flush()) {
-        }
-        filler.close();
+        const QByteArray edfBytes = RecordFiles::readAll(firstEdf);
+        QVERIFY(disk.fill(0));
 
         QVERIFY(rig.advanceUntil([&] { return !rig.run->isRunning(); }));
         QCOMPARE(rig.run->state(), SessionRun::State::SaveFailed);
@@ -338,10 +258,8 @@ private slots:
                  qPrintable(rig.run->message()));
         QCOMPARE(rig.run->results().size(), 1);
         // Only the first cycle's pair and the filler remain.
-        QCOMPARE(files(mount, QStringLiteral("*")).size(), 3);
-        QFile again(firstEdf);
-        QVERIFY(again.open(QIODevice::ReadOnly));
-        QCOMPARE(again.readAll(), edfBytes);
+        QCOMPARE(files(disk.path(), QStringLiteral("*")).size(), 3);
+        QCOMPARE(RecordFiles::readAll(firstEdf), edfBytes);
         QCOMPARE(ExpFile::values(firstEdf.chopped(4) + ".exp").value("Cycle"), QStringLiteral("1"));
         QVERIFY(!rig.device.isMeasuring());
     }
@@ -357,8 +275,8 @@ private slots:
             d->setRandomSource([] { return 0.5; });
             d->setTickTimerActive(false);
         }
-        SessionPlan planA = plan120(0, 2);
-        SessionPlan planB = plan120(1, 1);
+        SessionPlan planA = Rig::plan120(0, 2);
+        SessionPlan planB = Rig::plan120(1, 1);
         planB.rodent = QStringLiteral("R8");
         SessionRun runA(&a, dir.path(), planA), runB(&b, dir.path(), planB);
         for (SessionRun *r : {&runA, &runB}) {
@@ -380,13 +298,7 @@ private slots:
         QVERIFY(runA.sessionId() != runB.sessionId());
         QCOMPARE(files(dir.path(), QStringLiteral("*.edf")).size(), 4);
 
-        std::vector<std::unique_ptr<CorvidaExperiment>> owned;
-        QList<CorvidaExperiment *> records;
-        for (const QString &name : files(dir.path(), QStringLiteral("*.exp"))) {
-            owned.push_back(std::make_unique<CorvidaExperiment>(dir.filePath(name)));
-            records << owned.back().get();
-        }
-        const auto sessions = SessionCatalog::group(records, SessionStatistics());
+        const QList<SessionCatalog::Session> sessions = FolderSessions(dir.path()).sessions;
         QCOMPARE(sessions.size(), 2);
         QCOMPARE(sessions[0].rodent, QStringLiteral("R7"));
         QCOMPARE(sessions[0].cycles.size(), 2);
@@ -409,10 +321,10 @@ private slots:
         QFETCH(int, cycles);
         QFETCH(bool, busy);
         QTemporaryDir dir;
-        Rig rig(dir.path(), plan120(2, cycles));
+        Rig rig(dir.path(), Rig::plan120(2, cycles));
         if (busy)
             rig.device.startMeasuring();
-        QVERIFY(!rig.run->start());
+        QVERIFY(!rig.start());
         QCOMPARE(rig.run->state(), SessionRun::State::Idle);
         QCOMPARE(rig.device.isMeasuring(), busy);
         rig.advance(30000);
