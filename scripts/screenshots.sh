@@ -28,7 +28,8 @@ mkdir -p "$OUT/sizes"
 for language in en_US ru_RU; do
     for size in 800x600 1920x1080; do
         run "$sizes" --language "$language" --theme light --size "$size" >/dev/null
-        for view in experiment-turned-on experiment-measured experiment-four-units-grid records; do
+        for view in experiment-turned-on experiment-measured experiment-four-units-grid records \
+            records-doubtful; do
             picture="$language-light-$size-$view.png"
             if [ -f "$sizes/$picture" ]; then
                 cp "$sizes/$picture" "$OUT/sizes/$picture" && echo "saved $OUT/sizes/$picture"

@@ -386,8 +386,12 @@ int main(int argc, char **argv)
     tour.shoot(window, QStringLiteral("experiment-four-units-tabs"));
     experiment->abortAllButton()->click();
     // Saved, so that the next recordings replace nothing unsaved (which would ask first).
-    for (CorvidaDeviceView *unit : experiment->panels())
+    QStringList stoppedEarly;
+    for (CorvidaDeviceView *unit : experiment->panels()) {
         unit->saveButton()->click();
+        if (!unit->savedRecordPath().isEmpty())
+            stoppedEarly << unit->savedRecordPath();
+    }
     experiment->gridButton()->click();
 
     // The saved record on the Records page, and the settings.
@@ -396,6 +400,13 @@ int main(int argc, char **argv)
     emit model->onOpenRecord(savedRecord);
     wait(500);
     tour.shoot(window, QStringLiteral("records"));
+    // A record stopped while the cuff was still high: its diastolic point lies at the very end
+    // and is marked as doubtful.
+    if (!stoppedEarly.isEmpty()) {
+        emit model->onOpenRecord(stoppedEarly.first());
+        wait(500);
+        tour.shoot(window, QStringLiteral("records-doubtful"));
+    }
     window->showPage(window->settingsPage());
     if (QPushButton *b = window->pageButton(window->settingsPage()))
         b->click();
