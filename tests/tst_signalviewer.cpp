@@ -342,9 +342,10 @@ private slots:
     }
 
     // The plot area of dense traces, pixel for pixel, against pictures saved from the viewer
-    // when its drawing was last changed on purpose: a faster way of filling the band of a busy
-    // trace must not move a single pixel. Set CORVIDA_SAVE_PLOT_PICTURES to a folder to write
-    // new pictures after a deliberate change of the look.
+    // when its drawing was last changed on purpose: a busy trace is filled as upright bars or
+    // as rows, whichever is cheaper (the cases below take both), and neither may move a pixel. Set
+    // CORVIDA_SAVE_PLOT_PICTURES to a folder to write new pictures after a deliberate change of the
+    // look.
     void denseTracePaintsTheSavedPixels_data()
     {
         QTest::addColumn<QString>("name");
