@@ -1,6 +1,7 @@
 #include "storage/XLSXHelper.h"
 
 #include "storage/DecimalText.h"
+#include "storage/XLSXWorkbookWriter.h"
 #include "storage/ZipArchiveCheck.h"
 #include "toolkit/FileUtilities.h"
 
@@ -127,7 +128,8 @@ void setError(QString *error, const QString &text)
 // The first column holds the row titles of a record's sheet ("Sampling rate", "Pressure, mmHg"):
 // wide enough to read them without widening it by hand. Titles stand in the first rows, so only
 // those are measured.
-void fitFirstColumn(lxw_worksheet *sheet, const XLSXTable &table)
+// 0 when the default width will do.
+double firstColumnWidth(const XLSXTable &table)
 {
     constexpr qsizetype kRowsMeasured = 64;
     constexpr double kDefaultWidth = 8.43; // the spreadsheet's own default, in characters
@@ -137,19 +139,54 @@ void fitFirstColumn(lxw_worksheet *sheet, const XLSXTable &table)
             longest = std::max(longest, table[r].first().toString().size());
     }
     const double width = std::min(60.0, double(longest) * 1.1 + 2);
-    if (width > kDefaultWidth)
+    return width > kDefaultWidth ? width : 0.0;
+}
+
+void fitFirstColumn(lxw_worksheet *sheet, const XLSXTable &table)
+{
+    const double width = firstColumnWidth(table);
+    if (width > 0.0)
         worksheet_set_column(sheet, 0, 0, width, nullptr);
 }
 
-bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &source,
-                   const QList<QStringList> &comments, const QString &path, bool constantMemory,
-                   QString *error)
+// The workbook of an export: its sheets written directly (see XLSXWorkbookWriter), which takes
+// a fraction of the time the library needs for a sheet of a long recording.
+bool writeSheets(const QStringList &names, const XLSXHelper::SheetSource &source,
+                 const QString &path, const QString &temporary, QString *error)
 {
-    const QString temporary = temporaryPathBeside(path);
-    if (temporary.isEmpty()) {
-        setError(error, QStringLiteral("cannot write in the folder of %1").arg(path));
+    XLSXWorkbookWriter writer(temporary);
+    if (!writer.open()) {
+        setError(error, QStringLiteral("cannot create %1: %2").arg(path, writer.errorString()));
         return false;
     }
+    QStringList taken;
+    XLSXTable table;
+    for (int i = 0; i < names.size(); ++i) {
+        const QString name = XLSXHelper::sheetName(names[i], taken);
+        taken << name;
+        if (!source(i, &table)) {
+            setError(error,
+                     QStringLiteral("writing %1 stopped at the sheet \"%2\"").arg(path, name));
+            return false;
+        }
+        if (!writer.addSheet(name, table, firstColumnWidth(table))) {
+            setError(error, QStringLiteral("the sheet \"%1\" cannot be written: %2")
+                                .arg(name, writer.errorString()));
+            return false;
+        }
+    }
+    if (!writer.close()) {
+        setError(error, QStringLiteral("saving %1 failed: %2").arg(path, writer.errorString()));
+        return false;
+    }
+    return true;
+}
+
+// Through the spreadsheet library, which can also attach comments to cells.
+bool writeWithLibrary(const QStringList &names, const XLSXHelper::SheetSource &source,
+                      const QList<QStringList> &comments, const QString &path,
+                      const QString &temporary, bool constantMemory, QString *error)
+{
     const QByteArray tmpName = QFile::encodeName(temporary);
     const QByteArray tmpDir = QFile::encodeName(QDir::tempPath());
     lxw_workbook_options options = {};
@@ -199,6 +236,25 @@ bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &sour
         setError(error, QStringLiteral("saving %1 failed: %2")
                             .arg(path, QString::fromUtf8(lxw_strerror(closed))));
         ok = false;
+    }
+    return ok;
+}
+
+bool writeWorkbook(const QStringList &names, const XLSXHelper::SheetSource &source,
+                   const QList<QStringList> &comments, const QString &path, bool constantMemory,
+                   QString *error)
+{
+    const QString temporary = temporaryPathBeside(path);
+    if (temporary.isEmpty()) {
+        setError(error, QStringLiteral("cannot write in the folder of %1").arg(path));
+        return false;
+    }
+    bool ok = true;
+    if (comments.isEmpty() && constantMemory) {
+        const LibraryQuiet quiet;
+        ok = writeSheets(names, source, path, temporary, error);
+    } else {
+        ok = writeWithLibrary(names, source, comments, path, temporary, constantMemory, error);
     }
     QString damage;
     if (ok && !ZipArchiveCheck::isComplete(temporary, requiredParts(names.size()), &damage)) {

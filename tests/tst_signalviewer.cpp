@@ -340,6 +340,69 @@ private slots:
         QCOMPARE(again, picture(fresh));
         QCOMPARE(again == first, change == "nothing");
     }
+
+    // The plot area of dense traces, pixel for pixel, against pictures saved from the viewer
+    // when its drawing was last changed on purpose: a busy trace is filled as upright bars or
+    // as rows, whichever is cheaper (the cases below take both), and neither may move a pixel. Set
+    // CORVIDA_SAVE_PLOT_PICTURES to a folder to write new pictures after a deliberate change of the
+    // look.
+    void denseTracePaintsTheSavedPixels_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<double>("window");
+        QTest::addColumn<double>("amplitude");
+        QTest::addColumn<double>("penWidth");
+        QTest::newRow("120 s of pulse") << "pulse120s" << 120.0 << 0.5 << 1.5;
+        QTest::newRow("10 s of pulse") << "pulse10s" << 10.0 << 0.5 << 1.5;
+        QTest::newRow("hairline") << "hairline60s" << 60.0 << 0.5 << 1.0;
+        QTest::newRow("wide pen") << "wide30s" << 30.0 << 0.5 << 3.0;
+        QTest::newRow("runs past both edges") << "clipped20s" << 20.0 << 1.4 << 1.5;
+    }
+    void denseTracePaintsTheSavedPixels()
+    {
+        QFETCH(QString, name);
+        QFETCH(double, window);
+        QFETCH(double, amplitude);
+        QFETCH(double, penWidth);
+        // Beats at 7.3 Hz with a sharp rise, a slow fall and some ripple, like a pulse wave.
+        QList<double> x(qsizetype(window * 1000) + 5000);
+        for (qsizetype i = 0; i < x.size(); ++i) {
+            const double phase = std::fmod(i / 1000.0 * 7.3, 1.0);
+            const double beat = phase < 0.2 ? 0.5 * (1 - std::cos(M_PI * phase / 0.2))
+                                            : std::pow(1 - (phase - 0.2) / 0.8, 2.0);
+            x[i] = amplitude * (beat - 0.4) + 0.02 * std::sin(i * 0.91);
+        }
+        SignalViewer viewer;
+        viewer.resize(2 * viewer.margin() + 1000, 300);
+        viewer.setFollowPaused(true);
+        viewer.setDark(false);
+        viewer.setWindowLength(window);
+        viewer.setValueRange(-0.6, 0.8);
+        viewer.setSeries(
+            {SignalViewerSeries::fromSamples(x, 1000.0, QColor(0xcc, 0x44, 0x44), penWidth)});
+        viewer.setOffset(5.0);
+        QImage screen(viewer.size(), QImage::Format_ARGB32_Premultiplied);
+        screen.fill(Qt::white);
+        viewer.render(&screen);
+        // The trace may run two pixels past the plot; the rest of the widget is text.
+        const QRect plot = viewer.plotRect().adjusted(0, -3, 0, 3);
+        const QImage shown = screen.copy(plot).convertToFormat(QImage::Format_RGB32);
+
+        const QString file = name + QStringLiteral(".png");
+        const QString saveTo = qEnvironmentVariable("CORVIDA_SAVE_PLOT_PICTURES");
+        if (!saveTo.isEmpty())
+            QVERIFY(shown.save(QDir(saveTo).filePath(file)));
+        const QString path = QFINDTESTDATA(QStringLiteral("data/plots/") + file);
+        QVERIFY2(!path.isEmpty(), qPrintable(file));
+        const QImage saved = QImage(path).convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(shown.size(), saved.size());
+        int differing = 0;
+        for (int y = 0; y < saved.height(); ++y) {
+            for (int xPixel = 0; xPixel < saved.width(); ++xPixel)
+                differing += shown.pixel(xPixel, y) != saved.pixel(xPixel, y) ? 1 : 0;
+        }
+        QCOMPARE(differing, 0);
+    }
 };
 
 QTEST_MAIN(TestSignalViewer)

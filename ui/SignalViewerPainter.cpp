@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 // Grid colours: the light ones are the house colours; on a dark background they would outshine
@@ -353,7 +354,7 @@ void SignalViewerPainter::drawSampled(QPainter &painter, const Frame &frame,
     travel *= double(allColumns) / std::max(1, map.columns);
     const bool dense = map.rate / map.pixelsPerSecond >= 2.0;
     if (dense && travel * linePasses(series.width()) > kSmoothLineBudget)
-        drawSpans(painter, series.color(), series.width());
+        drawSpans(painter, frame.plot, series.color(), series.width());
     else
         drawLine(painter, series.color(), series.width());
     drawClipMarks(painter, frame);
@@ -425,7 +426,8 @@ void SignalViewerPainter::drawLine(QPainter &painter, const QColor &color, qreal
     }
 }
 
-void SignalViewerPainter::drawSpans(QPainter &painter, const QColor &color, qreal width)
+void SignalViewerPainter::drawSpans(QPainter &painter, const QRectF &plot, const QColor &color,
+                                    qreal width)
 {
     // One filled upright bar per pixel column, from where the line enters the column to its
     // lowest and highest point, widened by the pen. A pen w pixels wide would paint each pixel
@@ -470,8 +472,77 @@ void SignalViewerPainter::drawSpans(QPainter &painter, const QColor &color, qrea
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    painter.drawRects(m_spans.data(), int(m_spans.size()));
+    const std::vector<QRect> &fill = columnsAsRows(plot) ? m_rows : m_spans;
+    painter.drawRects(fill.data(), int(fill.size()));
     painter.setBrush(Qt::NoBrush);
+}
+
+bool SignalViewerPainter::columnsAsRows(const QRectF &plot)
+{
+    // The raster engine fills a rectangle row by row: a one-pixel-wide bar costs it about one
+    // unit a row, and setting up any rectangle about six. The bars of a long window are tall
+    // (a column holds a whole beat), so the fill grew with the samples behind each column,
+    // while the same pixels cut into rows are a few long runs wherever neighbouring bars
+    // overlap. A short window is the other way round: steep strokes, each row a run of its
+    // own. Both are the same set of whole pixels; take whichever is cheaper.
+    //
+    // Rows the clip cannot show are dropped first: a trace far off the scale would otherwise
+    // make bars thousands of rows tall.
+    const int bandTop = int(std::floor(plot.top())) - 3;
+    const int bandBottom = int(std::ceil(plot.bottom())) + 4;
+    qint64 columnRows = 0;
+    qint64 runs = 0;
+    // An empty row interval that lies above every bar stands for "no column before".
+    int previousColumn = std::numeric_limits<int>::min();
+    int previousTop = bandTop, previousBottom = bandTop;
+    for (QRect &r : m_spans) {
+        const int top = std::clamp(r.top(), bandTop, bandBottom);
+        const int bottom = std::clamp(r.top() + r.height(), bandTop, bandBottom);
+        r.setTop(top);
+        r.setHeight(bottom - top);
+        columnRows += bottom - top;
+        if (r.left() != previousColumn + 1)
+            previousTop = previousBottom = bandTop;
+        // A run starts on every row this column covers and the one before did not.
+        runs += std::max(0, std::min(bottom, previousTop) - top) +
+                std::max(0, bottom - std::max(top, previousBottom));
+        previousColumn = r.left();
+        previousTop = top;
+        previousBottom = bottom;
+    }
+    if (runs * kRowsPerRun >= columnRows + qint64(m_spans.size()) * kRowsPerRun)
+        return false;
+
+    // Sweep the columns left to right, keeping where the open run of each row began.
+    m_rows.clear();
+    m_runStart.assign(size_t(bandBottom - bandTop), 0);
+    previousColumn = std::numeric_limits<int>::min();
+    previousTop = previousBottom = bandTop;
+    const auto close = [&](int from, int to) {
+        for (int y = from; y < to; ++y) {
+            const int start = m_runStart[size_t(y - bandTop)];
+            m_rows.emplace_back(start, y, previousColumn - start + 1, 1);
+        }
+    };
+    for (const QRect &r : m_spans) {
+        const int top = r.top();
+        const int bottom = r.top() + r.height();
+        if (r.left() != previousColumn + 1) {
+            close(previousTop, previousBottom);
+            previousTop = previousBottom = bandTop;
+        }
+        close(previousTop, std::min(previousBottom, top));
+        close(std::max(previousTop, bottom), previousBottom);
+        for (int y = top; y < std::min(bottom, previousTop); ++y)
+            m_runStart[size_t(y - bandTop)] = r.left();
+        for (int y = std::max(top, previousBottom); y < bottom; ++y)
+            m_runStart[size_t(y - bandTop)] = r.left();
+        previousColumn = r.left();
+        previousTop = top;
+        previousBottom = bottom;
+    }
+    close(previousTop, previousBottom);
+    return true;
 }
 
 void SignalViewerPainter::drawPoints(QPainter &painter, const Frame &frame,

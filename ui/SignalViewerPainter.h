@@ -78,7 +78,10 @@ private:
     void drawPoints(QPainter &painter, const Frame &frame, const SignalViewerSeries &series);
     // m_points as a line of this width, or as one upright bar per pixel column.
     void drawLine(QPainter &painter, const QColor &color, qreal width) const;
-    void drawSpans(QPainter &painter, const QColor &color, qreal width);
+    void drawSpans(QPainter &painter, const QRectF &plot, const QColor &color, qreal width);
+    // Cuts the bars in m_spans into one-row runs in m_rows when that takes fewer rectangles;
+    // false when the bars are the cheaper fill.
+    bool columnsAsRows(const QRectF &plot);
     static int linePasses(qreal width);
     void drawMarkers(QPainter &painter, const Frame &frame,
                      const QList<SignalViewerMarker> &markers);
@@ -108,6 +111,10 @@ private:
     };
     std::vector<Bar> m_bars;
     std::vector<QRect> m_spans;
+    std::vector<QRect> m_rows;
+    std::vector<int> m_runStart;
+    // What one filled rectangle costs the raster engine, in rows of an upright bar.
+    static constexpr qint64 kRowsPerRun = 6;
     std::vector<QRect> m_clipRects;
     std::vector<QRectF> m_labelBoxes;
     QImage m_dot;
