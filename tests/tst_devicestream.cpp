@@ -146,6 +146,21 @@ private slots:
         QCOMPARE(hash, 9601160278822661221ull);
     }
 
+    // The device fills its frame lists in place when nobody kept the previous frame; a receiver
+    // that keeps one (a recorder, a queued connection) must find it as it was delivered.
+    void keptFrameIsNotOverwrittenByTheNextFrame()
+    {
+        BareDevice device;
+        QList<ProcessedFrame> kept;
+        connect(&device, &BaseCorvidaDevice::pressurePulseData, this,
+                [&](const ProcessedFrame &f) { kept.append(f); });
+        for (int k = 0; k < 3; ++k)
+            device.processRawFrame(constantFrame(31, 0, 0, 1.2, 10 * k));
+        QCOMPARE(kept.size(), 3);
+        for (int k = 0; k < 3; ++k)
+            QCOMPARE(kept[k][2], QList<float>(31, 10.0f * k));
+    }
+
     void deviceHistoryKeepsTheNewestTwoMinutes()
     {
         BareDevice device; // 124 s of frames of 31 samples, frame k with IR k
