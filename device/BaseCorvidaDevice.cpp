@@ -89,8 +89,8 @@ void BaseCorvidaDevice::processRawFrame(const RawFrame &frame)
     // stages side by side lets the processor overlap them. Each value goes through the same
     // operations in the same order as it would through the filters one block at a time.
     const auto pressureAt = [&](qsizetype i) {
-        const float filtered =
-            m_pressureNotch->processSample(m_pressureLowPass->processSample(float(in[0][i])));
+        const float filtered = m_pressureNotch->processSample(
+            m_pressureLowPass->processSample(float(in[Pressure][i])));
         out[Pressure][i] = float(filtered * slope - offset);
     };
     const auto pulseAt = [&](qsizetype i) {
@@ -99,19 +99,19 @@ void BaseCorvidaDevice::processRawFrame(const RawFrame &frame)
         // Normalised by the DC level; without a positive DC there is nothing to scale by.
         out[Pulse][i] = i < withDc && dc[i] > 0 ? float(filtered * (kPulseScale / dc[i])) : 0.0f;
     };
-    const qsizetype common = std::min({length[0], length[1], length[2]});
+    const qsizetype common = std::min({length[Pressure], length[Pulse], length[Infrared]});
     for (qsizetype i = 0; i < common; ++i) {
         pressureAt(i);
         pulseAt(i);
-        out[Infrared][i] = float(in[2][i]);
+        out[Infrared][i] = float(in[Infrared][i]);
     }
     // Channels of unequal length (a damaged frame) are each processed to their own end.
-    for (qsizetype i = common; i < length[0]; ++i)
+    for (qsizetype i = common; i < length[Pressure]; ++i)
         pressureAt(i);
-    for (qsizetype i = common; i < length[1]; ++i)
+    for (qsizetype i = common; i < length[Pulse]; ++i)
         pulseAt(i);
-    for (qsizetype i = common; i < length[2]; ++i)
-        out[Infrared][i] = float(in[2][i]);
+    for (qsizetype i = common; i < length[Infrared]; ++i)
+        out[Infrared][i] = float(in[Infrared][i]);
 
     m_history.append(m_processed);
     emit pressurePulseData(m_processed);
