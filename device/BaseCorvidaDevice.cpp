@@ -1,6 +1,7 @@
 #include "device/BaseCorvidaDevice.h"
 
 #include "analysis/ButterworthFilter.h"
+#include "analysis/IIRFilter.h"
 #include "analysis/MovingAverageFilter.h"
 #include "analysis/NotchFilter.h"
 
@@ -22,16 +23,23 @@ BaseCorvidaDevice::BaseCorvidaDevice(QObject *parent)
     m_id = QStringLiteral("S%1").arg(++s_deviceCounter);
 
     // Pressure: 15 Hz low-pass against sensor noise, then the mains notch.
-    m_filterChains.append(QList<AbstractFilter *>{
-        new ButterworthFilter(AbstractFilter::LowPass, 4, kRate, 15, 15, this),
-        new NotchFilter(kRate, 50, 1, this)});
+    auto *pressureLowPass = new ButterworthFilter(AbstractFilter::LowPass, 4, kRate, 15, 15, this);
+    auto *pressureNotch = new NotchFilter(kRate, 50, 1, this);
+    m_filterChains.append(QList<AbstractFilter *>{pressureLowPass, pressureNotch});
     // Pulse: 3 Hz moving-average high-pass removes the slow baseline, 30 Hz low-pass, mains notch.
-    m_filterChains.append(QList<AbstractFilter *>{
-        new MovingAverageFilter(AbstractFilter::HighPass, kRate, 3, this),
-        new ButterworthFilter(AbstractFilter::LowPass, 4, kRate, 30, 30, this),
-        new NotchFilter(kRate, 50, 1, this)});
+    m_pulseBaseline = new MovingAverageFilter(AbstractFilter::HighPass, kRate, 3, this);
+    auto *pulseLowPass = new ButterworthFilter(AbstractFilter::LowPass, 4, kRate, 30, 30, this);
+    auto *pulseNotch = new NotchFilter(kRate, 50, 1, this);
+    m_filterChains.append(QList<AbstractFilter *>{m_pulseBaseline, pulseLowPass, pulseNotch});
     // IR is shown as it comes.
     m_filterChains.append(QList<AbstractFilter *>());
+
+    // A low-pass Butterworth is its first stage alone.
+    m_pressureLowPass = pressureLowPass->stageA();
+    m_pressureNotch = pressureNotch->stage();
+    m_pulseLowPass = pulseLowPass->stageA();
+    m_pulseNotch = pulseNotch->stage();
+    m_processed = ProcessedFrame(3);
 }
 
 BaseCorvidaDevice::~BaseCorvidaDevice() = default;
@@ -46,36 +54,67 @@ void BaseCorvidaDevice::processRawFrame(const RawFrame &frame)
 {
     if (frame.size() < 4)
         return;
-    const QList<double> &dc = frame[DC];
     const RawChannel sources[3] = {MPX, AC, IR};
 
-    ProcessedFrame processed(3);
+    // A receiver may still hold the previous frame (a queued connection, a recorder): then it
+    // keeps that one and this frame gets new lists; otherwise the lists are filled in place.
+    if (!m_processed.isDetached())
+        m_processed = ProcessedFrame(3);
+    float *out[3];
+    const double *in[3];
+    qsizetype length[3];
     for (int c = 0; c < 3; ++c) {
-        const QList<double> &in = frame[sources[c]];
-        const qsizetype n = in.size();
-        QList<float> &list = processed[c];
-        list.resize(n);
-        // Plain pointers: indexing a non-const list checks for sharing on every access.
-        float *out = list.data();
-        const double *src = in.constData();
-        for (qsizetype i = 0; i < n; ++i)
-            out[i] = float(src[i]);
-        for (AbstractFilter *filter : std::as_const(m_filterChains[c]))
-            filter->Process(out, int(n));
-        if (c == Pressure) {
-            for (qsizetype i = 0; i < n; ++i)
-                out[i] = float(out[i] * m_slope - m_offset);
-        } else if (c == Pulse) {
-            const double *d = dc.constData();
-            const qsizetype withDc = std::min(n, dc.size());
-            for (qsizetype i = 0; i < withDc; ++i)
-                out[i] = d[i] > 0 ? float(out[i] * (kPulseScale / d[i])) : 0.0f;
-            for (qsizetype i = withDc; i < n; ++i)
-                out[i] = 0.0f;
-        }
+        length[c] = frame[sources[c]].size();
+        in[c] = frame[sources[c]].constData();
+        QList<float> &list = m_processed[c];
+        if (list.isDetached())
+            list.resize(length[c]);
+        else
+            list = QList<float>(length[c]);
+        out[c] = list.data();
     }
-    m_history.append(processed);
-    emit pressurePulseData(processed);
+    const double *dc = frame[DC].constData();
+    const qsizetype withDc = frame[DC].size();
+    const double slope = m_slope;
+    const double offset = m_offset;
+
+    // The pulse baseline first, over the whole frame: a running sum, cheap on its own but a
+    // drag on the loop below if it ran there.
+    for (qsizetype i = 0; i < length[Pulse]; ++i)
+        out[Pulse][i] = float(in[Pulse][i]);
+    m_pulseBaseline->Process(out[Pulse], int(length[Pulse]));
+
+    // Then sample by sample through the other filters of both channels at once: their
+    // recursions are chains of dependent multiplications, and running the two channels and all
+    // stages side by side lets the processor overlap them. Each value goes through the same
+    // operations in the same order as it would through the filters one block at a time.
+    const auto pressureAt = [&](qsizetype i) {
+        const float filtered = m_pressureNotch->processSample(
+            m_pressureLowPass->processSample(float(in[Pressure][i])));
+        out[Pressure][i] = float(filtered * slope - offset);
+    };
+    const auto pulseAt = [&](qsizetype i) {
+        const float filtered =
+            m_pulseNotch->processSample(m_pulseLowPass->processSample(out[Pulse][i]));
+        // Normalised by the DC level; without a positive DC there is nothing to scale by.
+        out[Pulse][i] = i < withDc && dc[i] > 0 ? float(filtered * (kPulseScale / dc[i])) : 0.0f;
+    };
+    const qsizetype common = std::min({length[Pressure], length[Pulse], length[Infrared]});
+    for (qsizetype i = 0; i < common; ++i) {
+        pressureAt(i);
+        pulseAt(i);
+        out[Infrared][i] = float(in[Infrared][i]);
+    }
+    // Channels of unequal length (a damaged frame) are each processed to their own end.
+    for (qsizetype i = common; i < length[Pressure]; ++i)
+        pressureAt(i);
+    for (qsizetype i = common; i < length[Pulse]; ++i)
+        pulseAt(i);
+    for (qsizetype i = common; i < length[Infrared]; ++i)
+        out[Infrared][i] = float(in[Infrared][i]);
+
+    m_history.append(m_processed);
+    emit pressurePulseData(m_processed);
     emit adcData(frame);
 }
 

@@ -8,6 +8,8 @@
 #include <QString>
 
 class AbstractFilter;
+class IIRFilter;
+class MovingAverageFilter;
 
 // Four raw channels (MPX, AC, DC, IR) of equal length, as the unit delivers them.
 using RawFrame = QList<QList<double>>;
@@ -104,5 +106,15 @@ protected:
     QString m_serialNumber;
 
 private:
+    // The filters of the chains above by their own types: the per-sample loop calls them
+    // directly, without a virtual call per sample.
+    IIRFilter *m_pressureLowPass = nullptr;
+    IIRFilter *m_pressureNotch = nullptr;
+    MovingAverageFilter *m_pulseBaseline = nullptr;
+    IIRFilter *m_pulseLowPass = nullptr;
+    IIRFilter *m_pulseNotch = nullptr;
+    // Reused from frame to frame while no receiver keeps the previous one.
+    ProcessedFrame m_processed;
+
     static int s_deviceCounter;
 };

@@ -15,6 +15,7 @@ namespace {
 constexpr qint64 kTicksPerSecond = EDFLIB_TIME_DIMENSION; // library times are in 100 ns
 constexpr qint64 kTicksPerMs = kTicksPerSecond / 1000;
 constexpr qint64 kCopyChunk = 1 << 20;
+constexpr int kReadChunk = 32768; // samples: 256 KiB of values, within the cache
 } // namespace
 
 EDFReader::EDFReader(QObject *parent)
@@ -207,13 +208,34 @@ bool EDFReader::readSignal(int channel, qint64 start, int count, double *buffer)
         return false;
     if (edfseek(m_handle, channel, start, EDFSEEK_SET) < 0)
         return false;
-    const int read = edfread_physical_samples(m_handle, channel, count, buffer);
-    const int got = std::max(read, 0);
-    for (int i = 0; i < got; ++i)
-        buffer[i] = -buffer[i];
+    // In pieces that stay in the cache, so the values are negated while still there instead of
+    // in a second pass over the whole buffer.
+    int got = 0;
+    bool complete = true;
+    while (got < count) {
+        const int wanted = std::min(count - got, kReadChunk);
+        const int read = edfread_physical_samples(m_handle, channel, wanted, buffer + got);
+        double *values = buffer + got;
+        const int n = std::max(read, 0);
+        // Four at a time, which the compiler turns into vector instructions.
+        int i = 0;
+        for (; i + 4 <= n; i += 4) {
+            values[i] = -values[i];
+            values[i + 1] = -values[i + 1];
+            values[i + 2] = -values[i + 2];
+            values[i + 3] = -values[i + 3];
+        }
+        for (; i < n; ++i)
+            values[i] = -values[i];
+        got += n;
+        if (read != wanted) {
+            complete = false;
+            break;
+        }
+    }
     // A short read leaves zeros, never what the buffer held before.
     std::fill(buffer + got, buffer + count, 0.0);
-    return read == count;
+    return complete;
 }
 
 int EDFReader::getBuffData(qint64 start, int count, double *buffer)
@@ -235,15 +257,22 @@ int EDFReader::getChannelBuffData(int channel, qint64 start, int count, double *
 
 QList<double> EDFReader::getChannelData(int channel, qint64 start, int count)
 {
-    QList<double> values(std::max(count, 0), 0.0);
     if (!m_opened || channel < 0 || channel >= m_signals || count <= 0 || start < 0)
-        return values;
-    // Only what the file can hold is read; the rest of the list stays zero.
+        return QList<double>(std::max(count, 0), 0.0);
+    // Only what the file can hold is read; the rest of the list is zero.
     const qint64 available = m_header->signalparam[channel].smp_in_file - start;
     const int wanted = int(std::clamp<qint64>(available, 0, count));
-    if (wanted == 0)
-        return values;
-    readSignal(channel, start, wanted, values.data());
+    // Allocated without the zeros a QList would first write: every value is written below, and
+    // for a whole signal that first pass would cost as much as the negation.
+    QList<double> values(
+        QArrayDataPointer<double>(QTypedArrayData<double>::allocate(count), count));
+    if (!values.constData()) {
+        qDebug() << "EDFReader: no memory for" << count << "samples";
+        return {};
+    }
+    if (wanted > 0)
+        readSignal(channel, start, wanted, values.data());
+    std::fill(values.begin() + wanted, values.end(), 0.0);
     return values;
 }
 

@@ -6,6 +6,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
+#include <cstring>
+#include <edflib.h>
 
 namespace {
 const QString kFormatError = QStringLiteral(
@@ -112,6 +115,86 @@ private slots:
             QVERIFY2(qAbs(both.at(samples + i) - clamped) <= stepSize + 1e-9 * widest,
                      qPrintable(QString::number(i)));
         }
+    }
+
+    // What the program reads is the library's physical value, negated, bit for bit: windows
+    // inside one data record, across many, running past the end (zeros there), through every
+    // reading call.
+    void samplesAreTheLibrarysValuesNegatedBitForBit_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<qint64>("start");
+        QTest::addColumn<int>("count");
+        QTest::newRow("whole signal") << 0 << qint64(0) << 25000;
+        QTest::newRow("inside one record") << 1 << qint64(1234) << 500;
+        QTest::newRow("across records") << 2 << qint64(999) << 13333;
+        QTest::newRow("one sample, last record") << 1 << qint64(24999) << 1;
+        QTest::newRow("runs past the end") << 2 << qint64(20001) << 9000;
+    }
+
+    void samplesAreTheLibrarysValuesNegatedBitForBit()
+    {
+        QFETCH(int, signal);
+        QFETCH(qint64, start);
+        QFETCH(int, count);
+        // 25 s at 1000 Hz, three signals; noise with steps on full and odd digital values.
+        const int rate = 1000, samples = 25 * rate, signalCount = 3;
+        const QString path = file(QStringLiteral("bits.edf"));
+        {
+            QList<float> data;
+            quint32 x = 7;
+            for (int s = 0; s < signalCount; ++s)
+                for (int i = 0; i < samples; ++i) {
+                    x = x * 1664525u + 1013904223u;
+                    data.append(float(int(x >> 16) - 32768) / 32.0f * float(s + 1));
+                }
+            EDFWriter writer(path, QStringList{"A", "B", "C"}, rate, {}, {1000.0, 2000.0, 3000.0});
+            writer.writeData(samples, data.constData());
+            QVERIFY(writer.close(true));
+        }
+        // The library read on its own, the expectation.
+        QList<double> expected(count, 0.0);
+        {
+            edf_hdr_struct header{};
+            QCOMPARE(edfopen_file_readonly(path.toLocal8Bit().constData(), &header,
+                                           EDFLIB_DO_NOT_READ_ANNOTATIONS),
+                     0);
+            QCOMPARE(edfseek(header.handle, signal, start, EDFSEEK_SET), start);
+            const int got = edfread_physical_samples(header.handle, signal, count, expected.data());
+            QCOMPARE(got, int(std::min<qint64>(count, samples - start)));
+            for (int i = 0; i < got; ++i)
+                expected[i] = -expected[i];
+            edfclose_file(header.handle);
+        }
+        const auto sameBits = [&](const double *values, const char *call) {
+            const int differing = int(
+                std::mismatch(expected.cbegin(), expected.cend(), values,
+                              [](double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; })
+                    .first -
+                expected.cbegin());
+            QVERIFY2(differing == count,
+                     qPrintable(QStringLiteral("%1 differs at %2").arg(call).arg(differing)));
+        };
+
+        EDFReader reader(path);
+        QVERIFY(reader.open());
+        sameBits(reader.getChannelData(signal, start, count).constData(), "getChannelData");
+        QList<double> buffer(count, 99.0);
+        QCOMPARE(reader.getChannelBuffData(signal, start, count, buffer.data()),
+                 start + count <= samples ? 0 : -1);
+        sameBits(buffer.constData(), "getChannelBuffData");
+        QList<double> all(qsizetype(signalCount) * count, 99.0);
+        // A short read stops the reading of all signals at the first one.
+        if (start + count <= samples) {
+            QCOMPARE(reader.getBuffData(start, count, all.data()), 0);
+            sameBits(all.constData() + qsizetype(signal) * count, "getBuffData");
+        } else {
+            QCOMPARE(reader.getBuffData(start, count, all.data()), -1);
+        }
+        const QList<float> floats = reader.getChannelDataFloat(signal, start, count);
+        QCOMPARE(floats.size(), count);
+        for (int i = 0; i < count; ++i)
+            QCOMPARE(floats[i], float(expected[i]));
     }
 
     void identificationAndPrefilter()

@@ -100,15 +100,21 @@ void HeartRateWidget::showRate(double bpm, int beats)
         return;
     }
     // A narrow panel shows the number beside the heart; the tooltip says what it counts.
-    m_label->setText(m_compact ? QString::number(rate)
-                               : QString::number(rate) + QLatin1Char(' ') +
-                                     QCoreApplication::translate("DimensionRR", "BPM"));
+    // The rate comes once a second per unit and is mostly what it was: a label given the same
+    // text or style sheet again is laid out and restyled all the same, so only changes go in.
+    const QString text = m_compact ? QString::number(rate)
+                                   : QString::number(rate) + QLatin1Char(' ') +
+                                         QCoreApplication::translate("DimensionRR", "BPM");
+    if (m_label->text() != text)
+        m_label->setText(text);
     m_icons->setCurrentIndex(0);
     const QString doubt = doubtAbout(bpm, beats);
     m_uncertain = !doubt.isEmpty();
     // Greyed rather than bold: the number is there, but not as a confident reading.
-    m_label->setStyleSheet(m_uncertain ? QStringLiteral("QLabel { color: #8a8f96 }")
-                                       : QStringLiteral("QLabel { font-weight: bold }"));
+    const QString sheet = m_uncertain ? QStringLiteral("QLabel { color: #8a8f96 }")
+                                      : QStringLiteral("QLabel { font-weight: bold }");
+    if (m_label->styleSheet() != sheet)
+        m_label->setStyleSheet(sheet);
     setToolTip(m_uncertain ? tr("Uncertain heart rate.") + QLatin1Char(' ') + doubt
                            : tr("Heart rate over the last 3 seconds."));
 }

@@ -204,7 +204,7 @@ void SignalViewerPainter::drawLabels(QPainter &painter, const Frame &frame,
             const double y = std::round(plot.bottom() - (v - frame.lower) * scale);
             const QString label =
                 QString::number(std::fabs(v) < step * 1e-6 ? 0.0 : v, 'f', decimals);
-            const double w = fm.horizontalAdvance(label);
+            const double w = m_textWidths.width(painter.font(), label);
             painter.drawText(QPointF(plot.left() - 4 - w, y + fm.ascent() / 2 - 1), label);
         }
     }
@@ -212,10 +212,10 @@ void SignalViewerPainter::drawLabels(QPainter &painter, const Frame &frame,
     // Time under the axis. The time title, when there is one, takes the right end of the row
     // and the labels give way to it.
     const double baseline = plot.bottom() + 2 + fm.ascent();
-    double titleLeft = plot.right() + fm.horizontalAdvance(QStringLiteral("000"));
+    double titleLeft = plot.right() + m_textWidths.width(painter.font(), QStringLiteral("000"));
     if (!frame.timeTitle.isEmpty()) {
         const double right = plot.right() + plot.left();
-        titleLeft = right - fm.horizontalAdvance(frame.timeTitle) - 4;
+        titleLeft = right - m_textWidths.width(painter.font(), frame.timeTitle) - 4;
         painter.drawText(QPointF(titleLeft, baseline), frame.timeTitle);
     }
     const double end = frame.offset + frame.window;
@@ -223,7 +223,7 @@ void SignalViewerPainter::drawLabels(QPainter &painter, const Frame &frame,
          t <= end + 1e-9; t += ticks.timeStep) {
         const double x = std::round(plot.left() + (t - frame.offset) * ticks.pixelsPerSecond);
         const QString label = QString::number(qRound64(t));
-        const double w = fm.horizontalAdvance(label);
+        const double w = m_textWidths.width(painter.font(), label);
         if (x + w / 2 >= titleLeft - 4)
             continue;
         painter.drawText(QPointF(x - w / 2, baseline), label);
@@ -237,7 +237,6 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
     QFont bold = painter.font();
     bold.setBold(true);
     const QFontMetricsF fm(painter.font());
-    const QFontMetricsF fmBold(bold);
     const double baseline = frame.plot.top() - fm.descent() - 3;
     double x = 4;
     painter.setPen(text);
@@ -246,12 +245,12 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
         painter.setFont(bold);
         painter.drawText(QPointF(x, baseline), frame.title);
         painter.restore();
-        x += fmBold.horizontalAdvance(frame.title);
+        x += m_boldWidths.width(bold, frame.title);
     }
     if (!frame.unit.isEmpty()) {
         const QString unit = frame.title.isEmpty() ? frame.unit : QStringLiteral(", ") + frame.unit;
         painter.drawText(QPointF(x, baseline), unit);
-        x += fm.horizontalAdvance(unit);
+        x += m_textWidths.width(painter.font(), unit);
     }
 
     // Legend, right-aligned, for the series that have a name. Entries that would run into the
@@ -265,9 +264,9 @@ void SignalViewerPainter::drawHeader(QPainter &painter, const Frame &frame,
     for (auto it = series.crbegin(); it != series.crend(); ++it) {
         if (it->name().isEmpty())
             continue;
-        const double w = fm.horizontalAdvance(it->name());
+        const double w = m_textWidths.width(painter.font(), it->name());
         const QString more = QStringLiteral("+%1").arg(left);
-        const double moreWidth = fm.horizontalAdvance(more);
+        const double moreWidth = m_textWidths.width(painter.font(), more);
         // Room for this entry, and for the count of the rest when more follow.
         const double needed = w + 22 + (left > 1 ? moreWidth + 8 : 0.0);
         if (right - needed < titleEnd) {

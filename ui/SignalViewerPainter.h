@@ -3,6 +3,7 @@
 #include "ui/SignalViewerMarker.h"
 #include "ui/SignalViewerSeries.h"
 
+#include "ui/TextWidthCache.h"
 #include "ui/ViewerColumnDecimator.h"
 
 #include <QColor>
@@ -120,6 +121,8 @@ private:
     QImage m_dot;
     QColor m_dotColor;
     qreal m_dotWidth = 0.0;
+    mutable TextWidthCache m_textWidths;
+    mutable TextWidthCache m_boldWidths;
     QImage m_background;
     Frame m_backgroundFrame;
     Ticks m_backgroundTicks;
