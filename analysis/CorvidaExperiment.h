@@ -275,6 +275,9 @@ protected:
     PeakFinder *m_peakFinder = nullptr;
 
 private:
+    // Writing the record's files is a job of its own; it reads and updates the fields below.
+    friend class ExperimentFiles;
+
     // Stores a marker time as it is, without reading the series for its pressure: reading a
     // record's ".exp" file must not load its recording.
     void storeSBPTime(double SBPTime);
@@ -283,6 +286,11 @@ private:
     void assign(T &member, const T &value, Signal signal, const char *name);
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
     void recalculateMarkers(bool reset);
+    void endMarkerBatch();
+    // The beats, heart-rate and amplitude series and the mean heart rate, found anew.
+    void findBeats();
+    // Where the record's own way puts the markers in the current beats (0: not found).
+    QPair<double, double> automaticMarkers();
     // The systolic and diastolic times the record's method finds in the current beats.
     QPair<double, double> documentedMarkers();
     QPair<double, double> refinedMarkers();
@@ -290,14 +298,8 @@ private:
     void ensureSeries();
     double markerPressure(double t);
     void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
-    bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
-    QString saveFailedText(const QString &path, const QString &why) const;
-    static QString cannotOpenText(const QString &edfPath);
     // Called whenever a marker time changes: with automatic saving on, the recording follows.
     void markerTimeChanged();
-    // The SBP and DBP onsets (ms) the markers ask for; -1 for a marker that is not set.
-    QPair<qint64, qint64> wantedMarks() const;
-    bool readRecordingMarks();
     bool propertiesFileHolds(const QString &name) const;
 
     QString m_Rodent;
