@@ -498,6 +498,37 @@ QPair<double, double> CorvidaExperiment::automaticMarkers()
     return m_beats.size() > 2 ? documentedMarkers() : QPair<double, double>(0.0, 0.0);
 }
 
+void CorvidaExperiment::changeMethod(const QString &Method)
+{
+    const QString wanted = Method == refinedMethod() ? Method : QString();
+    if (wanted == m_Method)
+        return;
+    findBeats();
+    // A marker where the record's own way puts it was placed by that way and moves to where the
+    // new way puts it; one anywhere else was placed by hand and stays. Times read back from a
+    // file may differ from the found ones by the rounding of the file.
+    const QPair<double, double> before = automaticMarkers();
+    const auto byHand = [](double time, double found) {
+        return time > 0.0 && std::abs(time - found) > 0.002;
+    };
+    const bool systolicByHand = byHand(m_SBPTime, before.first);
+    const bool diastolicByHand = byHand(m_DBPTime, before.second);
+    ++m_markerBatch;
+    setMethod(wanted);
+    const QPair<double, double> found = automaticMarkers();
+    if (!systolicByHand)
+        setSBPTime(found.first);
+    if (!diastolicByHand)
+        setDBPTime(found.second);
+    endMarkerBatch();
+}
+
+QString CorvidaExperiment::methodText(bool refined)
+{
+    return refined ? genericText(QT_TRANSLATE_NOOP("Generic", "Refined"))
+                   : genericText(QT_TRANSLATE_NOOP("Generic", "Documented"));
+}
+
 QPair<double, double> CorvidaExperiment::documentedMarkers()
 {
     const QList<int> regular = m_peakFinder->selectRegularBeats(m_beats);

@@ -128,6 +128,9 @@ public:
     QString getMethod() const { return m_Method; }
     static QString refinedMethod() { return QStringLiteral("refined"); }
     bool usesRefinedMethod() const { return m_Method == refinedMethod(); }
+    // The way's name for the operator: "Documented" or "Refined", translated.
+    static QString methodText(bool refined);
+    QString methodText() const { return methodText(usesRefinedMethod()); }
     // Why the last recalculation placed no markers, when the refined way found no pulse.
     QString detectionNote() const { return m_detectionNote; }
 
@@ -196,6 +199,10 @@ public:
     // Finds the beats, the heart rate and the markers again. Markers that are set (both time and
     // pressure non-zero) are kept unless `reset` clears them first.
     void recalculate(bool reset);
+
+    // Makes `Method` the record's way and lets it place the markers again. Markers placed by
+    // hand stay where they are; those the old way placed (or none) take the new way's places.
+    void changeMethod(const QString &Method);
 
     // The result rows, and unless `essentialOnly` the sampling rate and every sample.
     QList<QList<QVariant>> exportTable(bool essentialOnly);

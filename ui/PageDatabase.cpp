@@ -93,7 +93,8 @@ PageDatabase::PageDatabase(QWidget *parent)
     for (int c : {RecordDatabase::RodentColumn, RecordDatabase::CommentColumn,
                   RecordDatabase::PressureColumn})
         header->setSectionResizeMode(c, QHeaderView::Stretch);
-    for (int c : {RecordDatabase::MAPColumn, RecordDatabase::HeartRateColumn})
+    for (int c :
+         {RecordDatabase::MAPColumn, RecordDatabase::HeartRateColumn, RecordDatabase::MethodColumn})
         header->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     // Sorting starts from the stored column and order; clicking a header sorts and stores.
     header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
