@@ -14,8 +14,16 @@ constexpr double kFloorSeconds = 1.0;
 // The rising part used for the line, as shares of the way from floor to plateau.
 constexpr double kRiseLow = 0.2;
 constexpr double kRiseHigh = 0.8;
+// From this many beats in the rising part on, the line goes through the beats themselves.
+constexpr int kRawLineBeats = 15;
 // The pulse counts as back once this many smoothed beats in a row are above the low share.
 constexpr int kSustainedBeats = 4;
+// A beat is taken for movement when its amplitude is this many times the typical amplitude of
+// the beats around it (a running median over kLocalBeats beats, wider than the longest burst of
+// movement), and at least half the plateau: a moving tail swings the sensor far more than any
+// pulse, but the pulse of the open artery is never much above its neighbours.
+constexpr double kMovementFactor = 1.6;
+constexpr int kLocalBeats = 25;
 // The pressure is averaged over this many samples before its crossings are looked for, so a
 // noisy sample does not place a marker early.
 constexpr int kPressureSmoothing = 50;
@@ -81,6 +89,35 @@ QList<double> EnvelopeOnsetDetector::runningMedian(const QList<double> &values, 
     return out;
 }
 
+void EnvelopeOnsetDetector::dropMovement(QList<double> &times, QList<double> &amplitudes,
+                                         QList<double> &cuff)
+{
+    // The typical amplitude around each beat; its upper values are the open artery's pulse.
+    const QList<double> local = runningMedian(amplitudes, kLocalBeats);
+    const double plateau = percentile(local, 0.9);
+    const qsizetype n = amplitudes.size();
+    QList<bool> moving(n, false);
+    for (qsizetype k = 0; k < n; ++k) {
+        if (amplitudes[k] > kMovementFactor * local[k] && amplitudes[k] > 0.5 * plateau) {
+            // The edges of a burst are weaker but still not pulse: a beat on each side goes too.
+            for (qsizetype j = std::max<qsizetype>(0, k - 1); j <= std::min(n - 1, k + 1); ++j)
+                moving[j] = true;
+        }
+    }
+    qsizetype kept = 0;
+    for (qsizetype k = 0; k < n; ++k) {
+        if (moving[k])
+            continue;
+        times[kept] = times[k];
+        amplitudes[kept] = amplitudes[k];
+        cuff[kept] = cuff[k];
+        ++kept;
+    }
+    times.resize(kept);
+    amplitudes.resize(kept);
+    cuff.resize(kept);
+}
+
 EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> &pressure,
                                                             const QList<QPointF> &amplitudes,
                                                             double samplingRate)
@@ -109,6 +146,11 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         cuff << pressure[i];
     }
     const QString noPulse = text("No pulse came back while the cuff was deflating");
+    if (raw.size() < 2 * kSustainedBeats) {
+        result.reason = noPulse;
+        return result;
+    }
+    dropMovement(times, raw, cuff);
     if (raw.size() < 2 * kSustainedBeats) {
         result.reason = noPulse;
         return result;
@@ -170,8 +212,7 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
 
     // The line through the rising part: the beats from just before the onset until the
     // amplitude stays above the high share, those between the two shares.
-    double sx = 0, sy = 0, sxx = 0, sxy = 0;
-    int n = 0;
+    QList<qsizetype> rise;
     qsizetype k = std::max<qsizetype>(0, onset - 2);
     for (; k < smooth.size(); ++k) {
         // The rise ends where the amplitude stays above the high share; a single burst above
@@ -181,11 +222,18 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
             break;
         if (smooth[k] < low || smooth[k] > high)
             continue;
-        sx += cuff[k];
-        sy += smooth[k];
-        sxx += cuff[k] * cuff[k];
-        sxy += cuff[k] * smooth[k];
-        ++n;
+        rise << k;
+    }
+    // With enough rising beats the least squares average breathing out of the beats as they
+    // are; with few (a fast deflation, a small pulse) the smoothed ones give the steadier line.
+    const QList<double> &y = rise.size() >= kRawLineBeats ? raw : smooth;
+    double sx = 0, sy = 0, sxx = 0, sxy = 0;
+    const int n = int(rise.size());
+    for (qsizetype r : std::as_const(rise)) {
+        sx += cuff[r];
+        sy += y[r];
+        sxx += cuff[r] * cuff[r];
+        sxy += cuff[r] * y[r];
     }
     const qsizetype riseEnd = std::min(k, smooth.size() - 1);
     double systolic = cuff[onset];
