@@ -4,6 +4,7 @@
 #include <QDebug>
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 // A cuff that never got this high cannot have closed a rodent's tail artery.
@@ -76,15 +77,21 @@ QList<double> EnvelopeOnsetDetector::runningMedian(const QList<double> &values, 
     QList<double> out;
     out.reserve(values.size());
     const qsizetype half = width / 2;
-    QList<double> window;
+    std::vector<double> window;
+    window.reserve(size_t(width));
     for (qsizetype i = 0; i < values.size(); ++i) {
-        window.clear();
-        for (qsizetype j = std::max<qsizetype>(0, i - half);
-             j <= std::min(values.size() - 1, i + half); ++j)
-            window << values[j];
-        std::sort(window.begin(), window.end());
-        const qsizetype m = window.size();
-        out << (m % 2 ? window[m / 2] : 0.5 * (window[m / 2 - 1] + window[m / 2]));
+        const qsizetype from = std::max<qsizetype>(0, i - half);
+        const qsizetype to = std::min(values.size() - 1, i + half);
+        window.assign(values.cbegin() + from, values.cbegin() + to + 1);
+        // Only the middle is needed, not a sorted window.
+        const auto middle = window.begin() + qsizetype(window.size()) / 2;
+        std::nth_element(window.begin(), middle, window.end());
+        if (window.size() % 2) {
+            out << *middle;
+        } else {
+            const double below = *std::max_element(window.begin(), middle);
+            out << 0.5 * (below + *middle);
+        }
     }
     return out;
 }
