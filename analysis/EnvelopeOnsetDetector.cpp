@@ -182,36 +182,55 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         if (raw[k] < 0.5 * plateau)
             closed << raw[k];
     }
-    const double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
-    const double span = plateau - floor;
-    if (span <= 0.0 || plateau <= 0.0) {
+    double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
+    if (plateau <= 0.0 || plateau - floor <= 0.0) {
         result.reason = noPulse;
         return result;
     }
-    const double low = floor + kRiseLow * span;
-    const double high = floor + kRiseHigh * span;
 
     // Onset: the start of the run of beats above the low share that lasts to the end of the
     // recording. Once the artery is open it stays open as the cuff falls, so an earlier run that
     // breaks off again (the animal moving under a closed cuff) is not the pulse coming back.
     // Dips of up to kSustainedBeats - 1 beats inside the run are forgiven.
-    qsizetype onset = -1;
-    int gap = 0;
-    for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
-        if (smooth[k] >= low) {
-            onset = k;
-            gap = 0;
-        } else if (onset >= 0 && ++gap >= kSustainedBeats) {
-            break;
+    const auto findOnset = [&](double low) {
+        qsizetype onset = -1;
+        int gap = 0;
+        for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
+            if (smooth[k] >= low) {
+                onset = k;
+                gap = 0;
+            } else if (onset >= 0 && ++gap >= kSustainedBeats) {
+                break;
+            }
+        }
+        if (onset >= 0) {
+            int run = 0;
+            for (qsizetype k = onset; k < smooth.size() && run < kSustainedBeats; ++k)
+                run = smooth[k] >= low ? run + 1 : 0;
+            if (run < kSustainedBeats)
+                onset = -1;
+        }
+        return onset;
+    };
+    qsizetype onset = findOnset(floor + kRiseLow * (plateau - floor));
+    if (onset > 0) {
+        // The first second holds few beats of the closed artery. With the onset known, the
+        // first half of the time from the cuff's top to it is closed artery too, well above
+        // SBP, and the median of its beats is a steadier floor.
+        QList<double> before;
+        const double closedUntil = 0.5 * (topTime + times[onset]);
+        for (qsizetype k = 0; k < onset && times[k] <= closedUntil; ++k) {
+            if (raw[k] < 0.5 * plateau)
+                before << raw[k];
+        }
+        if (before.size() >= kSustainedBeats) {
+            floor = percentile(before, 0.5);
+            onset = findOnset(floor + kRiseLow * (plateau - floor));
         }
     }
-    if (onset >= 0) {
-        int run = 0;
-        for (qsizetype k = onset; k < smooth.size() && run < kSustainedBeats; ++k)
-            run = smooth[k] >= low ? run + 1 : 0;
-        if (run < kSustainedBeats)
-            onset = -1;
-    }
+    const double span = plateau - floor;
+    const double low = floor + kRiseLow * span;
+    const double high = floor + kRiseHigh * span;
     if (onset < 0) {
         result.reason = noPulse;
         return result;

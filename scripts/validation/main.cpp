@@ -303,6 +303,9 @@ The **refined method** looks at the amplitude envelope during deflation as a who
 3. The pulse has *returned* at the start of the run of beats above a fifth of the way from
    floor to plateau that lasts, with dips of at most three beats, to the end of the cycle. A
    burst of movement under a closed cuff breaks off again and is not taken for the return.
+   Once that moment is known, the floor is taken again, as the median of the beats in the
+   first half of the time from the cuff's peak to the return (all closed artery, well above
+   SBP, and many more beats than one second holds), and the return is found again with it.
 4. A straight line is fitted, by least squares, to amplitude against cuff pressure through the
    rising beats between one fifth and four fifths of the way from floor to plateau: through
    the beats' own amplitudes when the rise holds at least 15 beats (the fit averages the
@@ -455,9 +458,10 @@ int main(int argc, char *argv[])
        << " % of the true rate, outside 1 %: noise lifts extra peaks above the finder's "
           "threshold and some of them are counted as beats. Under every other condition it is "
           "within 1 %.\n\n"
-       << "Groups of 15 cycles are small: on other seeds the two methods come close in a few "
-          "groups (slow deflation SBP SD, cold tail DBP), and the section above shows where the "
-          "refined method came out worse.\n";
+       << "Groups of 15 cycles are small, and a single cycle moves their SD: on some other "
+          "seeds one group comes out marginally worse for the refined method (a burst of "
+          "movement right at the systolic point, a very noisy mouse cycle). That is why the "
+          "comparison above is repeated on four times as many other cycles.\n";
     md.flush();
     QTextStream out(stdout);
     out << "wrote " << file.fileName() << " from " << all.size() << " cycles\n";
