@@ -1,49 +1,23 @@
 #include "analysis/CorvidaExperiment.h"
 
 #include "analysis/EnvelopeOnsetDetector.h"
+#include "analysis/ExperimentFiles.h"
 #include "analysis/PeakFinder.h"
 #include "settings/AbstractMetaDescription.h"
-#include "storage/EDFMarkRewriter.h"
-#include "storage/EDFReader.h"
-#include "storage/EDFWriter.h"
 #include "storage/RecordFileNames.h"
-#include "toolkit/FileUtilities.h"
 #include "toolkit/GenericText.h"
 #include "toolkit/QuorvexCommon.h"
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 #include <QXmlStreamReader>
 #include <cmath>
 
 namespace {
-// The pressure and pulse channels share the 16-bit range of the raw channels: 32767 / 4 mmHg and
-// 32767 x 3.6 / 65536 V.
-constexpr double kPressureRange = 8191.75;
-constexpr double kPulseRange = 1.799945068359375;
-constexpr double kRawRange = 32767.0;
-// Volts per count of the pulse sensor (3.6 / 65536) and of the IR channel (2.64 / 65536).
-constexpr double kPulseVoltsPerCount = 0.000054931640625;
-constexpr double kIrVoltsPerCount = 0.000040283203125;
 // Markers earlier than this are not believed: the cuff has not even finished inflating.
 constexpr double kEarliestMarker = 4.0;
-// Below this much free space a failed write is taken for a full disk.
-constexpr qint64 kFullDiskBytes = 1 << 20;
-
-// A marker time as the onset of its mark in whole milliseconds, cut toward zero. A time read
-// back from a mark (ms / 1000) times 1000 may land a hair below the whole number; the small
-// allowance keeps such a marker on its own millisecond instead of moving it back by one.
-qint64 markOnset(double seconds)
-{
-    return qint64(seconds * 1000.0 + 1e-6);
-}
-
-const QString kSbpMark = QStringLiteral("SBP");
-const QString kDbpMark = QStringLiteral("DBP");
 } // namespace
 
 CorvidaExperiment::CorvidaExperiment(QObject *parent)
@@ -250,67 +224,21 @@ void CorvidaExperiment::setRecordingPath(const QString &edfPath)
     m_marksKnown = false;
 }
 
-QPair<qint64, qint64> CorvidaExperiment::wantedMarks() const
-{
-    return {m_SBPTime > 0 ? markOnset(m_SBPTime) : -1, m_DBPTime > 0 ? markOnset(m_DBPTime) : -1};
-}
-
-bool CorvidaExperiment::readRecordingMarks()
-{
-    EDFReader reader(recordingPath());
-    if (!reader.open())
-        return false;
-    m_sbpMarks.clear();
-    m_dbpMarks.clear();
-    const QMap<qint64, QString> marks = reader.getAnnotations();
-    for (auto it = marks.cbegin(); it != marks.cend(); ++it) {
-        if (it.value() == kSbpMark)
-            m_sbpMarks << it.key();
-        else if (it.value() == kDbpMark)
-            m_dbpMarks << it.key();
-    }
-    m_marksKnown = true;
-    return true;
-}
-
 bool CorvidaExperiment::updateRecordingMarks(QString *error)
 {
-    const QString edfPath = recordingPath();
-    if (edfPath.isEmpty() || !QFile::exists(edfPath))
-        return true;
-    if (!m_marksKnown && !readRecordingMarks()) {
-        // A recording we cannot read is left exactly as it is.
-        if (error)
-            *error = saveFailedText(edfPath, tr("the recording cannot be read"));
-        return false;
-    }
-    const QPair<qint64, qint64> wanted = wantedMarks();
-    const QList<qint64> sbp = wanted.first >= 0 ? QList<qint64>{wanted.first} : QList<qint64>();
-    const QList<qint64> dbp = wanted.second >= 0 ? QList<qint64>{wanted.second} : QList<qint64>();
-    if (sbp == m_sbpMarks && dbp == m_dbpMarks)
-        return true;
-    QList<EDFMarkRewriter::Mark> marks;
-    if (wanted.first >= 0)
-        marks << EDFMarkRewriter::Mark(kSbpMark, wanted.first);
-    if (wanted.second >= 0)
-        marks << EDFMarkRewriter::Mark(kDbpMark, wanted.second);
-    QString why;
-    if (!EDFMarkRewriter::replaceMarks(edfPath, {kSbpMark, kDbpMark}, marks, &why)) {
-        qDebug().noquote() << "RECORD: the marks of" << edfPath << "were not updated -" << why;
-        if (error)
-            *error = saveFailedText(edfPath, why);
-        return false;
-    }
-    m_sbpMarks = sbp;
-    m_dbpMarks = dbp;
-    return true;
+    return ExperimentFiles(*this).updateRecordingMarks(error);
+}
+
+bool CorvidaExperiment::save(const QString &folder, QString *error)
+{
+    return ExperimentFiles(*this).save(folder, error);
 }
 
 bool CorvidaExperiment::saveProperties(QString *error)
 {
     if (!VTSettings::save()) {
         if (error)
-            *error = saveFailedText(getFilepath(), QString());
+            *error = ExperimentFiles::saveFailedText(getFilepath(), QString());
         return false;
     }
     return updateRecordingMarks(error);
@@ -464,47 +392,11 @@ void CorvidaExperiment::loadSeries()
     // Reading ends in a recalculation, which may ask for the series again.
     if (m_loading)
         return;
-    const QString edfPath = recordingPath();
-    if (edfPath.isEmpty() || !QFile::exists(edfPath))
-        return;
-
     m_loading = true;
-    EDFReader reader(edfPath);
-    if (!reader.open() || reader.samplesInFile() < 1) {
+    if (!ExperimentFiles(*this).readSeries()) {
         m_loading = false;
         return;
     }
-    const QStringList names = reader.getChannelNames();
-    const int pressureChannel = int(names.indexOf(QStringLiteral("Pressure")));
-    const int pulseChannel = int(names.indexOf(QStringLiteral("Pulse")));
-    if (pressureChannel < 0 || pulseChannel < 0) {
-        m_loading = false;
-        return;
-    }
-    m_samplingRate = reader.getSamplingRate();
-    if (reader.startDateTime().isValid())
-        m_startDateTime = reader.startDateTime();
-    const qint64 n = reader.samplesInFile();
-    // The file holds the series negated once more than the reader undoes; see save().
-    m_pressure = reader.getChannelData(pressureChannel, 0, int(n));
-    for (double &v : m_pressure)
-        v = -v;
-    m_pulse = reader.getChannelData(pulseChannel, 0, int(n));
-    for (double &v : m_pulse)
-        v = -v;
-
-    // Markers written as marks fill in what the ".exp" file does not already hold.
-    const QMap<qint64, QString> marks = reader.getAnnotations();
-    reader.close();
-    m_sbpMarks.clear();
-    m_dbpMarks.clear();
-    for (auto it = marks.cbegin(); it != marks.cend(); ++it) {
-        if (it.value() == kSbpMark)
-            m_sbpMarks << it.key();
-        else if (it.value() == kDbpMark)
-            m_dbpMarks << it.key();
-    }
-    m_marksKnown = true;
     // A marker time the ".exp" file holds as "not set" was cleared on purpose (a reset): a mark
     // left in the recording by an older save must not bring it back.
     const auto wantsMark = [this](double time, double pressure, const char *name) {
@@ -546,13 +438,18 @@ void CorvidaExperiment::recalculate(bool reset)
 {
     ++m_markerBatch;
     recalculateMarkers(reset);
+    endMarkerBatch();
+    if (reset)
+        emit bpResetted();
+}
+
+void CorvidaExperiment::endMarkerBatch()
+{
     --m_markerBatch;
     if (m_markerBatch == 0 && m_markersPending) {
         m_markersPending = false;
         markerTimeChanged();
     }
-    if (reset)
-        emit bpResetted();
 }
 
 void CorvidaExperiment::recalculateMarkers(bool reset)
@@ -564,6 +461,19 @@ void CorvidaExperiment::recalculateMarkers(bool reset)
         clearMarker(m_SBPTime, &CorvidaExperiment::changedSBPTime, "SBPTime");
         m_markersPending = true;
     }
+    findBeats();
+    if (m_beats.size() > 2 || usesRefinedMethod()) {
+        const QPair<double, double> found = automaticMarkers();
+        // A complete marker pair is the operator's or an earlier run's: it stays.
+        if (m_SBP == 0.0 || m_SBPTime == 0.0)
+            setSBPTime(found.first);
+        if (m_DBP == 0.0 || m_DBPTime == 0.0)
+            setDBPTime(found.second);
+    }
+}
+
+void CorvidaExperiment::findBeats()
+{
     if (m_pulse.isEmpty())
         loadSeries();
     ensurePeakFinder();
@@ -577,17 +487,46 @@ void CorvidaExperiment::recalculateMarkers(bool reset)
         m_heartRate << QPointF(p.x(), p.y() > 0 ? 60.0 / p.y() : 0.0);
     m_amplitude = m_peakFinder->amplitudeSeries();
     setBPM(m_peakFinder->heartRate());
-
     m_detectionNote.clear();
-    if (m_beats.size() > 2 || usesRefinedMethod()) {
-        const QPair<double, double> found =
-            usesRefinedMethod() ? refinedMarkers() : documentedMarkers();
-        // A complete marker pair is the operator's or an earlier run's: it stays.
-        if (m_SBP == 0.0 || m_SBPTime == 0.0)
-            setSBPTime(found.first);
-        if (m_DBP == 0.0 || m_DBPTime == 0.0)
-            setDBPTime(found.second);
-    }
+}
+
+QPair<double, double> CorvidaExperiment::automaticMarkers()
+{
+    m_detectionNote.clear();
+    if (usesRefinedMethod())
+        return refinedMarkers();
+    return m_beats.size() > 2 ? documentedMarkers() : QPair<double, double>(0.0, 0.0);
+}
+
+void CorvidaExperiment::changeMethod(const QString &Method)
+{
+    const QString wanted = Method == refinedMethod() ? Method : QString();
+    if (wanted == m_Method)
+        return;
+    findBeats();
+    // A marker where the record's own way puts it was placed by that way and moves to where the
+    // new way puts it; one anywhere else was placed by hand and stays. Times read back from a
+    // file may differ from the found ones by the rounding of the file.
+    const QPair<double, double> before = automaticMarkers();
+    const auto byHand = [](double time, double found) {
+        return time > 0.0 && std::abs(time - found) > 0.002;
+    };
+    const bool systolicByHand = byHand(m_SBPTime, before.first);
+    const bool diastolicByHand = byHand(m_DBPTime, before.second);
+    ++m_markerBatch;
+    setMethod(wanted);
+    const QPair<double, double> found = automaticMarkers();
+    if (!systolicByHand)
+        setSBPTime(found.first);
+    if (!diastolicByHand)
+        setDBPTime(found.second);
+    endMarkerBatch();
+}
+
+QString CorvidaExperiment::methodText(bool refined)
+{
+    return refined ? genericText(QT_TRANSLATE_NOOP("Generic", "Refined"))
+                   : genericText(QT_TRANSLATE_NOOP("Generic", "Documented"));
 }
 
 QPair<double, double> CorvidaExperiment::documentedMarkers()
@@ -615,186 +554,6 @@ QPair<double, double> CorvidaExperiment::refinedMarkers()
         EnvelopeOnsetDetector::detect(m_pressure, m_amplitude, m_samplingRate);
     m_detectionNote = r.reason;
     return {r.systolicTime, r.diastolicTime};
-}
-
-bool CorvidaExperiment::writeEdf(const QString &edfPath, const QString &writePath, QString *error)
-{
-    const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
-    const bool withRaw = m_raw.size() == 4 && m_raw.first().size() >= n && m_raw[1].size() >= n &&
-                         m_raw[2].size() >= n && m_raw[3].size() >= n;
-    QList<ChannelDim> channels = {ChannelDim(QStringLiteral("Pressure"), kPressureRange),
-                                  ChannelDim(QStringLiteral("Pulse"), kPulseRange)};
-    if (withRaw) {
-        for (const char *name : {"MPX", "AC", "DC", "IR"})
-            channels << ChannelDim(QString::fromLatin1(name), kRawRange);
-    }
-
-    const qint64 startMs = m_startDateTime.toMSecsSinceEpoch();
-    EDFWriter writer(writePath, channels, int(m_samplingRate), [startMs] { return startMs; });
-    PatientInfo info;
-    info.patientName = m_Rodent;
-    info.equipment = m_SN;
-    info.recordingAdditional = m_Comment;
-    const QDate date = m_startDateTime.date();
-    const QTime time = m_startDateTime.time();
-    info.startYear = date.year();
-    info.startMonth = date.month();
-    info.startDay = date.day();
-    info.startHour = time.hour();
-    info.startMinute = time.minute();
-    info.startSecond = time.second();
-    info.startMillisecond = time.msec();
-    writer.setPatientInfo(info);
-    writer.takeStartTime(startMs);
-    if (!writer.isOpen()) {
-        if (error)
-            *error = cannotOpenText(edfPath);
-        return false;
-    }
-
-    // Samples go in negated; the writer negates once more and the reader undoes both on loading.
-    constexpr qsizetype kChunk = 10000;
-    QList<QList<float>> block(channels.size());
-    for (qsizetype at = 0; at < n; at += kChunk) {
-        const qsizetype m = std::min(kChunk, n - at);
-        for (auto &c : block)
-            c.resize(m);
-        for (qsizetype i = 0; i < m; ++i) {
-            const qsizetype k = at + i;
-            block[0][i] = float(-m_pressure[k]);
-            block[1][i] = float(-m_pulse[k]);
-            if (withRaw) {
-                block[2][i] = float(-m_raw[0][k] * 4.0);
-                block[3][i] = float(-m_raw[1][k] / kPulseVoltsPerCount);
-                block[4][i] = float(-m_raw[2][k] / kPulseVoltsPerCount);
-                block[5][i] = float(-m_raw[3][k] / kIrVoltsPerCount);
-            }
-        }
-        writer.writeData(block);
-    }
-    bool marked = true;
-    const QPair<qint64, qint64> marks = wantedMarks();
-    if (marks.first >= 0)
-        marked &= writer.addAnnotation(kSbpMark, int(marks.first), -1) >= 0;
-    if (marks.second >= 0)
-        marked &= writer.addAnnotation(kDbpMark, int(marks.second), -1) >= 0;
-    if (!writer.close(true) || !marked) {
-        if (error)
-            *error = saveFailedText(edfPath, QString());
-        return false;
-    }
-    return true;
-}
-
-QString CorvidaExperiment::cannotOpenText(const QString &edfPath)
-{
-    return genericText(QT_TRANSLATE_NOOP("Generic", "Cannot open")) + QStringLiteral(" \"") +
-           edfPath + QStringLiteral("\" ") +
-           genericText(QT_TRANSLATE_NOOP("Generic", "for record"));
-}
-
-QString CorvidaExperiment::saveFailedText(const QString &path, const QString &why) const
-{
-    QString reason = why;
-    const QStorageInfo disk(QFileInfo(path).absolutePath());
-    if (disk.isValid() && disk.bytesAvailable() >= 0 && disk.bytesAvailable() < kFullDiskBytes)
-        reason = tr("the disk is full");
-    QString text = tr("The record could not be written to") + QStringLiteral(" \"") +
-                   QDir::toNativeSeparators(path) + QLatin1Char('"');
-    if (!reason.isEmpty())
-        text += QStringLiteral(": ") + reason;
-    return text;
-}
-
-bool CorvidaExperiment::save(const QString &folder, QString *error)
-{
-    const qsizetype n = std::min(m_pressure.size(), m_pulse.size());
-    if (m_samplingRate < 1.0) {
-        if (error)
-            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Invalid sampling rate"));
-        return false;
-    }
-    if (m_samplingRate > double(n)) {
-        if (error)
-            *error = genericText(QT_TRANSLATE_NOOP("Generic", "Experiment is too short"));
-        return false;
-    }
-
-    QString dir = QDir::fromNativeSeparators(folder);
-    if (!dir.endsWith(QLatin1Char('/')))
-        dir += QLatin1Char('/');
-    // The ".edf" file is what makes a record in the folder: it is written under another name
-    // and only takes its own once the ".exp" file is there too. Creating that file is what
-    // claims the name: a second program saving in the same second finds it taken and moves on
-    // to the next free name instead of writing over this one.
-    QuorvexCommon::CreateDirIfNotExists(dir);
-    QSet<QString> taken = RecordFileNames::takenNames(dir);
-    QString base;
-    QFile claim;
-    for (int attempt = 0; attempt < 1000; ++attempt) {
-        base = dir + RecordFileNames::freeBaseName(taken, baseFileName());
-        claim.setFileName(base + RecordFileNames::partSuffix());
-        if (claim.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            break;
-        if (!QFile::exists(claim.fileName())) {
-            // Not a name clash: the folder cannot be written.
-            qDebug().noquote() << "RECORD: cannot create" << claim.fileName() << "-"
-                               << claim.errorString();
-            if (error)
-                *error = cannotOpenText(base + RecordFileNames::edfSuffix());
-            return false;
-        }
-        RecordFileNames::take(taken, QFileInfo(base).fileName());
-    }
-    if (!claim.isOpen()) {
-        if (error)
-            *error = saveFailedText(dir, QString());
-        return false;
-    }
-    claim.close();
-    const QString edfPath = base + RecordFileNames::edfSuffix();
-    const QString expPath = base + RecordFileNames::expSuffix();
-    const QString partPath = claim.fileName();
-
-    QString why;
-    if (!writeEdf(edfPath, partPath, error)) {
-        QFile::remove(partPath);
-        return false;
-    }
-    if (!FileUtilities::syncFile(partPath)) {
-        QFile::remove(partPath);
-        if (error)
-            *error = saveFailedText(edfPath, QString());
-        return false;
-    }
-
-    const QString previousPath = getFilepath();
-    const bool previousAutoSave = getAutoSave();
-    const QString previousRecording = m_recordingPath;
-    m_recordingPath.clear();
-    setFilepath(expPath);
-    setAutoSave(true);
-    bool ok = VTSettings::save();
-    if (!ok)
-        why = saveFailedText(expPath, QString());
-    else if (!FileUtilities::renameNoReplace(partPath, edfPath, &why))
-        why = saveFailedText(edfPath, why);
-    if (!ok || !why.isEmpty()) {
-        QFile::remove(partPath);
-        QFile::remove(expPath);
-        setFilepath(previousPath);
-        setAutoSave(previousAutoSave);
-        m_recordingPath = previousRecording;
-        if (error)
-            *error = why;
-        return false;
-    }
-    FileUtilities::syncFolder(dir);
-    const QPair<qint64, qint64> written = wantedMarks();
-    m_sbpMarks = written.first >= 0 ? QList<qint64>{written.first} : QList<qint64>();
-    m_dbpMarks = written.second >= 0 ? QList<qint64>{written.second} : QList<qint64>();
-    m_marksKnown = true;
-    return true;
 }
 
 QList<QList<QVariant>> CorvidaExperiment::exportTable(bool essentialOnly)

@@ -128,6 +128,9 @@ public:
     QString getMethod() const { return m_Method; }
     static QString refinedMethod() { return QStringLiteral("refined"); }
     bool usesRefinedMethod() const { return m_Method == refinedMethod(); }
+    // The way's name for the operator: "Documented" or "Refined", translated.
+    static QString methodText(bool refined);
+    QString methodText() const { return methodText(usesRefinedMethod()); }
     // Why the last recalculation placed no markers, when the refined way found no pulse.
     QString detectionNote() const { return m_detectionNote; }
 
@@ -196,6 +199,10 @@ public:
     // Finds the beats, the heart rate and the markers again. Markers that are set (both time and
     // pressure non-zero) are kept unless `reset` clears them first.
     void recalculate(bool reset);
+
+    // Makes `Method` the record's way and lets it place the markers again. Markers placed by
+    // hand stay where they are; those the old way placed (or none) take the new way's places.
+    void changeMethod(const QString &Method);
 
     // The result rows, and unless `essentialOnly` the sampling rate and every sample.
     QList<QList<QVariant>> exportTable(bool essentialOnly);
@@ -275,6 +282,9 @@ protected:
     PeakFinder *m_peakFinder = nullptr;
 
 private:
+    // Writing the record's files is a job of its own; it reads and updates the fields below.
+    friend class ExperimentFiles;
+
     // Stores a marker time as it is, without reading the series for its pressure: reading a
     // record's ".exp" file must not load its recording.
     void storeSBPTime(double SBPTime);
@@ -283,6 +293,11 @@ private:
     void assign(T &member, const T &value, Signal signal, const char *name);
     void setMarkerTime(double &time, double &pressure, double t, bool systolic);
     void recalculateMarkers(bool reset);
+    void endMarkerBatch();
+    // The beats, heart-rate and amplitude series and the mean heart rate, found anew.
+    void findBeats();
+    // Where the record's own way puts the markers in the current beats (0: not found).
+    QPair<double, double> automaticMarkers();
     // The systolic and diastolic times the record's method finds in the current beats.
     QPair<double, double> documentedMarkers();
     QPair<double, double> refinedMarkers();
@@ -290,14 +305,8 @@ private:
     void ensureSeries();
     double markerPressure(double t);
     void clearMarker(double &value, void (CorvidaExperiment::*signal)(double), const char *name);
-    bool writeEdf(const QString &edfPath, const QString &writePath, QString *error);
-    QString saveFailedText(const QString &path, const QString &why) const;
-    static QString cannotOpenText(const QString &edfPath);
     // Called whenever a marker time changes: with automatic saving on, the recording follows.
     void markerTimeChanged();
-    // The SBP and DBP onsets (ms) the markers ask for; -1 for a marker that is not set.
-    QPair<qint64, qint64> wantedMarks() const;
-    bool readRecordingMarks();
     bool propertiesFileHolds(const QString &name) const;
 
     QString m_Rodent;

@@ -4,6 +4,7 @@
 #include <QDebug>
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 // A cuff that never got this high cannot have closed a rodent's tail artery.
@@ -14,8 +15,16 @@ constexpr double kFloorSeconds = 1.0;
 // The rising part used for the line, as shares of the way from floor to plateau.
 constexpr double kRiseLow = 0.2;
 constexpr double kRiseHigh = 0.8;
+// From this many beats in the rising part on, the line goes through the beats themselves.
+constexpr int kRawLineBeats = 15;
 // The pulse counts as back once this many smoothed beats in a row are above the low share.
 constexpr int kSustainedBeats = 4;
+// A beat is taken for movement when its amplitude is this many times the typical amplitude of
+// the beats around it (a running median over kLocalBeats beats, wider than the longest burst of
+// movement), and at least half the plateau: a moving tail swings the sensor far more than any
+// pulse, but the pulse of the open artery is never much above its neighbours.
+constexpr double kMovementFactor = 1.6;
+constexpr int kLocalBeats = 25;
 // The pressure is averaged over this many samples before its crossings are looked for, so a
 // noisy sample does not place a marker early.
 constexpr int kPressureSmoothing = 50;
@@ -68,17 +77,52 @@ QList<double> EnvelopeOnsetDetector::runningMedian(const QList<double> &values, 
     QList<double> out;
     out.reserve(values.size());
     const qsizetype half = width / 2;
-    QList<double> window;
+    std::vector<double> window;
+    window.reserve(size_t(width));
     for (qsizetype i = 0; i < values.size(); ++i) {
-        window.clear();
-        for (qsizetype j = std::max<qsizetype>(0, i - half);
-             j <= std::min(values.size() - 1, i + half); ++j)
-            window << values[j];
-        std::sort(window.begin(), window.end());
-        const qsizetype m = window.size();
-        out << (m % 2 ? window[m / 2] : 0.5 * (window[m / 2 - 1] + window[m / 2]));
+        const qsizetype from = std::max<qsizetype>(0, i - half);
+        const qsizetype to = std::min(values.size() - 1, i + half);
+        window.assign(values.cbegin() + from, values.cbegin() + to + 1);
+        // Only the middle is needed, not a sorted window.
+        const auto middle = window.begin() + qsizetype(window.size()) / 2;
+        std::nth_element(window.begin(), middle, window.end());
+        if (window.size() % 2) {
+            out << *middle;
+        } else {
+            const double below = *std::max_element(window.begin(), middle);
+            out << 0.5 * (below + *middle);
+        }
     }
     return out;
+}
+
+void EnvelopeOnsetDetector::dropMovement(QList<double> &times, QList<double> &amplitudes,
+                                         QList<double> &cuff)
+{
+    // The typical amplitude around each beat; its upper values are the open artery's pulse.
+    const QList<double> local = runningMedian(amplitudes, kLocalBeats);
+    const double plateau = percentile(local, 0.9);
+    const qsizetype n = amplitudes.size();
+    QList<bool> moving(n, false);
+    for (qsizetype k = 0; k < n; ++k) {
+        if (amplitudes[k] > kMovementFactor * local[k] && amplitudes[k] > 0.5 * plateau) {
+            // The edges of a burst are weaker but still not pulse: a beat on each side goes too.
+            for (qsizetype j = std::max<qsizetype>(0, k - 1); j <= std::min(n - 1, k + 1); ++j)
+                moving[j] = true;
+        }
+    }
+    qsizetype kept = 0;
+    for (qsizetype k = 0; k < n; ++k) {
+        if (moving[k])
+            continue;
+        times[kept] = times[k];
+        amplitudes[kept] = amplitudes[k];
+        cuff[kept] = cuff[k];
+        ++kept;
+    }
+    times.resize(kept);
+    amplitudes.resize(kept);
+    cuff.resize(kept);
 }
 
 EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> &pressure,
@@ -113,6 +157,11 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         result.reason = noPulse;
         return result;
     }
+    dropMovement(times, raw, cuff);
+    if (raw.size() < 2 * kSustainedBeats) {
+        result.reason = noPulse;
+        return result;
+    }
     const QList<double> smooth = runningMedian(raw, 5);
 
     // Plateau: the open artery, which holds most of the beats from the diastolic pressure down,
@@ -133,36 +182,55 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         if (raw[k] < 0.5 * plateau)
             closed << raw[k];
     }
-    const double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
-    const double span = plateau - floor;
-    if (span <= 0.0 || plateau <= 0.0) {
+    double floor = closed.isEmpty() ? 0.0 : percentile(closed, 0.5);
+    if (plateau <= 0.0 || plateau - floor <= 0.0) {
         result.reason = noPulse;
         return result;
     }
-    const double low = floor + kRiseLow * span;
-    const double high = floor + kRiseHigh * span;
 
     // Onset: the start of the run of beats above the low share that lasts to the end of the
     // recording. Once the artery is open it stays open as the cuff falls, so an earlier run that
     // breaks off again (the animal moving under a closed cuff) is not the pulse coming back.
     // Dips of up to kSustainedBeats - 1 beats inside the run are forgiven.
-    qsizetype onset = -1;
-    int gap = 0;
-    for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
-        if (smooth[k] >= low) {
-            onset = k;
-            gap = 0;
-        } else if (onset >= 0 && ++gap >= kSustainedBeats) {
-            break;
+    const auto findOnset = [&](double low) {
+        qsizetype onset = -1;
+        int gap = 0;
+        for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
+            if (smooth[k] >= low) {
+                onset = k;
+                gap = 0;
+            } else if (onset >= 0 && ++gap >= kSustainedBeats) {
+                break;
+            }
+        }
+        if (onset >= 0) {
+            int run = 0;
+            for (qsizetype k = onset; k < smooth.size() && run < kSustainedBeats; ++k)
+                run = smooth[k] >= low ? run + 1 : 0;
+            if (run < kSustainedBeats)
+                onset = -1;
+        }
+        return onset;
+    };
+    qsizetype onset = findOnset(floor + kRiseLow * (plateau - floor));
+    if (onset > 0) {
+        // The first second holds few beats of the closed artery. With the onset known, the
+        // first half of the time from the cuff's top to it is closed artery too, well above
+        // SBP, and the median of its beats is a steadier floor.
+        QList<double> before;
+        const double closedUntil = 0.5 * (topTime + times[onset]);
+        for (qsizetype k = 0; k < onset && times[k] <= closedUntil; ++k) {
+            if (raw[k] < 0.5 * plateau)
+                before << raw[k];
+        }
+        if (before.size() >= kSustainedBeats) {
+            floor = percentile(before, 0.5);
+            onset = findOnset(floor + kRiseLow * (plateau - floor));
         }
     }
-    if (onset >= 0) {
-        int run = 0;
-        for (qsizetype k = onset; k < smooth.size() && run < kSustainedBeats; ++k)
-            run = smooth[k] >= low ? run + 1 : 0;
-        if (run < kSustainedBeats)
-            onset = -1;
-    }
+    const double span = plateau - floor;
+    const double low = floor + kRiseLow * span;
+    const double high = floor + kRiseHigh * span;
     if (onset < 0) {
         result.reason = noPulse;
         return result;
@@ -170,8 +238,7 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
 
     // The line through the rising part: the beats from just before the onset until the
     // amplitude stays above the high share, those between the two shares.
-    double sx = 0, sy = 0, sxx = 0, sxy = 0;
-    int n = 0;
+    QList<qsizetype> rise;
     qsizetype k = std::max<qsizetype>(0, onset - 2);
     for (; k < smooth.size(); ++k) {
         // The rise ends where the amplitude stays above the high share; a single burst above
@@ -181,11 +248,18 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
             break;
         if (smooth[k] < low || smooth[k] > high)
             continue;
-        sx += cuff[k];
-        sy += smooth[k];
-        sxx += cuff[k] * cuff[k];
-        sxy += cuff[k] * smooth[k];
-        ++n;
+        rise << k;
+    }
+    // With enough rising beats the least squares average breathing out of the beats as they
+    // are; with few (a fast deflation, a small pulse) the smoothed ones give the steadier line.
+    const QList<double> &y = rise.size() >= kRawLineBeats ? raw : smooth;
+    double sx = 0, sy = 0, sxx = 0, sxy = 0;
+    const int n = int(rise.size());
+    for (qsizetype r : std::as_const(rise)) {
+        sx += cuff[r];
+        sy += y[r];
+        sxx += cuff[r] * cuff[r];
+        sxy += cuff[r] * y[r];
     }
     const qsizetype riseEnd = std::min(k, smooth.size() - 1);
     double systolic = cuff[onset];

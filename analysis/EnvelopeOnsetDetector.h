@@ -33,6 +33,10 @@ public:
     static Result detect(const QList<double> &pressure, const QList<QPointF> &amplitudes,
                          double samplingRate);
 
+    // Leaves out the beats of a moving animal: those far above the beats around them. The three
+    // lists describe the same beats and are shortened together.
+    static void dropMovement(QList<double> &times, QList<double> &amplitudes, QList<double> &cuff);
+
     // Running median over `width` points (odd), the ends using what is there.
     static QList<double> runningMedian(const QList<double> &values, int width);
 };

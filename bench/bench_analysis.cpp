@@ -1,10 +1,12 @@
 // Cost of analysing a record: the full recalculation of a 10-minute record (both ways of placing
-// the markers, and the placing alone), and the live heart rate over the last three seconds.
+// the markers, and the placing alone, with the ratio refined / documented), and the live heart
+// rate over the last three seconds.
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "analysis/EnvelopeOnsetDetector.h"
 #include "analysis/PeakFinder.h"
 
 #include <benchmark/benchmark.h>
+#include <chrono>
 #include <cmath>
 
 namespace {
@@ -75,6 +77,55 @@ void BM_PlaceMarkers10Minutes(benchmark::State &state)
     benchmark::DoNotOptimize(sink);
 }
 BENCHMARK(BM_PlaceMarkers10Minutes)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+
+// Both ways on the same 10-minute record, in turns, and the ratio of their times
+// (refined / documented): for the whole recalculation and for the marker placing alone.
+void BM_RefinedOverDocumented10Minutes(benchmark::State &state)
+{
+    using Clock = std::chrono::steady_clock;
+    CorvidaOnlineExperiment documented, refined;
+    const QList<QList<double>> data = tenMinutes();
+    for (CorvidaOnlineExperiment *e : {&documented, &refined}) {
+        e->setClock([] { return qint64(0); });
+        e->setSamplingRate(1000);
+        e->updateData(data);
+    }
+    refined.setMethod(CorvidaExperiment::refinedMethod());
+    documented.recalculate(true);
+    PeakFinder *finder = documented.peakFinder();
+    const QList<int> beats = documented.beats();
+    const QList<QPointF> amplitudes = documented.amplitudeSeries();
+    double recalcDocumented = 0, recalcRefined = 0, placeDocumented = 0, placeRefined = 0;
+    double sink = 0;
+    const auto seconds = [](Clock::time_point from) {
+        return std::chrono::duration<double>(Clock::now() - from).count();
+    };
+    for (auto _ : state) {
+        Clock::time_point t = Clock::now();
+        documented.recalculate(true);
+        recalcDocumented += seconds(t);
+        t = Clock::now();
+        refined.recalculate(true);
+        recalcRefined += seconds(t);
+        t = Clock::now();
+        const QList<int> regular = finder->selectRegularBeats(beats);
+        const int c = PeakFinder::chooseSystolicBeat(regular);
+        sink += finder->findDiastolicTime(regular.value(c) / 1000.0, data[0]);
+        placeDocumented += seconds(t);
+        t = Clock::now();
+        sink += EnvelopeOnsetDetector::detect(data[0], amplitudes, 1000).systolicTime;
+        placeRefined += seconds(t);
+    }
+    benchmark::DoNotOptimize(sink);
+    const double n = double(state.iterations());
+    state.counters["recalc_documented_ms"] = 1000 * recalcDocumented / n;
+    state.counters["recalc_refined_ms"] = 1000 * recalcRefined / n;
+    state.counters["recalc_ratio"] = recalcRefined / recalcDocumented;
+    state.counters["place_documented_us"] = 1e6 * placeDocumented / n;
+    state.counters["place_refined_us"] = 1e6 * placeRefined / n;
+    state.counters["place_ratio"] = placeRefined / placeDocumented;
+}
+BENCHMARK(BM_RefinedOverDocumented10Minutes)->Unit(benchmark::kMillisecond);
 
 void BM_LiveHeartRate3Seconds(benchmark::State &state)
 {

@@ -135,7 +135,7 @@ public:
                    resetDetectionMethod NOTIFY changedDetectionMethod)
     Q_CLASSINFO("DetectionMethodNotVisible", "true")
     Q_CLASSINFO("DetectionMethodEditable", "true")
-    Q_CLASSINFO("DetectionMethodDefault", "\"documented\"")
+    Q_CLASSINFO("DetectionMethodDefault", "documented")
 
     Q_PROPERTY(QString LastExperimentPath READ getLastExperimentPath WRITE setLastExperimentPath
                    RESET resetLastExperimentPath NOTIFY changedLastExperimentPath)

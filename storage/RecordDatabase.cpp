@@ -316,7 +316,8 @@ QStringList RecordDatabase::columnHeaders()
             genericText(QT_TRANSLATE_NOOP("Generic", "Comment")),
             genericText(QT_TRANSLATE_NOOP("Generic", "Pressure")),
             genericText(QT_TRANSLATE_NOOP("Generic", "MAP")),
-            genericText(QT_TRANSLATE_NOOP("Generic", "Heart rate"))};
+            genericText(QT_TRANSLATE_NOOP("Generic", "Heart rate")),
+            genericText(QT_TRANSLATE_NOOP("Generic", "Method"))};
 }
 
 QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
@@ -340,6 +341,8 @@ QString RecordDatabase::cellText(const CorvidaExperiment *record, int column)
     case HeartRateColumn:
         return record->getBPM() > 0 ? QString::number(record->getBPM(), 'f', 0)
                                     : QStringLiteral("?");
+    case MethodColumn:
+        return record->methodText();
     default:
         return QString();
     }

@@ -30,6 +30,8 @@ public:
         PressureColumn,
         MAPColumn,
         HeartRateColumn,
+        // Which way placed the markers: "Documented" or "Refined".
+        MethodColumn,
         ColumnCount
     };
     Q_ENUM(Column)
@@ -87,7 +89,7 @@ public:
     // The given records in the order of the list (those not listed are dropped).
     QList<CorvidaExperiment *> inListOrder(const QList<CorvidaExperiment *> &records) const;
 
-    // The list's columns: Title, Rodent, Comment, Pressure.
+    // The list's columns: Title, Rodent, Comment, Pressure, MAP, Heart rate, Method.
     static QStringList columnHeaders();
     static QString cellText(const CorvidaExperiment *record, int column);
     QString text(int row, int column) const;

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace {
 QString essential()
@@ -96,8 +97,9 @@ XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
 {
     XLSXTable table;
     QList<QVariant> header;
-    for (const QString &title : RecordDatabase::columnHeaders())
-        header << title;
+    const QStringList titles = RecordDatabase::columnHeaders();
+    for (int c = 0; c < RecordDatabase::MethodColumn; ++c)
+        header << titles[c];
     // Beside the list's texts, the values a statistician computes with: numbers, a real date,
     // and an empty cell for what was not found (a 0 would pull a mean down).
     const auto withUnit = [](const char *name, const char *unit) {
@@ -107,10 +109,13 @@ XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
            << withUnit(QT_TRANSLATE_NOOP("Generic", "DBP"), QT_TRANSLATE_NOOP("Generic", "mmHg"))
            << withUnit(QT_TRANSLATE_NOOP("Generic", "Pulse"), QT_TRANSLATE_NOOP("Generic", "bpm"))
            << QCoreApplication::translate("RecordExport", "Start");
+    const bool withMethod = anyRefined(records);
+    if (withMethod)
+        header << titles[RecordDatabase::MethodColumn];
     table << header;
     for (const CorvidaExperiment *record : records) {
         QList<QVariant> row;
-        for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
+        for (int c = 0; c < RecordDatabase::MethodColumn; ++c)
             row << RecordDatabase::cellText(record, c);
         // Pressures of a unit without its calibration are sensor values: no mmHg to compute with.
         const bool mmHg = !record->isUncalibrated();
@@ -121,6 +126,8 @@ XLSXTable RecordExport::summaryTable(const QList<CorvidaExperiment *> &records)
             << found(record->getBPM(), true);
         const QDateTime start = recordStart(record);
         row << (start.isValid() ? QVariant(start) : QVariant());
+        if (withMethod)
+            row << record->methodText();
         table << row;
     }
     return table;
@@ -162,24 +169,39 @@ QStringList RecordExport::sheetNames(const QList<CorvidaExperiment *> &records)
     return names;
 }
 
-XLSXTable RecordExport::recordTable(CorvidaExperiment *record, Content content)
+bool RecordExport::anyRefined(const QList<CorvidaExperiment *> &records)
+{
+    return std::any_of(records.cbegin(), records.cend(),
+                       [](const CorvidaExperiment *r) { return r && r->usesRefinedMethod(); });
+}
+
+XLSXTable RecordExport::recordTable(CorvidaExperiment *record, Content content, bool withMethod)
 {
     if (!record)
         return {};
     // The results come from the listed record, so the sheet says what the list says.
-    const XLSXTable results = record->exportTable(true);
+    XLSXTable results = record->exportTable(true);
+    if (withMethod)
+        results << QList<QVariant>{genericText(QT_TRANSLATE_NOOP("Generic", "Method")),
+                                   record->methodText()};
     if (content == Content::Essential)
         return results;
     const QString path = record->getFilepath();
-    if (path.isEmpty())
-        return record->exportTable(false);
-    CorvidaExperiment copy(path);
-    // Reading the recording may fill in missing markers; the copy must not write them.
-    copy.setAutoSave(false);
-    copy.setRecordingPath(record->recordingPath());
-    XLSXTable table = copy.exportTable(false);
-    for (qsizetype i = 0; i < results.size() && i < table.size(); ++i)
+    XLSXTable table;
+    if (path.isEmpty()) {
+        table = record->exportTable(false);
+    } else {
+        CorvidaExperiment copy(path);
+        // Reading the recording may fill in missing markers; the copy must not write them.
+        copy.setAutoSave(false);
+        copy.setRecordingPath(record->recordingPath());
+        table = copy.exportTable(false);
+    }
+    const qsizetype resultRows = results.size() - (withMethod ? 1 : 0);
+    for (qsizetype i = 0; i < resultRows && i < table.size(); ++i)
         table[i] = results[i];
+    if (withMethod)
+        table.insert(std::min(resultRows, table.size()), results.last());
     return table;
 }
 
@@ -196,6 +218,9 @@ RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &recor
     const Content content = contentOf(filter);
     const bool several = records.size() > 1;
     const int total = int(records.size());
+    // Records of the documented way alone export as they always have; once one of them was
+    // found the refined way, every sheet says which way found its markers.
+    const bool withMethod = anyRefined(records);
     bool cancelled = false;
     const XLSXHelper::SheetSource source = [&](int index, XLSXTable *table) {
         if (several && index == 0) {
@@ -212,7 +237,7 @@ RecordExport::Result RecordExport::write(const QList<CorvidaExperiment *> &recor
             cancelled = true;
             return false;
         }
-        *table = recordTable(records[r], content);
+        *table = recordTable(records[r], content, withMethod);
         return true;
     };
 

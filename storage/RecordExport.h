@@ -50,7 +50,8 @@ public:
     static void storeChoice(CorvidaSettings *settings, const QString &path, const QString &filter);
 
     // The "Summary" sheet: a header row with the list's column titles, then one row per record;
-    // after the list's columns SBP, DBP and the heart rate as numbers and the start as a date.
+    // after the list's columns SBP, DBP and the heart rate as numbers and the start as a date,
+    // and, when any record was found the refined way, the way of each.
     static XLSXTable summaryTable(const QList<CorvidaExperiment *> &records);
     // When the recording started, from the record's name or else its file's header; invalid
     // when neither tells.
@@ -59,7 +60,11 @@ public:
     static QStringList sheetNames(const QList<CorvidaExperiment *> &records);
     // One record's sheet. For full content the samples are read from a separate copy of the
     // record, so the listed record does not keep its whole recording in memory afterwards.
-    static XLSXTable recordTable(CorvidaExperiment *record, Content content);
+    // With `withMethod` a "Method" row follows the result rows.
+    static XLSXTable recordTable(CorvidaExperiment *record, Content content,
+                                 bool withMethod = false);
+    // Whether any of the records places its markers the refined way.
+    static bool anyRefined(const QList<CorvidaExperiment *> &records);
 
     // Writes the records, in the order given, to `path` in the format and content of `filter`.
     // On failure `error` gets the message to show and no file is left under `path` (an older

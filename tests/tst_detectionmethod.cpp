@@ -3,6 +3,7 @@
 #include "device/CorvidaModel.h"
 #include "device/SyntheticAnimal.h"
 #include "device/VirtualCorvidaDevice.h"
+#include "support/EdfLibProbe.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -124,6 +125,83 @@ private slots:
         QCOMPARE(record.getDBPTime(), 8.0);
         QCOMPARE(record.getSBP(), sbp);
         QCOMPARE(record.getDBP(), dbp);
+    }
+
+    // Choosing another way moves the markers the old way placed to where the new way places
+    // them, and back again; a marker placed by hand stays under either way.
+    void changingTheWayMovesOnlyItsOwnMarkers_data()
+    {
+        QTest::addColumn<double>("sbpByHand"); // 0: left where the way put it
+        QTest::addColumn<double>("dbpByHand");
+        QTest::newRow("none by hand") << 0.0 << 0.0;
+        QTest::newRow("SBP by hand") << 7.0 << 0.0;
+        QTest::newRow("DBP by hand") << 0.0 << 12.0;
+    }
+    void changingTheWayMovesOnlyItsOwnMarkers()
+    {
+        QFETCH(double, sbpByHand);
+        QFETCH(double, dbpByHand);
+        // On a cold tail the two ways place their markers seconds apart.
+        const SyntheticAnimal::Cycle cycle =
+            SyntheticAnimal(SyntheticAnimal::Rat, SyntheticAnimal::ColdTail, 21).generate();
+        CorvidaOnlineExperiment documented, refined, record;
+        for (CorvidaOnlineExperiment *r : {&documented, &refined, &record})
+            fill(*r, cycle);
+        refined.setMethod(CorvidaExperiment::refinedMethod());
+        documented.recalculate(true);
+        refined.recalculate(true);
+        QVERIFY(std::abs(documented.getSBPTime() - refined.getSBPTime()) > 0.5);
+
+        record.recalculate(true);
+        if (sbpByHand > 0)
+            record.setSBPTime(sbpByHand);
+        if (dbpByHand > 0)
+            record.setDBPTime(dbpByHand);
+        record.changeMethod(CorvidaExperiment::refinedMethod());
+        QVERIFY(record.usesRefinedMethod());
+        QCOMPARE(record.getSBPTime(), sbpByHand > 0 ? sbpByHand : refined.getSBPTime());
+        QCOMPARE(record.getDBPTime(), dbpByHand > 0 ? dbpByHand : refined.getDBPTime());
+        QCOMPARE(record.getSBP(), record.pressureAt(record.getSBPTime()));
+
+        record.changeMethod(QString());
+        QVERIFY(!record.usesRefinedMethod());
+        QCOMPARE(record.getSBPTime(), sbpByHand > 0 ? sbpByHand : documented.getSBPTime());
+        QCOMPARE(record.getDBPTime(), dbpByHand > 0 ? dbpByHand : documented.getDBPTime());
+    }
+
+    // A stored record keeps the way chosen for it, and its recording carries the new markers.
+    void changedWayOfAStoredRecordIsSavedWithItsMarkers()
+    {
+        QTemporaryDir dir;
+        CorvidaOnlineExperiment live;
+        fill(live,
+             SyntheticAnimal(SyntheticAnimal::Mouse, SyntheticAnimal::FastDeflation, 8).generate());
+        live.setStartDateTime(QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)));
+        live.recalculate(true);
+        QVERIFY(live.save(dir.path()));
+        const QString exp = live.getFilepath();
+        {
+            CorvidaExperiment stored(exp);
+            stored.getPulse();
+            stored.changeMethod(CorvidaExperiment::refinedMethod());
+        }
+        QVERIFY(bytes(exp).contains("refined"));
+        CorvidaExperiment again(exp);
+        QVERIFY(again.usesRefinedMethod());
+        // Where the refined way puts the markers in what the file holds, found by a copy.
+        CorvidaExperiment expected(exp);
+        expected.setAutoSave(false);
+        expected.recalculate(true);
+        QVERIFY(std::abs(expected.getSBPTime() - live.getSBPTime()) > 0.5);
+        // The ".exp" file and the marks in the recording both say the refined way's markers
+        // (marks are whole milliseconds).
+        QVERIFY(std::abs(again.getSBPTime() - expected.getSBPTime()) < 1e-3);
+        QVERIFY(std::abs(again.getDBPTime() - expected.getDBPTime()) < 1e-3);
+        const QString edf = again.recordingPath();
+        QCOMPARE(EdfLibProbe::onsetsOf(edf, "SBP"),
+                 QList<qint64>{qRound64(expected.getSBPTime() * 1000.0)});
+        QCOMPARE(EdfLibProbe::onsetsOf(edf, "DBP"),
+                 QList<qint64>{qRound64(expected.getDBPTime() * 1000.0)});
     }
 
     void refinedWayWithoutPulsePlacesNothingAndSaysWhy_data()

@@ -59,6 +59,8 @@ private slots:
         QTest::newRow("noise floor under the closed cuff") << 120.0 << 80.0 << 0.2 << QString();
         QTest::newRow("premature beat on the rise") << 120.0 << 80.0 << 0.0 << "ectopic";
         QTest::newRow("movement under the closed cuff") << 120.0 << 80.0 << 0.0 << "movement";
+        QTest::newRow("a second of movement on the rise") << 120.0 << 80.0 << 0.0 << "moving rise";
+        QTest::newRow("twitches right after the cuff's top") << 120.0 << 80.0 << 0.0 << "twitches";
     }
     void findsTheOnsetAndKneeOfHandMadeEnvelopes()
     {
@@ -75,6 +77,18 @@ private slots:
             // Half a second of huge beats at 170 mmHg, well above SBP.
             for (int k = 0; k < 5; ++k)
                 a[int((3.0 + 3.0) / 0.1) - 1 + k].setY(3.0);
+        }
+        if (disturbance == QLatin1String("moving rise")) {
+            // Ten beats two to four times the plateau, from 110 to 100 mmHg: without leaving
+            // them out the rise would end, and the knee be placed, at 110 mmHg.
+            for (int k = 0; k < 10; ++k)
+                a[midBeat - 10 + k].setY(2.0 + (k % 3));
+        }
+        if (disturbance == QLatin1String("twitches")) {
+            // Six of the ten beats of the first second after the top (200 to 190 mmHg) are
+            // small twitches; the closed artery goes on without them down to SBP.
+            for (int k = 0; k < 6; ++k)
+                a[30 + k].setY(0.3);
         }
         const EnvelopeOnsetDetector::Result r = EnvelopeOnsetDetector::detect(cuff(), a, kRate);
         QVERIFY2(r.reason.isEmpty(), qPrintable(r.reason));

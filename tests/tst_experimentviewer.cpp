@@ -1,11 +1,14 @@
 #include "analysis/CorvidaOnlineExperiment.h"
 #include "analysis/LiveRecorder.h"
+#include "device/SyntheticAnimal.h"
 #include "device/VirtualCorvidaDevice.h"
 #include "settings/CorvidaSettings.h"
 #include "support/MemoryRecord.h"
 #include "ui/ExperimentViewer.h"
+#include "ui/MethodComboBox.h"
 #include "ui/SignalViewer.h"
 
+#include <QLabel>
 #include <QMenu>
 #include <QScrollBar>
 #include <QStandardPaths>
@@ -180,6 +183,55 @@ private slots:
         menu->actions()[1]->trigger();
         QCOMPARE(record.getDBPTime(), 1.5);
         QCOMPARE(viewer.ppgViewer()->markerTime(QStringLiteral("DBP")), 1.5);
+    }
+
+    // A finished record says which way placed its markers; the operator choosing the other way
+    // has the record's markers placed again by it, or is told why there are none.
+    void methodChoiceShowsAndChangesTheRecordsWay_data()
+    {
+        QTest::addColumn<bool>("pulse");
+        QTest::newRow("cold tail") << true;
+        QTest::newRow("no pulse") << false;
+    }
+    void methodChoiceShowsAndChangesTheRecordsWay()
+    {
+        QFETCH(bool, pulse);
+        SyntheticAnimal::Cycle cycle =
+            SyntheticAnimal(SyntheticAnimal::Rat, SyntheticAnimal::ColdTail, 21).generate();
+        if (!pulse) {
+            for (qsizetype i = 0; i < cycle.pulse.size(); ++i)
+                cycle.pulse[i] = 0.001 * std::sin(i * 0.05);
+        }
+        MemoryRecord record, refined;
+        for (MemoryRecord *r : {&record, &refined})
+            r->setSeries(cycle.pressure, cycle.pulse, cycle.samplingRate);
+        refined.setMethod(CorvidaExperiment::refinedMethod());
+        refined.recalculate(true);
+        record.recalculate(true);
+
+        ExperimentViewer viewer(m_settings.get());
+        showAtTenPixelsASecond(viewer);
+        viewer.setExperiment(&record);
+        MethodComboBox *box = viewer.methodBox();
+        QVERIFY(box->isVisible());
+        QCOMPARE(box->currentText(), QStringLiteral("Documented"));
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QVERIFY(record.usesRefinedMethod());
+        QCOMPARE(record.getSBPTime(), refined.getSBPTime());
+        QCOMPARE(record.getDBPTime(), refined.getDBPTime());
+        QCOMPARE(viewer.ppgViewer()->markerTime(QStringLiteral("SBP")),
+                 pulse ? refined.getSBPTime() : -1.0);
+        QCOMPARE(viewer.methodNote()->isVisible(), !pulse);
+        if (!pulse)
+            QCOMPARE(viewer.methodNote()->text(), refined.detectionNote());
+
+        // The way changed elsewhere shows too; a live record offers no choice.
+        record.setMethod(QString());
+        QCOMPARE(box->currentText(), QStringLiteral("Documented"));
+        CorvidaOnlineExperiment live;
+        viewer.setExperiment(&live);
+        QVERIFY(!box->isVisible());
     }
 };
 

@@ -5,8 +5,10 @@
 #include "support/RecordFiles.h"
 #include "toolkit/LanguageContext.h"
 #include "ui/ExperimentViewer.h"
+#include "ui/MethodComboBox.h"
 #include "ui/MultiExperimentViewer.h"
 #include "ui/PageDatabase.h"
+#include "ui/PageSettings.h"
 #include "ui/RecordPreview.h"
 #include "ui/RecordTableModel.h"
 
@@ -237,6 +239,53 @@ private slots:
         QCOMPARE(model->data(model->index(2, RecordDatabase::PressureColumn)).toString(), "?");
         QVERIFY(tip(2).contains("no systolic point found"));
         QVERIFY(tip(2).contains("no diastolic point found"));
+    }
+
+    // Each row says which way placed its markers, in the operator's language, and the list
+    // sorts by it.
+    void methodColumnShowsEachRecordsWay_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QStringList>("texts"); // header, documented, refined
+        QTest::newRow("en_US") << "en_US" << QStringList{"Method", "Documented", "Refined"};
+        QTest::newRow("ru_RU") << "ru_RU" << QStringList{"Метод", "Стандартный", "Уточнённый"};
+    }
+    void methodColumnShowsEachRecordsWay()
+    {
+        QFETCH(QString, language);
+        QFETCH(QStringList, texts);
+        CorvidaExperiment(expOf(m_paths[1])).setMethod(CorvidaExperiment::refinedMethod());
+        QVERIFY(LanguageContext::instance()->setLanguage(language));
+        makePage();
+        const QAbstractItemModel *model = m_page->model();
+        const int method = RecordDatabase::MethodColumn;
+        const QString header = model->headerData(method, Qt::Horizontal).toString();
+        const QStringList rows = column(method);
+        m_page->table()->sortByColumn(method, Qt::DescendingOrder);
+        const QString first = column(RecordDatabase::RodentColumn).first();
+        QVERIFY(LanguageContext::instance()->setLanguage(QStringLiteral("en_US")));
+        QCOMPARE(header, texts[0]);
+        QCOMPARE(rows, (QStringList{texts[1], texts[2], texts[1]}));
+        QCOMPARE(first, QStringLiteral("rat 9"));
+    }
+
+    // The settings window chooses the way of new records; the setting holds "documented" or
+    // "refined", and the drop-down follows a change made elsewhere.
+    void settingsWindowChoosesTheWayOfNewRecords()
+    {
+        PageSettings page;
+        MethodComboBox *box = page.detectionMethodBox();
+        QCOMPARE(settings()->getDetectionMethod(), QStringLiteral("documented"));
+        QCOMPARE(box->currentText(), QStringLiteral("Documented"));
+        page.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&page));
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(settings()->getDetectionMethod(), QStringLiteral("refined"));
+        QTest::keyClick(box, Qt::Key_Up);
+        QCOMPARE(settings()->getDetectionMethod(), QStringLiteral("documented"));
+        settings()->setDetectionMethod(QStringLiteral("refined"));
+        QCOMPARE(box->currentText(), QStringLiteral("Refined"));
     }
 
     void contextMenuOffersWhatFitsTheSelection_data()

@@ -1,3 +1,4 @@
+#include "analysis/CorvidaExperiment.h"
 #include "storage/RecordDatabase.h"
 #include "storage/RecordExport.h"
 #include "support/RecordFiles.h"
@@ -70,7 +71,9 @@ private slots:
         // was found (a 0 would pull a mean down).
         const QJsonArray summary = book[0].toObject()["rows"].toArray();
         const QJsonArray found = summary[1].toArray(), missing = summary[2].toArray();
-        const int sbp = RecordDatabase::ColumnCount; // the numbers follow the list's columns
+        // The numbers follow the list's columns up to the heart rate; the method column comes
+        // only when some record was found the refined way.
+        const int sbp = RecordDatabase::MethodColumn;
         QCOMPARE(found[sbp].toDouble(), 121.4);
         QCOMPARE(found[sbp + 1].toDouble(), 80.6);
         QVERIFY(found[sbp + 2].isNull() && missing[sbp].isNull() && missing[sbp + 1].isNull());
@@ -102,6 +105,39 @@ private slots:
             QVERIFY(qAbs(cells[0].toDouble() - RecordFiles::pressureAt(kFirst, i)) <= 0.125);
             QVERIFY(qAbs(cells[1].toDouble() - RecordFiles::pulseAt(kFirst, i)) <= 0.6e-4);
         }
+    }
+    void refinedRecordAddsMethodToSummaryAndEverySheet()
+    {
+        QTemporaryDir records, out;
+        QVERIFY(!RecordFiles::write(records.path(), kFirst).isEmpty());
+        QVERIFY(!RecordFiles::write(records.path(), kSecond).isEmpty());
+        RecordDatabase db(records.path());
+        QVERIFY(db.reload());
+        db.sort(RecordDatabase::TitleColumn, Qt::AscendingOrder);
+        db.record(1)->setMethod(CorvidaExperiment::refinedMethod());
+        const QString path = out.filePath("both.csv");
+        QCOMPARE(RecordExport::write(db.records(), path, RecordExport::filters()[1]),
+                 RecordExport::Result::Written);
+        const QByteArray expected =
+            "\xEF\xBB\xBFSummary\r\nTitle;Rodent;Comment;Pressure;MAP;Heart rate;"
+            "\"SBP, mmHg\";\"DBP, mmHg\";\"Pulse, bpm\";Start;Method;\r\n"
+            "2026-11-21_10-00-00;=1+1;\"cage 4; left\";121/81;94;?;121.4;80.6;;"
+            "2026-11-21 10:00:00;Documented;\r\n"
+            "2026-11-21_10-05-00;Крыса 2;;?;;?;;;;2026-11-21 10:05:00;Refined;\r\n\r\n"
+            "2026-11-21_10-00-00\r\nSBP;121.4;mmHg;\r\nDBP;80.6;mmHg;\r\nPulse;0;bpm;\r\n"
+            "Rodent;=1+1;\r\nComment;\"cage 4; left\";\r\nMethod;Documented;\r\n\r\n"
+            "2026-11-21_10-05-00\r\nSBP;0;mmHg;\r\nDBP;0;mmHg;\r\nPulse;0;bpm;\r\n"
+            "Rodent;Крыса 2;\r\nComment;;\r\nMethod;Refined;\r\n\r\n";
+        QCOMPARE(RecordFiles::readAll(path), expected);
+
+        // Full content: the method closes the result rows, the samples follow as before.
+        const QString full = out.filePath("full.csv");
+        QCOMPARE(RecordExport::write({db.record(1)}, full, RecordExport::filters()[3]),
+                 RecordExport::Result::Written);
+        const QList<QByteArray> lines = RecordFiles::readAll(full).split('\n');
+        QCOMPARE(lines.size(), 1 + 5 + 1 + 1 + 1 + 1 + 200 + 1 + 1);
+        QCOMPARE(lines[6] + lines[7] + lines[8].left(14),
+                 QByteArray("Method;Refined;\r\rSampling rate;"));
     }
     void failedOrCancelledExportLeavesOlderFileAlone_data()
     {

@@ -5,11 +5,14 @@
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
 #include "toolkit/GenericText.h"
+#include "ui/MethodComboBox.h"
 #include "ui/SignalViewer.h"
 
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QMenu>
 #include <QPainter>
 #include <QScrollBar>
@@ -76,12 +79,28 @@ ExperimentViewer::ExperimentViewer(CorvidaSettings *settings, QWidget *parent)
                  : CorvidaModel::instance() ? CorvidaModel::instance()->settings()
                                             : nullptr)
     , m_splitter(new QSplitter(Qt::Vertical, this))
+    , m_methodRow(new QWidget(this))
+    , m_methodBox(new MethodComboBox(m_methodRow))
+    , m_methodNote(new QLabel(m_methodRow))
     , m_pressureViewer(new SignalViewer)
     , m_ppgViewer(new SignalViewer)
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_splitter);
+    layout->setSpacing(2);
+    // A finished record says which way placed its markers, and the operator can choose another.
+    auto *methodLayout = new QHBoxLayout(m_methodRow);
+    methodLayout->setContentsMargins(4, 2, 4, 0);
+    methodLayout->addWidget(m_methodNote, 1);
+    methodLayout->addWidget(new QLabel(tr("Markers placed by"), m_methodRow));
+    methodLayout->addWidget(m_methodBox);
+    m_methodNote->setStyleSheet(QStringLiteral("color: #cc3300"));
+    m_methodNote->setWordWrap(true);
+    m_methodBox->setToolTip(tr("Choosing the other way places the markers again with it; "
+                               "markers placed by hand stay"));
+    connect(m_methodBox, &MethodComboBox::methodChosen, this, &ExperimentViewer::onMethodChosen);
+    layout->addWidget(m_methodRow);
+    layout->addWidget(m_splitter, 1);
     m_splitter->addWidget(m_pressureViewer);
     m_splitter->addWidget(m_ppgViewer);
     m_splitter->setChildrenCollapsible(false);
@@ -158,6 +177,8 @@ void ExperimentViewer::setExperiment(CorvidaExperiment *experiment)
                      &ExperimentViewer::scheduleRefresh);
         c << connect(experiment, &CorvidaExperiment::bpResetted, this,
                      &ExperimentViewer::scheduleRefresh);
+        c << connect(experiment, &CorvidaExperiment::changedMethod, this,
+                     &ExperimentViewer::updateMethodRow);
         for (auto signal : {&CorvidaExperiment::changedSBPTime, &CorvidaExperiment::changedDBPTime,
                             &CorvidaExperiment::changedSBP, &CorvidaExperiment::changedDBP}) {
             c << connect(experiment, signal, this, &ExperimentViewer::updateMarkers);
@@ -170,6 +191,30 @@ void ExperimentViewer::setExperiment(CorvidaExperiment *experiment)
         });
     }
     updateGraphics();
+    updateMethodRow();
+}
+
+void ExperimentViewer::updateMethodRow()
+{
+    CorvidaExperiment *e = m_experiment;
+    m_methodRow->setVisible(e && !m_live);
+    if (!e || m_live)
+        return;
+    m_methodBox->setMethod(e->getMethod());
+    // Only the refined way explains an empty result; the documented one simply finds nothing.
+    const QString note = e->detectionNote();
+    m_methodNote->setText(note);
+    m_methodNote->setVisible(!note.isEmpty());
+}
+
+void ExperimentViewer::onMethodChosen(const QString &method)
+{
+    CorvidaExperiment *e = m_experiment;
+    if (!e || m_live)
+        return;
+    e->changeMethod(method);
+    updateGraphics();
+    updateMethodRow();
 }
 
 void ExperimentViewer::updateGraphics()
@@ -470,6 +515,7 @@ QMenu *ExperimentViewer::createContextMenu(const QPoint &pos)
                         // the ones there are.
                         p->recalculate(true);
                         updateGraphics();
+                        updateMethodRow();
                     });
     return menu;
 }

@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <QWidget>
 
+class MethodComboBox;
+class QLabel;
 class QMenu;
 class QSplitter;
 class SignalViewer;
@@ -41,6 +43,10 @@ public:
     SignalViewer *pressureViewer() const { return m_pressureViewer; }
     SignalViewer *ppgViewer() const { return m_ppgViewer; }
     QSplitter *splitter() const { return m_splitter; }
+    // Which way placed the markers of a finished record; choosing another recalculates it.
+    MethodComboBox *methodBox() const { return m_methodBox; }
+    // Why the chosen way placed no markers; hidden when it did.
+    QLabel *methodNote() const { return m_methodNote; }
 
     void setDark(bool dark);
     bool isDark() const { return m_dark; }
@@ -76,6 +82,8 @@ private:
     void onSplitterMoved();
     void scheduleRefresh();
     void updateMarkers();
+    void updateMethodRow();
+    void onMethodChosen(const QString &method);
     void refreshPeaks();
     void updatePressureAxis();
     void onMarkerUpdated(const QString &tag, double time);
@@ -88,6 +96,9 @@ private:
     ConnectionHelper m_settingsConnections;
     ConnectionHelper m_recordConnections;
     QSplitter *m_splitter;
+    QWidget *m_methodRow;
+    MethodComboBox *m_methodBox;
+    QLabel *m_methodNote;
     SignalViewer *m_pressureViewer;
     SignalViewer *m_ppgViewer;
     QTimer m_refreshTimer;

@@ -3,8 +3,10 @@
 #include "device/CorvidaModel.h"
 #include "settings/CorvidaSettings.h"
 #include "toolkit/widgets/PropertyListControl.h"
+#include "ui/MethodComboBox.h"
 
 #include <QCoreApplication>
+#include <QFormLayout>
 #include <QFrame>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -92,6 +94,25 @@ PageSettings::PageSettings(QWidget *parent)
         CorvidaModel::instance() ? CorvidaModel::instance()->settings() : nullptr;
     m_list = new PropertyListControl(settings, QString(), card);
     cardBox->addWidget(m_list);
+
+    // The setting holds "documented" or "refined"; a record holds "" or "refined".
+    m_method = new MethodComboBox(card);
+    m_method->setObjectName(QStringLiteral("detectionMethod"));
+    m_method->setToolTip(tr("How new records place their SBP and DBP markers. A record keeps its "
+                            "own way; it can be changed in the record's viewer."));
+    auto *methodRow = new QFormLayout;
+    methodRow->addRow(tr("Marker detection for new records"), m_method);
+    cardBox->addLayout(methodRow);
+    if (settings) {
+        m_method->setMethod(settings->getDetectionMethod());
+        connect(m_method, &MethodComboBox::methodChosen, settings, [settings](const QString &m) {
+            settings->setDetectionMethod(m.isEmpty() ? QStringLiteral("documented") : m);
+        });
+        connect(settings, &CorvidaSettings::changedDetectionMethod, m_method,
+                &MethodComboBox::setMethod);
+    } else {
+        m_method->setEnabled(false);
+    }
     auto *holder = new QWidget;
     holder->setObjectName(QStringLiteral("settingsHolder"));
     auto *holderBox = new QVBoxLayout(holder);

@@ -239,6 +239,8 @@ void RecordTableModel::watchRecords()
                                        cell(RecordDatabase::MAPColumn));
         m_recordConnections << connect(r, &CorvidaExperiment::changedBPM, this,
                                        cell(RecordDatabase::HeartRateColumn));
+        m_recordConnections << connect(r, &CorvidaExperiment::changedMethod, this,
+                                       cell(RecordDatabase::MethodColumn));
     }
 }
 

@@ -605,6 +605,14 @@
         <source>Recalculate experiment</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Markers placed by</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choosing the other way places the markers again with it; markers placed by hand stay</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>Generic</name>
@@ -797,6 +805,18 @@ Restart now?</source>
         <source>Heart rate</source>
         <translation type="unfinished">Heart rate</translation>
     </message>
+    <message>
+        <source>Refined</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Documented</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Method</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>HeartRateWidget</name>
@@ -844,6 +864,17 @@ Restart now?</source>
     </message>
     <message>
         <source>The last measurements of %1 have not been saved. Discard them and close Corvida?</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>MethodComboBox</name>
+    <message>
+        <source>The long-standing way: SBP at the first beat of the returning regular pulse, DBP where the growth of the pulse amplitude bends into its plateau</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A straight line through the rising pulse amplitudes: SBP where it leaves the occluded level, DBP where it reaches the plateau</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -999,6 +1030,14 @@ Restart now?</source>
     <name>PageSettings</name>
     <message>
         <source>Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How new records place their SBP and DBP markers. A record keeps its own way; it can be changed in the record&apos;s viewer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Marker detection for new records</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -605,6 +605,14 @@
         <source>Recalculate experiment</source>
         <translation>Пересчитать эксперимент</translation>
     </message>
+    <message>
+        <source>Markers placed by</source>
+        <translation>Маркеры расставил метод</translation>
+    </message>
+    <message>
+        <source>Choosing the other way places the markers again with it; markers placed by hand stay</source>
+        <translation>Выбор другого метода заново расставляет им маркеры; маркеры, поставленные вручную, остаются на месте</translation>
+    </message>
 </context>
 <context>
     <name>Generic</name>
@@ -798,6 +806,18 @@ Restart now?</source>
         <source>Heart rate</source>
         <translation>ЧСС</translation>
     </message>
+    <message>
+        <source>Refined</source>
+        <translation>Уточнённый</translation>
+    </message>
+    <message>
+        <source>Documented</source>
+        <translation>Стандартный</translation>
+    </message>
+    <message>
+        <source>Method</source>
+        <translation>Метод</translation>
+    </message>
 </context>
 <context>
     <name>HeartRateWidget</name>
@@ -847,6 +867,17 @@ Restart now?</source>
     <message>
         <source>The last measurements of %1 have not been saved. Discard them and close Corvida?</source>
         <translation>Последние измерения %1 не сохранены. Отбросить их и закрыть Corvida?</translation>
+    </message>
+</context>
+<context>
+    <name>MethodComboBox</name>
+    <message>
+        <source>The long-standing way: SBP at the first beat of the returning regular pulse, DBP where the growth of the pulse amplitude bends into its plateau</source>
+        <translation>Прежний метод: САД — первый удар возвращающегося регулярного пульса, ДАД — точка, где рост амплитуды пульса переходит в плато</translation>
+    </message>
+    <message>
+        <source>A straight line through the rising pulse amplitudes: SBP where it leaves the occluded level, DBP where it reaches the plateau</source>
+        <translation>Прямая через нарастающие амплитуды пульса: САД — где она отходит от уровня пережатой артерии, ДАД — где она достигает плато</translation>
     </message>
 </context>
 <context>
@@ -1002,6 +1033,14 @@ Restart now?</source>
     <message>
         <source>Settings</source>
         <translation>Настройки</translation>
+    </message>
+    <message>
+        <source>How new records place their SBP and DBP markers. A record keeps its own way; it can be changed in the record&apos;s viewer.</source>
+        <translation>Каким методом новые записи расставляют маркеры САД и ДАД. Запись сохраняет свой метод; его можно сменить в просмотре записи.</translation>
+    </message>
+    <message>
+        <source>Marker detection for new records</source>
+        <translation>Поиск маркеров для новых записей</translation>
     </message>
 </context>
 <context>
