@@ -75,19 +75,31 @@ private slots:
     void diastolicPointWithoutTheCuffBelowItIsDoubtful_data()
     {
         QTest::addColumn<double>("time");
+        QTest::addColumn<double>("abortAt"); // the valve let the cuff down at once; 0: never
         QTest::addColumn<bool>("doubtful");
-        QTest::newRow("cuff fell 10 mmHg below it") << 5.0 << false; // 130 -> 110 at the end
-        QTest::newRow("record ends 8 mmHg below it") << 8.0 << true; // 118 -> 110
-        QTest::newRow("on the last sample") << 9.999 << true;
-        QTest::newRow("no marker") << 0.0 << false;
-        QTest::newRow("after the end") << 12.0 << false;
+        QTest::newRow("cuff fell 10 mmHg below it") << 5.0 << 0.0 << false; // 130 -> 110 at the end
+        QTest::newRow("record ends 8 mmHg below it") << 8.0 << 0.0 << true; // 118 -> 110
+        QTest::newRow("on the last sample") << 9.999 << 0.0 << true;
+        QTest::newRow("no marker") << 0.0 << 0.0 << false;
+        QTest::newRow("after the end") << 12.0 << 0.0 << false;
+        // The records of four units stopped together with Abort: the cuff went from 94 mmHg to 0
+        // in a blink, with no beat under the DBP to judge it by.
+        QTest::newRow("Abort right after it") << 8.5 << 8.7 << true;
+        QTest::newRow("Abort after the cuff fell 10 mmHg below it") << 5.0 << 8.7 << false;
     }
     void diastolicPointWithoutTheCuffBelowItIsDoubtful()
     {
         QFETCH(double, time);
+        QFETCH(double, abortAt);
         QList<double> pressure;
-        for (int i = 0; i < 10000; ++i)
-            pressure << 150.0 - 4.0 * i / 1000.0; // 150 mmHg falling 4 mmHg a second for 10 s
+        for (int i = 0; i < 10000; ++i) {
+            // 150 mmHg falling 4 mmHg a second for 10 s; an Abort empties the cuff in 50 ms.
+            const double t = i / 1000.0;
+            const double deflating = 150.0 - 4.0 * t;
+            pressure << (abortAt > 0.0 && t > abortAt
+                             ? std::max(0.0, deflating * (1.0 - (t - abortAt) / 0.05))
+                             : deflating);
+        }
         QTEST(ExperimentViewer::diastolicDoubtful(pressure, 1000.0, time), "doubtful");
     }
 

@@ -269,6 +269,26 @@ private slots:
         QCOMPARE(first, QStringLiteral("rat 9"));
     }
 
+    // A small window (800x600) left "118..." in the Pressure column; the Method column only
+    // appears once a record uses the refined way, so a folder of ordinary records looks as before.
+    void narrowListShowsValuesWholeAndMethodOnlyWhenUsed()
+    {
+        makePage();
+        m_page->resize(560, 500);
+        QCoreApplication::processEvents();
+        QTableView *table = m_page->table();
+        QVERIFY(table->isColumnHidden(RecordDatabase::MethodColumn));
+        const QFontMetrics fm = table->fontMetrics();
+        for (int c : {RecordDatabase::TitleColumn, RecordDatabase::PressureColumn,
+                      RecordDatabase::MAPColumn, RecordDatabase::HeartRateColumn}) {
+            for (const QString &text : column(c))
+                QVERIFY2(fm.horizontalAdvance(text) < table->columnWidth(c), qPrintable(text));
+        }
+        CorvidaExperiment(expOf(m_paths[1])).setMethod(CorvidaExperiment::refinedMethod());
+        m_page->reload();
+        QVERIFY(!table->isColumnHidden(RecordDatabase::MethodColumn));
+    }
+
     // The settings window chooses the way of new records; the setting holds "documented" or
     // "refined", and the drop-down follows a change made elsewhere.
     void settingsWindowChoosesTheWayOfNewRecords()

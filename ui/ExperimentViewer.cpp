@@ -370,10 +370,16 @@ bool ExperimentViewer::diastolicDoubtful(const QList<double> &pressure, double r
     const qsizetype at = qsizetype(time * rate);
     if (!(time > 0.0) || !(rate > 0.0) || at < 0 || at >= pressure.size())
         return false;
+    // The cuff must pass the 10 mmHg below the point while it deflates, with beats to compare;
+    // an Abort empties it in a blink (the last 8 of those 10 mmHg in well under 0.15 s).
+    const double start = pressure[at] - 2.0;
     const double below = pressure[at] - 10.0;
+    qsizetype startAt = -1;
     for (qsizetype i = at; i < pressure.size(); ++i) {
+        if (startAt < 0 && pressure[i] < start)
+            startAt = i;
         if (pressure[i] < below)
-            return false;
+            return double(i - startAt) / rate < 0.15;
     }
     return true;
 }

@@ -54,9 +54,9 @@ public:
     // The upper end of the pressure axis for the highest pressure of a record.
     static double pressureAxisUpper(double highestPressure);
     // A diastolic point is doubtful when the recording ends before the cuff pressure fell 10 mmHg
-    // below it: the detection compares the pulse growth over the 10 mmHg above and below a
-    // point, and near the end of such a recording it saw only the part above. Its label then
-    // ends in "?".
+    // below it, or when the cuff was let down at once (Abort) before that: the detection
+    // compares the pulse growth over the 10 mmHg above and below a point, and then it saw only
+    // the part above. Its label then ends in "?".
     static bool diastolicDoubtful(const QList<double> &pressure, double rate, double time);
 
     // The context menu for a point of this widget, or null where none is offered. The caller

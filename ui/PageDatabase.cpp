@@ -89,14 +89,19 @@ PageDatabase::PageDatabase(QWidget *parent)
     // Room for the title and the three other headers, also in Russian.
     m_table->setMinimumWidth(500);
     QHeaderView *header = m_table->horizontalHeader();
-    // Every column shows its values and its title whole; the comment takes what is left, and a
-    // narrow window scrolls the table sideways rather than cut "118/69" to "118...".
+    // Every column but the comment shows its values whole; the comment takes what is left (its
+    // tooltip holds all of it), and a narrow window scrolls the table sideways rather than cut
+    // "118/69" to "118...".
     for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
         header->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     header->setSectionResizeMode(RecordDatabase::CommentColumn, QHeaderView::Stretch);
-    const QString commentTitle =
-        m_model->headerData(RecordDatabase::CommentColumn, Qt::Horizontal).toString();
-    header->setMinimumSectionSize(header->fontMetrics().horizontalAdvance(commentTitle) + 28);
+    m_connections << connect(m_model, &QAbstractItemModel::modelReset, this,
+                             &PageDatabase::showMethodColumnWhenUsed);
+    m_connections << connect(m_model, &QAbstractItemModel::dataChanged, this,
+                             &PageDatabase::showMethodColumnWhenUsed);
+    m_connections << connect(m_model, &QAbstractItemModel::rowsInserted, this,
+                             &PageDatabase::showMethodColumnWhenUsed);
+    showMethodColumnWhenUsed();
     // Sorting starts from the stored column and order; clicking a header sorts and stores.
     header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
     m_table->setSortingEnabled(true);
@@ -574,6 +579,16 @@ void PageDatabase::openFolder(const QString &folder)
 void PageDatabase::openFile(const QString &path)
 {
     FileBrowser::openFile(path);
+}
+
+void PageDatabase::showMethodColumnWhenUsed()
+{
+    bool used = false;
+    for (int row = 0; row < m_database->count() && !used; ++row) {
+        const CorvidaExperiment *record = m_database->record(row);
+        used = record && record->usesRefinedMethod();
+    }
+    m_table->setColumnHidden(RecordDatabase::MethodColumn, !used);
 }
 
 void PageDatabase::applySplitterRatio()

@@ -98,6 +98,8 @@ private:
     void printReport(const QString &suggestedName);
     void onSelectionChanged();
     void applySplitterRatio();
+    // The Method column is shown once a listed record uses the refined way.
+    void showMethodColumnWhenUsed();
     void storeSplitterRatio();
 
     QPointer<CorvidaSettings> m_settings;
