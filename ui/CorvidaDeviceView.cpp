@@ -10,6 +10,7 @@
 #include "toolkit/widgets/StyleHelper.h"
 #include "ui/ExperimentViewer.h"
 #include "ui/HeartRateWidget.h"
+#include "ui/PanelHeaderFit.h"
 #include "ui/PulseIndicator.h"
 #include "ui/SerialNumberDialog.h"
 #include "ui/SessionPanel.h"
@@ -58,16 +59,6 @@ QPushButton *indicator(const QString &background, QWidget *parent)
     return button;
 }
 
-// Both buttons of a pair get the larger preferred width, so swapping one for the other does not
-// shift the header.
-void equalisePair(QPushButton *a, QPushButton *b)
-{
-    a->setMinimumWidth(0);
-    b->setMinimumWidth(0);
-    const int width = std::max(a->sizeHint().width(), b->sizeHint().width());
-    a->setMinimumWidth(width);
-    b->setMinimumWidth(width);
-}
 } // namespace
 
 CorvidaDeviceView::CorvidaDeviceView(BaseCorvidaDevice *device, QWidget *parent)
@@ -160,9 +151,8 @@ void CorvidaDeviceView::buildHeader()
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
     static_cast<QVBoxLayout *>(layout())->addLayout(row);
-    m_headerRow = row;
     // The rodent and comment editors move to a row of their own when the header has no room
-    // for them to show their placeholders.
+    // for them to show their placeholders (PanelHeaderFit).
     m_editorRow = new QHBoxLayout();
     m_editorRow->setContentsMargins(0, 0, 0, 0);
     m_editorRow->setSpacing(4);
@@ -191,7 +181,6 @@ void CorvidaDeviceView::buildHeader()
         b->setObjectName(name);
         b->setToolTip(tip);
         b->setIconSize(QSize(20, 20));
-        b->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; }"));
         return b;
     };
     m_turnOn = button(QStringLiteral("turnOnButton"), tr("Turn on"),
@@ -204,11 +193,6 @@ void CorvidaDeviceView::buildHeader()
                      tr("Abort pressure pumping and stop recording"));
     m_save = button(QStringLiteral("saveButton"), genericText(QT_TRANSLATE_NOOP("Generic", "Save")),
                     tr("Save record"));
-    // Green only while a finished measurement waits to be saved; a preview that could be
-    // saved keeps the look of the other buttons.
-    m_save->setStyleSheet(QStringLiteral("QPushButton { padding: 4px 6px; } "
-                                         "QPushButton[attention=\"true\"]:!disabled "
-                                         "{ background: #3C0; color: white; }"));
     m_connections << connect(m_turnOn, &QPushButton::clicked, this, &CorvidaDeviceView::turnOn);
     m_connections << connect(m_turnOff, &QPushButton::clicked, this, &CorvidaDeviceView::turnOff);
     m_connections << connect(m_measure, &QPushButton::clicked, this, &CorvidaDeviceView::measure);
@@ -255,6 +239,15 @@ void CorvidaDeviceView::buildHeader()
     row->addStretch(1);
     row->addWidget(m_rodent, 100);
     row->addWidget(m_comment, 100);
+    m_headerFit = std::make_unique<PanelHeaderFit>(
+        PanelHeaderFit::Parts{row,
+                              m_editorRow,
+                              m_saveGap,
+                              {m_turnOn, m_turnOff, m_measure, m_abort},
+                              m_save,
+                              m_session->sessionButton(),
+                              m_rodent,
+                              m_comment});
 }
 
 // A one-line editor of a text property of the live record, named by its placeholder and tooltip.
@@ -398,81 +391,16 @@ void CorvidaDeviceView::applyWidthLayout(int w)
     // and short forms.
     m_turnOn->setText(!texts ? QString() : longTexts ? tr("Включить") : tr("Вкл"));
     m_turnOff->setText(!texts ? QString() : longTexts ? tr("Выключить") : tr("Выкл"));
-    equalisePair(m_turnOn, m_turnOff);
     m_measure->setText(!texts ? QString() : longTexts ? tr("Измерение") : tr("Изм"));
     m_abort->setText(!texts ? QString() : longTexts ? tr("Прервать") : tr("Стоп"));
-    equalisePair(m_measure, m_abort);
     // The Session button came last into a full row: it gives up its word first.
     m_session->setCompact(w <= ShortTextMaxWidth + 200);
     m_save->setText(longTexts ? genericText(QT_TRANSLATE_NOOP("Generic", "Save")) : QString());
-    setButtonsNarrow(!texts);
-
-    const int editorWidth = std::max(60, std::min(int(std::floor(w * 0.16)), 220));
-    // Wide enough for the placeholder ("Com..." tells nobody what the box is for), as far as
-    // the rest of the header leaves room: the buttons and the heart rate come first.
     const QMargins margins = layout()->contentsMargins();
-    int others = margins.left() + margins.right();
-    for (int i = 0; i < m_headerRow->count(); ++i) {
-        QLayoutItem *item = m_headerRow->itemAt(i);
-        QWidget *widget = item->widget();
-        if (widget == m_rodent || widget == m_comment || (widget && widget->isHidden()))
-            continue;
-        others += item->sizeHint().width() + m_headerRow->spacing();
-    }
-    const int room = (w - others - m_headerRow->spacing()) / 2;
-    bool fit = true;
-    for (QLineEdit *editor : {m_rodent, m_comment})
-        fit = fit && room >= placeholderWidth(editor);
-    placeEditors(!fit);
-    // Limits rather than a fixed width: a panel's least width must not follow its present one,
-    // or panels side by side could never even out again.
-    for (QLineEdit *editor : {m_rodent, m_comment}) {
-        const int least = placeholderWidth(editor);
-        editor->setMinimumWidth(least);
-        editor->setMaximumWidth(fit ? std::max(editorWidth, least) : QWIDGETSIZE_MAX);
-    }
+    m_headerFit->fit(w, margins.left() + margins.right(), !texts);
     m_recordedFile->setStyleSheet(QStringLiteral("font-size: ") +
                                   (longTexts ? QStringLiteral("14px") : QStringLiteral("10px")));
     showRecordedFileName();
-}
-
-// Icon-only buttons lose most of their padding, so that four units side by side on a small
-// screen still show the whole header.
-void CorvidaDeviceView::setButtonsNarrow(bool narrow)
-{
-    if (narrow == m_buttonsNarrow)
-        return;
-    m_buttonsNarrow = narrow;
-    const QString padding =
-        narrow ? QStringLiteral("padding: 3px 2px;") : QStringLiteral("padding: 4px 6px;");
-    for (QPushButton *b : {m_turnOn, m_turnOff, m_measure, m_abort})
-        b->setStyleSheet(QStringLiteral("QPushButton { %1 }").arg(padding));
-    m_save->setStyleSheet(QStringLiteral("QPushButton { %1 } "
-                                         "QPushButton[attention=\"true\"]:!disabled "
-                                         "{ background: #3C0; color: white; }")
-                              .arg(padding));
-    m_session->sessionButton()->setStyleSheet(QStringLiteral("QToolButton { %1 }").arg(padding));
-    m_headerRow->setSpacing(narrow ? 2 : 4);
-    m_saveGap->changeSize(narrow ? 2 : 10, 0, QSizePolicy::Fixed, QSizePolicy::Minimum);
-    m_headerRow->invalidate();
-}
-
-int CorvidaDeviceView::placeholderWidth(const QLineEdit *editor)
-{
-    return editor->fontMetrics().horizontalAdvance(editor->placeholderText()) + 24;
-}
-
-void CorvidaDeviceView::placeEditors(bool ownRow)
-{
-    if (ownRow == m_editorsOwnRow)
-        return;
-    m_editorsOwnRow = ownRow;
-    QHBoxLayout *from = ownRow ? m_headerRow : m_editorRow;
-    QHBoxLayout *to = ownRow ? m_editorRow : m_headerRow;
-    for (QLineEdit *editor : {m_rodent, m_comment}) {
-        from->removeWidget(editor);
-        to->addWidget(editor, 100);
-    }
 }
 
 void CorvidaDeviceView::turnOn()

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QPointer>
 #include <QWidget>
+#include <memory>
 
 class CorvidaOnlineExperiment;
 class ExperimentViewer;
@@ -18,6 +19,7 @@ class QLabel;
 class QLineEdit;
 class QMenu;
 class QPushButton;
+class PanelHeaderFit;
 class PulseIndicator;
 class SessionPanel;
 
@@ -118,9 +120,6 @@ private:
     void updateSaveLook();
     bool mayDiscardRecord();
     void applyWidthLayout(int width);
-    void placeEditors(bool ownRow);
-    void setButtonsNarrow(bool narrow);
-    static int placeholderWidth(const QLineEdit *editor);
     void onMeasuringChanged();
     void onDataUpdated();
     void refreshRecordedFileName();
@@ -147,11 +146,9 @@ private:
     QWidget *m_recordedFileBox = nullptr;
     QPushButton *m_recordedFile = nullptr;
     HeartRateWidget *m_heartRate = nullptr;
-    QHBoxLayout *m_headerRow = nullptr;
     QHBoxLayout *m_editorRow = nullptr;
-    bool m_editorsOwnRow = false;
-    bool m_buttonsNarrow = false;
     QSpacerItem *m_saveGap = nullptr;
+    std::unique_ptr<PanelHeaderFit> m_headerFit;
     QLineEdit *m_rodent = nullptr;
     QLineEdit *m_comment = nullptr;
     QLabel *m_notice = nullptr;
