@@ -21,6 +21,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QScrollBar>
 #include <QtTest>
 #include <memory>
 
@@ -284,9 +285,15 @@ private slots:
             for (const QString &text : column(c))
                 QVERIFY2(fm.horizontalAdvance(text) < table->columnWidth(c), qPrintable(text));
         }
+        // A wide window gives the list the room for all its columns.
+        m_page->resize(1400, 500);
+        QCoreApplication::processEvents();
+        QCOMPARE(table->horizontalScrollBar()->maximum(), 0);
         CorvidaExperiment(expOf(m_paths[1])).setMethod(CorvidaExperiment::refinedMethod());
         m_page->reload();
+        QCoreApplication::processEvents();
         QVERIFY(!table->isColumnHidden(RecordDatabase::MethodColumn));
+        QCOMPARE(table->horizontalScrollBar()->maximum(), 0);
     }
 
     // The settings window chooses the way of new records; the setting holds "documented" or

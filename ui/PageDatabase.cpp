@@ -24,6 +24,7 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QTabWidget>
@@ -86,7 +87,7 @@ PageDatabase::PageDatabase(QWidget *parent)
     m_table->setWordWrap(false);
     m_table->setAlternatingRowColors(true);
     m_table->verticalHeader()->hide();
-    // Room for the title and the three other headers, also in Russian.
+    // Room for the title and the three other headers, also in Russian (fitColumns).
     m_table->setMinimumWidth(500);
     QHeaderView *header = m_table->horizontalHeader();
     // Every column but the comment shows its values whole; the comment takes what is left (its
@@ -96,12 +97,12 @@ PageDatabase::PageDatabase(QWidget *parent)
         header->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     header->setSectionResizeMode(RecordDatabase::CommentColumn, QHeaderView::Stretch);
     m_connections << connect(m_model, &QAbstractItemModel::modelReset, this,
-                             &PageDatabase::showMethodColumnWhenUsed);
+                             &PageDatabase::fitColumns);
     m_connections << connect(m_model, &QAbstractItemModel::dataChanged, this,
-                             &PageDatabase::showMethodColumnWhenUsed);
+                             &PageDatabase::fitColumns);
     m_connections << connect(m_model, &QAbstractItemModel::rowsInserted, this,
-                             &PageDatabase::showMethodColumnWhenUsed);
-    showMethodColumnWhenUsed();
+                             &PageDatabase::fitColumns);
+    fitColumns();
     // Sorting starts from the stored column and order; clicking a header sorts and stores.
     header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
     m_table->setSortingEnabled(true);
@@ -581,7 +582,7 @@ void PageDatabase::openFile(const QString &path)
     FileBrowser::openFile(path);
 }
 
-void PageDatabase::showMethodColumnWhenUsed()
+void PageDatabase::fitColumns()
 {
     bool used = false;
     for (int row = 0; row < m_database->count() && !used; ++row) {
@@ -589,6 +590,21 @@ void PageDatabase::showMethodColumnWhenUsed()
         used = record && record->usesRefinedMethod();
     }
     m_table->setColumnHidden(RecordDatabase::MethodColumn, !used);
+    // As wide as the columns need, up to half the page; never under 500 pixels.
+    const QHeaderView *header = m_table->horizontalHeader();
+    const QAbstractItemView *view = m_table;
+    int needed = m_table->frameWidth() * 2 + m_table->verticalScrollBar()->sizeHint().width();
+    for (int c = 0; c < RecordDatabase::ColumnCount; ++c) {
+        if (!m_table->isColumnHidden(c))
+            needed += std::max(header->sectionSizeHint(c), view->sizeHintForColumn(c));
+    }
+    m_table->setMinimumWidth(std::max(500, std::min(needed, width() / 2)));
+}
+
+void PageDatabase::resizeEvent(QResizeEvent *event)
+{
+    CorvidaBasePage::resizeEvent(event);
+    fitColumns();
 }
 
 void PageDatabase::applySplitterRatio()

@@ -76,6 +76,7 @@ public slots:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
     // A yes/no question; true for yes.
     virtual bool ask(const QString &title, const QString &text);
@@ -98,8 +99,9 @@ private:
     void printReport(const QString &suggestedName);
     void onSelectionChanged();
     void applySplitterRatio();
-    // The Method column is shown once a listed record uses the refined way.
-    void showMethodColumnWhenUsed();
+    // Shows the Method column once a listed record uses the refined way, and gives the list
+    // the room its columns need, up to half the page.
+    void fitColumns();
     void storeSplitterRatio();
 
     QPointer<CorvidaSettings> m_settings;
