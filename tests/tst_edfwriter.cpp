@@ -32,6 +32,82 @@ int previousDigital(float sample, double range)
     const double clamped = low < 32767.0 ? low : 32767.0;
     return int(clamped + std::copysign(0.5, clamped));
 }
+
+// A recording that touches every way samples reach the writer: the three writeData forms, blocks
+// shorter and longer than a record, NaN, infinities, values beyond the range and exactly between
+// two steps, marks in several records, and a short last record. Everything that could vary
+// between runs (the clock, the start time) is fixed, so the file comes out the same every time.
+void writeReferenceRecording(const QString &path)
+{
+    const QList<double> ranges = {1000.0, 3.5, 8191.75};
+    QList<ChannelDim> channels;
+    for (int s = 0; s < ranges.size(); ++s) {
+        ChannelDim c(QStringLiteral("Signal %1").arg(s), ranges.at(s),
+                     {{QStringLiteral("LP"), 40.0f}});
+        c.physicalDimension = s == 0 ? QStringLiteral("mmHg") : QStringLiteral("V");
+        channels.append(c);
+    }
+    qint64 now = 1'763'000'000'000;
+    EDFWriter writer(path, channels, 250, [&now] { return now; });
+    PatientInfo patient;
+    patient.patientName = QStringLiteral("Rat 7");
+    patient.equipment = QStringLiteral("CV-4 1234");
+    patient.recordingAdditional = QStringLiteral("reference");
+    patient.startYear = 2025;
+    patient.startMonth = 11;
+    patient.startDay = 13;
+    patient.startHour = 9;
+    patient.startMinute = 41;
+    patient.startSecond = 5;
+    patient.startMillisecond = 250;
+    writer.setPatientInfo(patient);
+    writer.takeStartTime(now);
+
+    const float half = float(2000.0 / 65535.0 / 2.0);
+    const QList<float> special = {std::numeric_limits<float>::quiet_NaN(),
+                                  std::numeric_limits<float>::infinity(),
+                                  -std::numeric_limits<float>::infinity(),
+                                  1e30f,
+                                  -1e30f,
+                                  0.0f,
+                                  -0.0f,
+                                  half,
+                                  -half,
+                                  3 * half,
+                                  -1000.0f,
+                                  1000.0f};
+    constexpr int kSamples = 250 * 5 + 163;
+    QRandomGenerator random(11);
+    QList<QList<float>> samples(ranges.size());
+    for (int i = 0; i < kSamples; ++i)
+        for (int s = 0; s < ranges.size(); ++s)
+            samples[s] << (i < special.size()
+                               ? special[i] * float(s + 1)
+                               : float((random.generateDouble() * 2.4 - 1.2) * ranges[s]));
+
+    int form = 0;
+    for (qsizetype done = 0, block = 1; done < kSamples; done += block, block += 37, ++form) {
+        block = std::min<qsizetype>(block == 38 + 37 * 4 ? 600 : block, kSamples - done);
+        QList<QList<float>> part;
+        QList<float> flat;
+        for (const QList<float> &signal : samples) {
+            part << signal.mid(done, block);
+            flat << part.last();
+        }
+        if (form % 3 == 0)
+            writer.writeData(part);
+        else if (form % 3 == 1)
+            writer.writeData(flat);
+        else
+            writer.writeData(int(block), flat.constData());
+        if (done == 0)
+            writer.addAnnotation(QStringLiteral("SBP"), 1500, -1);
+        now += 700;
+        writer.addAnnotationR(QStringLiteral("cuff %1").arg(form));
+    }
+    writer.addAnnotation(QStringLiteral("DBP"), 4750, 200);
+    writer.close(true);
+}
 } // namespace
 
 class TestEDFWriter : public QObject
@@ -162,6 +238,31 @@ private slots:
                 QCOMPARE(raw.digital(s, i), expected);
             }
         }
+    }
+
+    // The bytes of files written before the writer was made faster, kept in the test data. A
+    // faster path that moved one sample by one step, or changed how a record or a mark is laid
+    // down, shows up here as a changed byte.
+    void fileBytesStayAsTheEarlierWriterWroteThem_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("EDF+") << "reference.edf";
+        QTest::newRow("BDF+") << "reference.bdf";
+    }
+
+    void fileBytesStayAsTheEarlierWriterWroteThem()
+    {
+        QFETCH(QString, name);
+        QFile expected(QFINDTESTDATA(QStringLiteral("data/edf/") + name));
+        QVERIFY2(expected.open(QIODevice::ReadOnly), qPrintable(expected.fileName()));
+        writeReferenceRecording(file(name));
+        QFile written(file(name));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        const QByteArray before = expected.readAll();
+        const QByteArray after = written.readAll();
+        QCOMPARE(after.size(), before.size());
+        for (qsizetype i = 0; i < before.size(); ++i)
+            QVERIFY2(after.at(i) == before.at(i), qPrintable(QStringLiteral("byte %1").arg(i)));
     }
 
     void recordsAndRemainder_data()
