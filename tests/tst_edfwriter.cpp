@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -22,15 +23,20 @@ double stepsOff(const EDFRawFile &raw, int signal, qint64 sample, double value)
 }
 // How a sample became a stored step before the conversion was folded into the buffering: negated
 // into a double first, then scaled, clamped and rounded half away from zero.
-int previousDigital(float sample, double range)
+int previousDigital(float sample, double minimum, double maximum)
 {
     const double negated = -double(sample);
-    const double scale = 65535.0 / (2.0 * range);
-    const double offset = range * scale - 32767.0;
+    const double scale = 65535.0 / (maximum - minimum);
+    const double offset = maximum * scale - 32767.0;
     const double x = negated * scale - offset;
     const double low = -32768.0 < x ? x : -32768.0;
     const double clamped = low < 32767.0 ? low : 32767.0;
     return int(clamped + std::copysign(0.5, clamped));
+}
+
+int previousDigital(float sample, double range)
+{
+    return previousDigital(sample, -range, range);
 }
 
 // A recording that touches every way samples reach the writer: the three writeData forms, blocks
@@ -263,6 +269,76 @@ private slots:
         QCOMPARE(after.size(), before.size());
         for (qsizetype i = 0; i < before.size(); ++i)
             QVERIFY2(after.at(i) == before.at(i), qPrintable(QStringLiteral("byte %1").arg(i)));
+    }
+
+    // Samples are converted several at a time; a value in the wrong lane, or a NaN, an infinity
+    // or a tie between two steps treated differently there, lands on another step. Every kind of
+    // float, at every position of a block, must come out as the one-by-one conversion has it.
+    void anyFloatLandsOnThePreviousStep_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<double>("minimum"); // as the header declares it
+        QTest::addColumn<double>("maximum");
+        QTest::newRow("EDF+") << "any.edf" << -1000.0 << 1000.0;
+        QTest::newRow("BDF+") << "any.bdf" << -65536.0 << 65535.0;
+    }
+
+    void anyFloatLandsOnThePreviousStep()
+    {
+        QFETCH(QString, name);
+        QFETCH(double, minimum);
+        QFETCH(double, maximum);
+        constexpr int kRate = 1000;
+        constexpr int kSamples = 20 * kRate;
+        const float step = float(2000.0 / 65535.0);
+        const QList<float> special = {std::numeric_limits<float>::quiet_NaN(),
+                                      -std::numeric_limits<float>::quiet_NaN(),
+                                      std::numeric_limits<float>::infinity(),
+                                      -std::numeric_limits<float>::infinity(),
+                                      std::numeric_limits<float>::denorm_min(),
+                                      -0.0f,
+                                      0.0f,
+                                      step / 2,
+                                      -step / 2,
+                                      step * 1.5f,
+                                      1000.0f,
+                                      -1000.0f,
+                                      65535.0f,
+                                      -65536.0f,
+                                      65536.0f,
+                                      3e38f};
+        QRandomGenerator random(23);
+        QList<float> samples;
+        for (int i = 0; i < kSamples; ++i) {
+            const int kind = i % 4;
+            float v;
+            if (kind == 0) // each special value in turn meets every position in a group of four
+                v = special.at((i / 4 + i / (4 * special.size())) % special.size());
+            else if (kind == 1) { // any bit pattern at all
+                const quint32 bits = random.generate();
+                std::memcpy(&v, &bits, sizeof v);
+            } else // inside and just beyond the range
+                v = float((random.generateDouble() * 2.2 - 1.1) * maximum);
+            samples << v;
+        }
+        EDFWriter writer(file(name), QStringList{"A"}, kRate, {}, {1000.0});
+        // Blocks of 1 to 61 samples shift the groups of four against the record and leave a few
+        // samples over at the end of most blocks.
+        for (qsizetype done = 0, block = 1; done < kSamples; done += block, block = block % 61 + 1)
+            writer.writeData(samples.mid(done, std::min(block, kSamples - done)));
+        QVERIFY(writer.close(true));
+
+        const EDFRawFile raw(file(name));
+        QCOMPARE(raw.number(EDFRawFile::PhysMin, 0), minimum);
+        QCOMPARE(raw.number(EDFRawFile::PhysMax, 0), maximum);
+        for (int i = 0; i < kSamples; ++i) {
+            if (raw.digital(0, i) != previousDigital(samples.at(i), minimum, maximum))
+                QFAIL(qPrintable(QStringLiteral("sample %1 (%2) stored as %3 instead of %4")
+                                     .arg(i)
+                                     .arg(samples.at(i))
+                                     .arg(raw.digital(0, i))
+                                     .arg(previousDigital(samples.at(i), minimum, maximum))));
+        }
     }
 
     void recordsAndRemainder_data()
