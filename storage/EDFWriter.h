@@ -99,6 +99,8 @@ signals:
 private:
     void initCurrentFile();
     void writePatientInfo();
+    // count samples of every signal; signalData[s] points at those of signal s.
+    void appendSamples(int count, const float *const *signalData);
     void writeRecord();
     void writeRemainderToFile();
     bool fileIsComplete() const;
@@ -110,8 +112,10 @@ private:
     int m_signals = 0;
     int m_samplesPerRecord = 0;
     bool m_bdf = false;
-    // One data record of stored steps, signal after signal.
+    // One data record of stored steps, signal after signal: 16-bit for EDF+, whole numbers for
+    // BDF+. Only the one the file type needs is allocated.
     QList<int> m_buffer;
+    QList<qint16> m_shortBuffer;
     // Per signal: digital = physical * scale - offset.
     QList<double> m_scale;
     QList<double> m_offset;

@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -22,15 +23,96 @@ double stepsOff(const EDFRawFile &raw, int signal, qint64 sample, double value)
 }
 // How a sample became a stored step before the conversion was folded into the buffering: negated
 // into a double first, then scaled, clamped and rounded half away from zero.
-int previousDigital(float sample, double range)
+int previousDigital(float sample, double minimum, double maximum)
 {
     const double negated = -double(sample);
-    const double scale = 65535.0 / (2.0 * range);
-    const double offset = range * scale - 32767.0;
+    const double scale = 65535.0 / (maximum - minimum);
+    const double offset = maximum * scale - 32767.0;
     const double x = negated * scale - offset;
     const double low = -32768.0 < x ? x : -32768.0;
     const double clamped = low < 32767.0 ? low : 32767.0;
     return int(clamped + std::copysign(0.5, clamped));
+}
+
+int previousDigital(float sample, double range)
+{
+    return previousDigital(sample, -range, range);
+}
+
+// A recording that touches every way samples reach the writer: the three writeData forms, blocks
+// shorter and longer than a record, NaN, infinities, values beyond the range and exactly between
+// two steps, marks in several records, and a short last record. Everything that could vary
+// between runs (the clock, the start time) is fixed, so the file comes out the same every time.
+void writeReferenceRecording(const QString &path)
+{
+    const QList<double> ranges = {1000.0, 3.5, 8191.75};
+    QList<ChannelDim> channels;
+    for (int s = 0; s < ranges.size(); ++s) {
+        ChannelDim c(QStringLiteral("Signal %1").arg(s), ranges.at(s),
+                     {{QStringLiteral("LP"), 40.0f}});
+        c.physicalDimension = s == 0 ? QStringLiteral("mmHg") : QStringLiteral("V");
+        channels.append(c);
+    }
+    qint64 now = 1'763'000'000'000;
+    EDFWriter writer(path, channels, 250, [&now] { return now; });
+    PatientInfo patient;
+    patient.patientName = QStringLiteral("Rat 7");
+    patient.equipment = QStringLiteral("CV-4 1234");
+    patient.recordingAdditional = QStringLiteral("reference");
+    patient.startYear = 2025;
+    patient.startMonth = 11;
+    patient.startDay = 13;
+    patient.startHour = 9;
+    patient.startMinute = 41;
+    patient.startSecond = 5;
+    patient.startMillisecond = 250;
+    writer.setPatientInfo(patient);
+    writer.takeStartTime(now);
+
+    const float half = float(2000.0 / 65535.0 / 2.0);
+    const QList<float> special = {std::numeric_limits<float>::quiet_NaN(),
+                                  std::numeric_limits<float>::infinity(),
+                                  -std::numeric_limits<float>::infinity(),
+                                  1e30f,
+                                  -1e30f,
+                                  0.0f,
+                                  -0.0f,
+                                  half,
+                                  -half,
+                                  3 * half,
+                                  -1000.0f,
+                                  1000.0f};
+    constexpr int kSamples = 250 * 5 + 163;
+    QRandomGenerator random(11);
+    QList<QList<float>> samples(ranges.size());
+    for (int i = 0; i < kSamples; ++i)
+        for (int s = 0; s < ranges.size(); ++s)
+            samples[s] << (i < special.size()
+                               ? special[i] * float(s + 1)
+                               : float((random.generateDouble() * 2.4 - 1.2) * ranges[s]));
+
+    int form = 0;
+    for (qsizetype done = 0, block = 1; done < kSamples; done += block, block += 37, ++form) {
+        block = std::min<qsizetype>(block == 38 + 37 * 4 ? 600 : block, kSamples - done);
+        QList<QList<float>> part;
+        QList<float> flat;
+        for (const QList<float> &signal : samples) {
+            part << signal.mid(done, block);
+            flat << part.last();
+        }
+        if (form % 3 == 0)
+            writer.writeData(part);
+        else if (form % 3 == 1)
+            writer.writeData(flat);
+        else
+            writer.writeData(int(block), flat.constData());
+        if (done == 0)
+            writer.addAnnotation(QStringLiteral("SBP"), 1500, -1);
+        now += 700;
+        writer.addAnnotationR(QStringLiteral("cuff %1").arg(form));
+    }
+    writer.addAnnotation(QStringLiteral("DBP"), 4750, 200);
+    writer.close(true);
 }
 } // namespace
 
@@ -161,6 +243,101 @@ private slots:
                                          : previousDigital(0.0f, ranges[s]);
                 QCOMPARE(raw.digital(s, i), expected);
             }
+        }
+    }
+
+    // The bytes of files written before the writer was made faster, kept in the test data. A
+    // faster path that moved one sample by one step, or changed how a record or a mark is laid
+    // down, shows up here as a changed byte.
+    void fileBytesStayAsTheEarlierWriterWroteThem_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("EDF+") << "reference.edf";
+        QTest::newRow("BDF+") << "reference.bdf";
+    }
+
+    void fileBytesStayAsTheEarlierWriterWroteThem()
+    {
+        QFETCH(QString, name);
+        QFile expected(QFINDTESTDATA(QStringLiteral("data/edf/") + name));
+        QVERIFY2(expected.open(QIODevice::ReadOnly), qPrintable(expected.fileName()));
+        writeReferenceRecording(file(name));
+        QFile written(file(name));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        const QByteArray before = expected.readAll();
+        const QByteArray after = written.readAll();
+        QCOMPARE(after.size(), before.size());
+        for (qsizetype i = 0; i < before.size(); ++i)
+            QVERIFY2(after.at(i) == before.at(i), qPrintable(QStringLiteral("byte %1").arg(i)));
+    }
+
+    // Samples are converted several at a time; a value in the wrong lane, or a NaN, an infinity
+    // or a tie between two steps treated differently there, lands on another step. Every kind of
+    // float, at every position of a block, must come out as the one-by-one conversion has it.
+    void anyFloatLandsOnThePreviousStep_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<double>("minimum"); // as the header declares it
+        QTest::addColumn<double>("maximum");
+        QTest::newRow("EDF+") << "any.edf" << -1000.0 << 1000.0;
+        QTest::newRow("BDF+") << "any.bdf" << -65536.0 << 65535.0;
+    }
+
+    void anyFloatLandsOnThePreviousStep()
+    {
+        QFETCH(QString, name);
+        QFETCH(double, minimum);
+        QFETCH(double, maximum);
+        constexpr int kRate = 1000;
+        constexpr int kSamples = 20 * kRate;
+        const float step = float(2000.0 / 65535.0);
+        const QList<float> special = {std::numeric_limits<float>::quiet_NaN(),
+                                      -std::numeric_limits<float>::quiet_NaN(),
+                                      std::numeric_limits<float>::infinity(),
+                                      -std::numeric_limits<float>::infinity(),
+                                      std::numeric_limits<float>::denorm_min(),
+                                      -0.0f,
+                                      0.0f,
+                                      step / 2,
+                                      -step / 2,
+                                      step * 1.5f,
+                                      1000.0f,
+                                      -1000.0f,
+                                      65535.0f,
+                                      -65536.0f,
+                                      65536.0f,
+                                      3e38f};
+        QRandomGenerator random(23);
+        QList<float> samples;
+        for (int i = 0; i < kSamples; ++i) {
+            const int kind = i % 4;
+            float v;
+            if (kind == 0) // each special value in turn meets every position in a group of four
+                v = special.at((i / 4 + i / (4 * special.size())) % special.size());
+            else if (kind == 1) { // any bit pattern at all
+                const quint32 bits = random.generate();
+                std::memcpy(&v, &bits, sizeof v);
+            } else // inside and just beyond the range
+                v = float((random.generateDouble() * 2.2 - 1.1) * maximum);
+            samples << v;
+        }
+        EDFWriter writer(file(name), QStringList{"A"}, kRate, {}, {1000.0});
+        // Blocks of 1 to 61 samples shift the groups of four against the record and leave a few
+        // samples over at the end of most blocks.
+        for (qsizetype done = 0, block = 1; done < kSamples; done += block, block = block % 61 + 1)
+            writer.writeData(samples.mid(done, std::min(block, kSamples - done)));
+        QVERIFY(writer.close(true));
+
+        const EDFRawFile raw(file(name));
+        QCOMPARE(raw.number(EDFRawFile::PhysMin, 0), minimum);
+        QCOMPARE(raw.number(EDFRawFile::PhysMax, 0), maximum);
+        for (int i = 0; i < kSamples; ++i) {
+            if (raw.digital(0, i) != previousDigital(samples.at(i), minimum, maximum))
+                QFAIL(qPrintable(QStringLiteral("sample %1 (%2) stored as %3 instead of %4")
+                                     .arg(i)
+                                     .arg(samples.at(i))
+                                     .arg(raw.digital(0, i))
+                                     .arg(previousDigital(samples.at(i), minimum, maximum))));
         }
     }
 
