@@ -171,7 +171,7 @@ private slots:
             QCOMPARE(truths.value(unit).size(), 2);
             for (int i = 0; i < results.size(); ++i) {
                 const SessionRun::CycleResult &r = results[i];
-                const SyntheticAnimal::Truth &t = truths.value(unit)[i];
+                const SyntheticAnimal::Truth t = truths.value(unit).at(i);
                 const QString figures =
                     QStringLiteral("%1 cycle %2: %3/%4 at %5 bpm, truth %6/%7 at %8 %9")
                         .arg(unit->deviceId())

@@ -90,19 +90,18 @@ PageDatabase::PageDatabase(QWidget *parent)
     // Room for the title and the three other headers, also in Russian (fitColumns).
     m_table->setMinimumWidth(500);
     QHeaderView *header = m_table->horizontalHeader();
-    // Every column but the comment shows its values whole; the comment takes what is left (its
-    // tooltip holds all of it), and a narrow window scrolls the table sideways rather than cut
-    // "118/69" to "118...".
+    // Every column shows its title and values whole, but for long comments (the tooltip holds
+    // all of a comment); a narrow window scrolls the table sideways rather than cut "118/69" to
+    // "118...".
     for (int c = 0; c < RecordDatabase::ColumnCount; ++c)
         header->setSectionResizeMode(c, QHeaderView::ResizeToContents);
-    header->setSectionResizeMode(RecordDatabase::CommentColumn, QHeaderView::Stretch);
-    m_connections << connect(m_model, &QAbstractItemModel::modelReset, this,
-                             &PageDatabase::fitColumns);
-    m_connections << connect(m_model, &QAbstractItemModel::dataChanged, this,
-                             &PageDatabase::fitColumns);
-    m_connections << connect(m_model, &QAbstractItemModel::rowsInserted, this,
-                             &PageDatabase::fitColumns);
-    fitColumns();
+    header->setSectionResizeMode(RecordDatabase::CommentColumn, QHeaderView::Interactive);
+    header->setStretchLastSection(true);
+    const auto listChanged = [this] { fitColumns(true); };
+    m_connections << connect(m_model, &QAbstractItemModel::modelReset, this, listChanged);
+    m_connections << connect(m_model, &QAbstractItemModel::dataChanged, this, listChanged);
+    m_connections << connect(m_model, &QAbstractItemModel::rowsInserted, this, listChanged);
+    fitColumns(true);
     // Sorting starts from the stored column and order; clicking a header sorts and stores.
     header->setSortIndicator(m_database->sortColumn(), m_database->sortOrder());
     m_table->setSortingEnabled(true);
@@ -582,7 +581,7 @@ void PageDatabase::openFile(const QString &path)
     FileBrowser::openFile(path);
 }
 
-void PageDatabase::fitColumns()
+void PageDatabase::fitColumns(bool listChanged)
 {
     bool used = false;
     for (int row = 0; row < m_database->count() && !used; ++row) {
@@ -590,13 +589,22 @@ void PageDatabase::fitColumns()
         used = record && record->usesRefinedMethod();
     }
     m_table->setColumnHidden(RecordDatabase::MethodColumn, !used);
-    // As wide as the columns need, up to half the page; never under 500 pixels.
     const QHeaderView *header = m_table->horizontalHeader();
     const QAbstractItemView *view = m_table;
+    const int comment = RecordDatabase::CommentColumn;
+    // The comment's width follows the records listed, not the window, so a width the user
+    // dragged it to lasts until the list changes.
+    if (listChanged) {
+        m_table->setColumnWidth(comment, std::max(header->sectionSizeHint(comment),
+                                                  std::min(view->sizeHintForColumn(comment), 240)));
+    }
+    // As wide as the columns need, up to half the page; never under 500 pixels.
     int needed = m_table->frameWidth() * 2 + m_table->verticalScrollBar()->sizeHint().width();
     for (int c = 0; c < RecordDatabase::ColumnCount; ++c) {
         if (!m_table->isColumnHidden(c))
-            needed += std::max(header->sectionSizeHint(c), view->sizeHintForColumn(c));
+            needed += c == comment
+                          ? m_table->columnWidth(c)
+                          : std::max(header->sectionSizeHint(c), view->sizeHintForColumn(c));
     }
     m_table->setMinimumWidth(std::max(500, std::min(needed, width() / 2)));
 }
@@ -604,7 +612,7 @@ void PageDatabase::fitColumns()
 void PageDatabase::resizeEvent(QResizeEvent *event)
 {
     CorvidaBasePage::resizeEvent(event);
-    fitColumns();
+    fitColumns(false);
 }
 
 void PageDatabase::applySplitterRatio()

@@ -101,7 +101,7 @@ private:
     void applySplitterRatio();
     // Shows the Method column once a listed record uses the refined way, and gives the list
     // the room its columns need, up to half the page.
-    void fitColumns();
+    void fitColumns(bool listChanged);
     void storeSplitterRatio();
 
     QPointer<CorvidaSettings> m_settings;
