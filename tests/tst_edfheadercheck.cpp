@@ -1,8 +1,8 @@
 #include "storage/EDFHeaderCheck.h"
 #include "storage/EDFReader.h"
-#include "storage/EDFWriter.h"
 #include "support/EDFRawFile.h"
 #include "support/RecordFiles.h"
+#include "support/StandardRecording.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,34 +14,6 @@
 // header check must come to the same verdict.
 namespace {
 void quiet(QtMsgType, const QMessageLogContext &, const QString &) {}
-
-// Three signals at 100 Hz for 3.5 s (four data records of one second), with a birth date and a
-// name so that every EDF+ subfield is present.
-bool writeRecording(const QString &path)
-{
-    EDFWriter writer(path, QStringList{"Pressure", "Pulse", "IR"}, 100,
-                     {{QStringLiteral("HP"), 0.5f}}, {1000.0, 1000.0, 1000.0});
-    PatientInfo p;
-    p.patientName = QStringLiteral("Rat Seven");
-    p.gender = 0;
-    p.birthYear = 2025;
-    p.birthMonth = 3;
-    p.birthDay = 14;
-    p.startYear = 2026;
-    p.startMonth = 11;
-    p.startDay = 21;
-    p.startHour = 14;
-    p.startMinute = 5;
-    p.startSecond = 9;
-    writer.setPatientInfo(p);
-    QList<float> data;
-    for (int s = 0; s < 3; ++s)
-        for (int i = 0; i < 350; ++i)
-            data.append(float(s * 10 + i / 10.0));
-    writer.writeData(350, data.constData());
-    writer.addAnnotation(QStringLiteral("SBP"), 1500, -1);
-    return writer.close(true);
-}
 
 // The sweep writes thousands of files; it runs in memory where there is a memory file system.
 QString scratchTemplate()
@@ -67,7 +39,7 @@ private slots:
         QVERIFY(m_dir.isValid());
         for (const char *name : {"sound.edf", "sound.bdf"}) {
             const QString path = m_dir.filePath(QLatin1String(name));
-            QVERIFY(writeRecording(path));
+            QVERIFY(writeStandardRecording(path));
             QVERIFY(readerOpens(path));
             QVERIFY(EDFHeaderCheck::ofFile(path).isReadable());
         }

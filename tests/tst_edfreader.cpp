@@ -1,6 +1,7 @@
 #include "storage/EDFReader.h"
 #include "storage/EDFWriter.h"
 #include "support/EDFRawFile.h"
+#include "support/StandardRecording.h"
 #include "toolkit/LogCapture.h"
 
 #include <QDir>
@@ -13,35 +14,6 @@
 namespace {
 const QString kFormatError = QStringLiteral(
     "EDFReader: the file is not EDF(+) or BDF(+) compliant\r\n(it contains format errors)");
-
-// Three signals, 100 samples per second, 3.5 s: signal s holds s*10 + i/10. Two marks at 1.5 s.
-void writeStandard(const QString &path)
-{
-    EDFWriter writer(path, QStringList{"Pressure", "Pulse", "IR"}, 100,
-                     {{QStringLiteral("HP"), 0.5f}, {QStringLiteral("LP"), 40.0f}},
-                     {1000.0, 1000.0, 1000.0});
-    PatientInfo p;
-    p.patientName = QStringLiteral("Ivan Petrov");
-    p.gender = 1;
-    p.birthYear = 2024;
-    p.birthMonth = 2;
-    p.birthDay = 29;
-    p.startYear = 2026;
-    p.startMonth = 11;
-    p.startDay = 21;
-    p.startHour = 14;
-    p.startMinute = 5;
-    p.startSecond = 9;
-    writer.setPatientInfo(p);
-    QList<float> data;
-    for (int s = 0; s < 3; ++s)
-        for (int i = 0; i < 350; ++i)
-            data.append(float(s * 10 + i / 10.0));
-    writer.writeData(350, data.constData());
-    writer.addAnnotation(QStringLiteral("SBP"), 1500, -1);
-    writer.addAnnotation(QStringLiteral("second"), 1500, -1);
-    writer.close(true);
-}
 
 QSet<QString> repairedCopies()
 {
@@ -60,7 +32,7 @@ private slots:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("std.edf"));
-        writeStandard(path);
+        QVERIFY(writeStandardRecording(path));
         EDFReader reader(path);
         QVERIFY(reader.open());
         const QList<double> zeros(10, 0.0);
@@ -199,7 +171,7 @@ private slots:
 
     void identificationAndPrefilter()
     {
-        writeStandard(file("id.edf"));
+        QVERIFY(writeStandardRecording(file("id.edf")));
         EDFReader reader(file("id.edf"));
         QVERIFY(reader.open());
         const PatientInfo p = reader.patientInfo();
@@ -219,7 +191,7 @@ private slots:
     {
         // Four bytes of UTF-8 in place of "Ivan": the library sees '_', we decode the original.
         const QByteArray find = "Ivan", replace = QString::fromUtf8("Ив").toUtf8();
-        writeStandard(file("h.edf"));
+        QVERIFY(writeStandardRecording(file("h.edf")));
         const int at = int(EDFRawFile(file("h.edf")).fixed(0, 256).indexOf(find));
         QVERIFY(at >= 0);
         QVERIFY(EDFRawFile::patch(file("h.edf"), at, replace));
@@ -261,7 +233,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QFETCH(QString, line);
         const QString path = file("bad.edf");
-        writeStandard(path);
+        QVERIFY(writeStandardRecording(path));
         QFile f(path);
         if (at < 0)
             QVERIFY(f.remove());
