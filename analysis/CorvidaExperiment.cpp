@@ -2,6 +2,7 @@
 
 #include "analysis/EnvelopeOnsetDetector.h"
 #include "analysis/ExperimentFiles.h"
+#include "analysis/OpenArteryHeartRate.h"
 #include "analysis/PeakFinder.h"
 #include "settings/AbstractMetaDescription.h"
 #include "storage/RecordFileNames.h"
@@ -553,6 +554,14 @@ QPair<double, double> CorvidaExperiment::refinedMarkers()
     const EnvelopeOnsetDetector::Result r =
         EnvelopeOnsetDetector::detect(m_pressure, m_amplitude, m_samplingRate);
     m_detectionNote = r.reason;
+    // The refined way counts the rate over the open artery's beats only; without a systolic
+    // point there is no telling those apart, and the peak finder's rate stays.
+    if (r.systolicTime > 0) {
+        const double rate =
+            OpenArteryHeartRate::estimate(m_amplitude, m_pressure, m_samplingRate, r.systolic);
+        if (rate > 0)
+            setBPM(rate);
+    }
     return {r.systolicTime, r.diastolicTime};
 }
 

@@ -1,5 +1,7 @@
 #include "analysis/EnvelopeOnsetDetector.h"
 
+#include "analysis/EnvelopeHingeFit.h"
+
 #include <QCoreApplication>
 #include <QDebug>
 #include <algorithm>
@@ -284,6 +286,12 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     } else {
         qDebug() << "ENVELOPE: too few rising beats for a line, using the beats themselves";
     }
+
+    // The knee is found again from the whole envelope: the rise and the plateau fitted together
+    // weigh every beat, where the line above sees only the rising ones and the plateau level.
+    const EnvelopeHingeFit::Result hinge = EnvelopeHingeFit::fit(cuff, smooth, *top);
+    if (hinge.found && hinge.diastolic < systolic)
+        diastolic = hinge.diastolic;
 
     const qsizetype sbpIndex = firstCrossing(pressure, topIndex, systolic);
     if (sbpIndex < 0) {

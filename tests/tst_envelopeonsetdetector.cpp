@@ -1,3 +1,4 @@
+#include "analysis/EnvelopeHingeFit.h"
 #include "analysis/EnvelopeOnsetDetector.h"
 
 #include <QtTest>
@@ -127,6 +128,24 @@ private slots:
         QCOMPARE(r.diastolicTime, 0.0);
         QCOMPARE(r.systolic, 0.0);
         QVERIFY(!r.reason.isEmpty());
+    }
+
+    void hingeFitFindsBothCornersOfAnEnvelope()
+    {
+        QList<double> cuffs, amplitudes;
+        for (double p = 180; p >= 0; p -= 1.0) {
+            cuffs << p;
+            amplitudes << 0.1 + 0.9 * std::clamp((130 - p) / (130 - 90), 0.0, 1.0);
+        }
+        const EnvelopeHingeFit::Result fit = EnvelopeHingeFit::fit(cuffs, amplitudes, 180);
+        QVERIFY(fit.found);
+        QVERIFY(std::abs(fit.systolic - 130) <= EnvelopeHingeFit::kStep);
+        QVERIFY(std::abs(fit.diastolic - 90) <= EnvelopeHingeFit::kStep);
+        QVERIFY(std::abs(fit.floor - 0.1) < 0.01 && std::abs(fit.plateau - 1.0) < 0.01);
+        // Too few beats to tell a corner from a stray beat, or a cuff that never got high.
+        QVERIFY(!EnvelopeHingeFit::fit(cuffs.mid(0, 5), amplitudes.mid(0, 5), 180).found);
+        QVERIFY(!EnvelopeHingeFit::fit(cuffs, amplitudes, 3).found);
+        QVERIFY(!EnvelopeHingeFit::fit({}, {}, 180).found);
     }
 
     void runningMedianOverFiveKeepsTheEndsAndDropsSpikes()
