@@ -558,7 +558,8 @@ QPair<double, double> CorvidaExperiment::refinedMarkers()
     // point there is no telling those apart, and the peak finder's rate stays.
     if (r.systolicTime > 0) {
         const double rate =
-            OpenArteryHeartRate::estimate(m_amplitude, m_pressure, m_samplingRate, r.systolic);
+            OpenArteryHeartRate::estimate(m_amplitude, m_pressure, m_samplingRate,
+                                          r.surelyOpenBelow);
         if (rate > 0)
             setBPM(rate);
     }

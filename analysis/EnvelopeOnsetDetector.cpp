@@ -300,6 +300,7 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     }
     const qsizetype dbpIndex = firstCrossing(pressure, sbpIndex, diastolic);
     result.systolic = systolic;
+    result.surelyOpenBelow = hinge.found ? std::min(systolic, hinge.systolic) : systolic;
     result.systolicTime = double(sbpIndex) / samplingRate;
     if (dbpIndex >= 0) {
         result.diastolic = diastolic;

@@ -11,7 +11,8 @@
 //   - SBP is where that line leaves the floor: the cuff pressure at which the pulse starts to
 //     come back, found from all the rising beats together rather than from the first beat large
 //     enough to be seen;
-//   - DBP is where the line reaches the plateau: the knee where growth stops.
+//   - DBP is the knee where growth stops, found by fitting floor, rise and plateau to the whole
+//     envelope at once (EnvelopeHingeFit).
 // The amplitudes are smoothed with a running median of five beats first, so a premature beat
 // or a single artefact does not bend the line.
 //
@@ -24,7 +25,10 @@ public:
         double systolicTime = 0.0;  // s, 0 when not found
         double diastolicTime = 0.0; // s, 0 when not found
         double systolic = 0.0;      // mmHg where the line leaves the floor
-        double diastolic = 0.0;     // mmHg where it reaches the plateau
+        double diastolic = 0.0;     // mmHg of the knee where the growth stops
+        // Below this cuff pressure the artery is surely open: the lower of the line's SBP and
+        // the corner where the fit of the whole envelope leaves its floor. 0 when not found.
+        double surelyOpenBelow = 0.0;
         QString reason;             // why there are no markers, in words for the operator
     };
 

@@ -25,9 +25,15 @@ private slots:
         QTest::addColumn<int>("seed");
         QTest::addColumn<int>("upper");
         QTest::addColumn<int>("lower");
-        QTest::newRow("mouse") << QStringLiteral("mouse") << 31 << 170 << 50;
-        QTest::newRow("rat") << QStringLiteral("rat") << 32 << 180 << 60;
-        QTest::newRow("hypertensive rat") << QStringLiteral("hypertensive-rat") << 33 << 240 << 80;
+        QTest::addColumn<QString>("condition");
+        QTest::newRow("mouse") << QStringLiteral("mouse") << 31 << 170 << 50 << "clean";
+        QTest::newRow("rat") << QStringLiteral("rat") << 32 << 180 << 60 << "clean";
+        QTest::newRow("hypertensive rat")
+            << QStringLiteral("hypertensive-rat") << 33 << 240 << 80 << "clean";
+        QTest::newRow("noisy rat") << QStringLiteral("rat") << 34 << 180 << 60 << "noise";
+        QTest::newRow("moving mouse") << QStringLiteral("mouse") << 35 << 170 << 50 << "movement";
+        QTest::newRow("rat with premature beats")
+            << QStringLiteral("rat") << 36 << 180 << 60 << "ectopic";
     }
     void sessionOverTheSerialPortFindsTheAnimalsTruth()
     {
@@ -35,11 +41,13 @@ private slots:
         QFETCH(int, seed);
         QFETCH(int, upper);
         QFETCH(int, lower);
+        QFETCH(QString, condition);
+        const bool clean = condition == QLatin1String("clean");
         constexpr qint64 kStepMs = 50;
         qint64 now = 1'760'000'000'000;
         CorvidaUnitEmulator unit;
         unit.setClock([&now] { return now; });
-        QVERIFY(unit.setAnimal(animal, quint32(seed)));
+        QVERIFY(unit.setAnimal(animal, quint32(seed), condition));
         // A brisk pump and the usual 10 mmHg/s let-down: slower would only make the test
         // longer, faster costs the markers accuracy the way it does on a real tail.
         unit.setCuffRates(150, 10);
@@ -97,25 +105,37 @@ private slots:
                                         .arg(t.heartRate, 0, 'f', 1);
             qInfo().noquote() << figures;
             QVERIFY2(r.pulseBefore, qPrintable(figures));
-            QVERIFY2(r.accepted, qPrintable(figures + QStringLiteral(": ") + r.reason));
-            // The session judges with the long-standing method. Its markers scatter widely
-            // (the first beats it takes for the pulse's return can lie well above the true SBP
-            // on a clean animal), so here they only have to be found; the heart rate does not
-            // depend on the method.
-            QVERIFY2(r.sbp > 0 && r.dbp > 0, qPrintable(figures));
-            QVERIFY2(std::fabs(r.bpm - t.heartRate) <= 0.035 * t.heartRate, qPrintable(figures));
-
             // The record as stored, read again and analysed the refined way, which follows the
-            // clean envelope closely: a pressure scaled or shifted on the way, or samples lost,
-            // would show here as a few mmHg.
+            // envelope closely: a pressure scaled or shifted on the way, or samples lost, would
+            // show here as a few mmHg, and beats lost or doubled in its heart rate.
             CorvidaExperiment stored(r.file.chopped(4) + QStringLiteral(".exp"));
             stored.setAutoSave(false);
             stored.setMethod(CorvidaExperiment::refinedMethod());
             stored.recalculate(true);
-            const QString refined = QStringLiteral("%1, refined %2/%3")
+            const QString refined = QStringLiteral("%1, refined %2/%3 at %4 bpm")
                                         .arg(figures)
                                         .arg(stored.getSBP(), 0, 'f', 1)
-                                        .arg(stored.getDBP(), 0, 'f', 1);
+                                        .arg(stored.getDBP(), 0, 'f', 1)
+                                        .arg(stored.getBPM(), 0, 'f', 1);
+            // The unit stops recording at the lower limit, so a cycle holds only some 50 beats
+            // of the open artery; one beat more or less is 2 %.
+            QVERIFY2(std::fabs(stored.getBPM() - t.heartRate) <= 0.025 * t.heartRate,
+                     qPrintable(refined));
+            if (!clean) {
+                // A noisy or moving animal may be turned down by the session's rules; whatever
+                // the verdict, the refined way keeps its knee and the heart's own rate.
+                // Under noise the knee scatters by some 5 mmHg (docs/validation.md).
+                const double kneeTolerance = condition == QLatin1String("noise") ? 8.0 : 3.0;
+                QVERIFY2(std::fabs(stored.getDBP() - t.diastolic) <= kneeTolerance,
+                         qPrintable(refined));
+                continue;
+            }
+            QVERIFY2(r.accepted, qPrintable(figures + QStringLiteral(": ") + r.reason));
+            // The session judges with the long-standing method. Its markers scatter widely
+            // (the first beats it takes for the pulse's return can lie well above the true SBP
+            // on a clean animal), so here they only have to be found.
+            QVERIFY2(r.sbp > 0 && r.dbp > 0, qPrintable(figures));
+            QVERIFY2(std::fabs(r.bpm - t.heartRate) <= 0.035 * t.heartRate, qPrintable(figures));
             QVERIFY2(stored.getSBP() <= t.systolic + 1.0, qPrintable(refined));
             QVERIFY2(stored.getSBP() >= t.systolic - 8.0, qPrintable(refined));
             QVERIFY2(std::fabs(stored.getDBP() - t.diastolic) <= 2.0, qPrintable(refined));

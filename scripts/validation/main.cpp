@@ -339,8 +339,9 @@ hand on it, and SBP and DBP read off where the line meets them.
 
 **Heart rate.** The documented method reports the mean beat rate of the peak finder over the
 whole record, noise under the closed cuff included. The refined method counts only the beats
-of the open artery: those at cuff pressures below its SBP (before inflation and after the
-pulse returns) and at least half as large as the median of the nine beats around them. It
+of the open artery: those at cuff pressures below its SBP, or below the corner where the
+fit of step 6 leaves its floor if that is lower (before inflation and after the pulse
+returns), and at least half as large as the median of the nine beats around them. It
 walks these beats and reads each step from the last counted beat as a whole number of heart
 beats; a step shorter than 0.7 of the usual interval is no beat of its own and is stepped
 over, and gaps of more than three beats (the closed artery) are not counted. The rate is the

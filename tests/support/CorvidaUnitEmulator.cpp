@@ -288,16 +288,18 @@ void CorvidaUnitEmulator::tick()
     sendSamples(int(due));
 }
 
-bool CorvidaUnitEmulator::setAnimal(const QString &preset, quint32 seed)
+bool CorvidaUnitEmulator::setAnimal(const QString &preset, quint32 seed, const QString &condition)
 {
     if (preset.isEmpty()) {
         m_animal.reset();
         return true;
     }
     SyntheticAnimal::Preset p;
-    if (!SyntheticAnimal::presetFromName(preset, &p))
+    SyntheticAnimal::Condition c;
+    if (!SyntheticAnimal::presetFromName(preset, &p) ||
+        !SyntheticAnimal::conditionFromName(condition, &c))
         return false;
-    m_animal = std::make_unique<SyntheticAnimal>(p, SyntheticAnimal::Clean, seed);
+    m_animal = std::make_unique<SyntheticAnimal>(p, c, seed);
     m_truths.clear();
     startAnimalCycle(m_measuring);
     return true;

@@ -76,8 +76,10 @@ public:
     // cycle a cycle of the animal with the cuff going up to the upper limit at the rates above
     // and down to the lower one, where the valve opens. The pulse comes back at the animal's
     // true SBP. Each unit gets its own seed, so several units are several animals. An empty
-    // name goes back to the sine; an unknown one is refused.
-    bool setAnimal(const QString &preset, quint32 seed);
+    // name goes back to the sine; an unknown one is refused. The condition is one of the
+    // animal's (noise, movement, ...); the cuff's rates stay the unit's own whatever it is.
+    bool setAnimal(const QString &preset, quint32 seed,
+                   const QString &condition = QStringLiteral("clean"));
     bool hasAnimal() const { return bool(m_animal); }
     // The truth of every cuff cycle played so far, in order.
     QList<SyntheticAnimal::Truth> animalTruths() const { return m_truths; }
