@@ -27,6 +27,10 @@ constexpr int kSustainedBeats = 4;
 // pulse, but the pulse of the open artery is never much above its neighbours.
 constexpr double kMovementFactor = 1.6;
 constexpr int kLocalBeats = 25;
+// Seconds without any beat found that show the artery still closed.
+constexpr double kLongestSilence = 1.5;
+// A floor of this share of the plateau or more is a noisy sensor's (see detect()).
+constexpr double kNoisyFloor = 0.25;
 // The pressure is averaged over this many samples before its crossings are looked for, so a
 // noisy sample does not place a marker early.
 constexpr int kPressureSmoothing = 50;
@@ -159,6 +163,8 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         result.reason = noPulse;
         return result;
     }
+    // Every beat of the deflation, before those of a moving animal are left out.
+    const QList<double> everyBeat = times;
     dropMovement(times, raw, cuff);
     if (raw.size() < 2 * kSustainedBeats) {
         result.reason = noPulse;
@@ -194,10 +200,27 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     // recording. Once the artery is open it stays open as the cuff falls, so an earlier run that
     // breaks off again (the animal moving under a closed cuff) is not the pulse coming back.
     // Dips of up to kSustainedBeats - 1 beats inside the run are forgiven.
+    // A stretch without any beat found, moving ones included, also ends the run: with the
+    // artery open the peak finder finds beats all the time, so silence means it was still
+    // closed, and a stray beat before the silence (the edge of a burst of movement) is not the
+    // pulse coming back.
+    const auto longestSilence = [&](double from, double to) {
+        double longest = 0.0;
+        for (auto at = std::lower_bound(everyBeat.cbegin(), everyBeat.cend(), from);
+             at != everyBeat.cend() && at + 1 != everyBeat.cend() && *at < to; ++at)
+            longest = std::max(longest, *(at + 1) - *at);
+        return longest;
+    };
+    qsizetype runFrom = 0;
     const auto findOnset = [&](double low) {
         qsizetype onset = -1;
         int gap = 0;
+        runFrom = 0;
         for (qsizetype k = smooth.size() - 1; k >= 0; --k) {
+            if (onset >= 0 && longestSilence(times[k], times[k + 1]) > kLongestSilence) {
+                runFrom = k + 1;
+                break;
+            }
             if (smooth[k] >= low) {
                 onset = k;
                 gap = 0;
@@ -241,7 +264,7 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     // The line through the rising part: the beats from just before the onset until the
     // amplitude stays above the high share, those between the two shares.
     QList<qsizetype> rise;
-    qsizetype k = std::max<qsizetype>(0, onset - 2);
+    qsizetype k = std::max<qsizetype>(runFrom, onset - 2);
     for (; k < smooth.size(); ++k) {
         // The rise ends where the amplitude stays above the high share; a single burst above
         // it (movement) is stepped over.
@@ -292,6 +315,21 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
     const EnvelopeHingeFit::Result hinge = EnvelopeHingeFit::fit(cuff, smooth, *top);
     if (hinge.found && hinge.diastolic < systolic)
         diastolic = hinge.diastolic;
+    // A noisy sensor shows the closed artery as noise peaks a quarter of the pulse or more. The
+    // first returning beats then hardly stand out of it, the rising beats the line is drawn
+    // through are mostly noise, and the line comes out far too flat. The fit of the whole
+    // envelope holds then, once the noise is taken out of every beat: noise and pulse add
+    // roughly as powers, so the pulse alone is what is left after the floor's power.
+    if (hinge.found && floor >= kNoisyFloor * plateau) {
+        QList<double> pulseOnly;
+        pulseOnly.reserve(smooth.size());
+        for (double a : smooth)
+            pulseOnly << std::sqrt(std::max(0.0, a * a - hinge.floor * hinge.floor));
+        const EnvelopeHingeFit::Result pulse = EnvelopeHingeFit::fit(cuff, pulseOnly, *top);
+        const double corner = pulse.found ? pulse.systolic : hinge.systolic;
+        if (corner > diastolic)
+            systolic = corner;
+    }
 
     const qsizetype sbpIndex = firstCrossing(pressure, topIndex, systolic);
     if (sbpIndex < 0) {
