@@ -39,21 +39,30 @@ EnvelopeHingeFit::Result EnvelopeHingeFit::fit(const QList<double> &cuff,
         s.add(cuff[order[i]], amplitudes[order[i]]);
         yy += amplitudes[order[i]] * amplitudes[order[i]];
     }
-    const auto below = [&](double level) {
-        // How many beats lie at or below `level`.
-        return size_t(std::upper_bound(pressure.begin(), pressure.end(), level) - pressure.begin());
-    };
+    // The grid of corner pressures, and how many beats lie at or below each.
     const double lowest = std::max(0.0, pressure.front());
     const double highest = std::min(top, pressure.back());
+    std::vector<double> level;
+    std::vector<size_t> below;
+    for (double at = lowest; at <= highest; at += kStep) {
+        level.push_back(at);
+        below.push_back(
+            size_t(std::upper_bound(pressure.begin(), pressure.end(), at) - pressure.begin()));
+    }
+    const size_t narrowest = size_t(std::ceil(kNarrowest / kStep));
     double bestError = INFINITY;
-    for (double sys = lowest + kNarrowest; sys <= highest; sys += kStep) {
-        const size_t c = below(sys); // beats below the systolic corner
+    for (size_t si = narrowest; si < level.size(); ++si) {
+        const double sys = level[si];
+        const size_t c = below[si]; // beats below the systolic corner
         const double nC = s.n.back() - s.n[c], yC = s.y.back() - s.y[c];
-        for (double dia = std::max(lowest, 0.0); dia <= sys - kNarrowest; dia += kStep) {
-            const size_t a = below(dia);
+        if (nC < 2)
+            continue;
+        for (size_t di = 0; di + narrowest <= si; ++di) {
+            const double dia = level[di];
+            const size_t a = below[di];
             const double nA = s.n[a], yA = s.y[a];
             const double nB = s.n[c] - s.n[a];
-            if (nA < 2 || nC < 2 || nB < 3)
+            if (nA < 2 || nB < 3)
                 continue;
             const double pB = s.p[c] - s.p[a], ppB = s.pp[c] - s.pp[a];
             const double yB = s.y[c] - s.y[a], ypB = s.yp[c] - s.yp[a];
