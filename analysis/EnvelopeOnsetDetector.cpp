@@ -1,6 +1,7 @@
 #include "analysis/EnvelopeOnsetDetector.h"
 
 #include "analysis/EnvelopeHingeFit.h"
+#include "analysis/RiseOnsetFit.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -329,6 +330,16 @@ EnvelopeOnsetDetector::Result EnvelopeOnsetDetector::detect(const QList<double> 
         const double corner = pulse.found ? pulse.systolic : hinge.systolic;
         if (corner > diastolic)
             systolic = corner;
+    } else if (hinge.found && diastolic > 0 && systolic > diastolic) {
+        // The straight line assumes the pulse grows evenly from SBP to DBP. If it grows slowly
+        // at first, the line meets the floor too low; the fitted shape of the rise then finds
+        // the corner higher. Beats too faint for the peak finder are missing just below SBP, so
+        // every fit anchored on the visible beats can only fall short of SBP, never pass it:
+        // the higher of the two is the nearer.
+        const double curved =
+            RiseOnsetFit::systolic(cuff, raw, hinge.floor, hinge.plateau, diastolic,
+                                   systolic - 5.0, std::min(*top, systolic + 40.0));
+        systolic = std::max(systolic, curved);
     }
 
     const qsizetype sbpIndex = firstCrossing(pressure, topIndex, systolic);

@@ -6,8 +6,9 @@
 
 namespace {
 const char *const kPresetNames[] = {"mouse", "rat", "hypertensive-rat"};
-const char *const kConditionNames[] = {"clean",   "noise",          "cold-tail",     "movement",
-                                       "ectopic", "slow-deflation", "fast-deflation"};
+const char *const kConditionNames[] = {"clean",          "noise",          "cold-tail",
+                                       "movement",       "ectopic",        "slow-deflation",
+                                       "fast-deflation", "curved-rise"};
 
 // Where in its beat the systolic peak of the wave lies.
 constexpr double kPeakPhase = 0.18;
@@ -75,6 +76,9 @@ void applyCondition(SyntheticAnimal::Parameters &p, SyntheticAnimal::Condition c
     case SyntheticAnimal::FastDeflation:
         p.deflationRate *= 2.5;
         break;
+    case SyntheticAnimal::CurvedRise:
+        p.riseCurvature = 1.0;
+        break;
     }
 }
 } // namespace
@@ -133,13 +137,22 @@ QString SyntheticAnimal::conditionName(Condition condition)
     return QString::fromLatin1(kConditionNames[condition]);
 }
 
-double SyntheticAnimal::relativeAmplitude(double p, double systolic, double diastolic)
+double SyntheticAnimal::relativeAmplitude(double p, double systolic, double diastolic,
+                                         double riseCurvature)
 {
     if (p >= systolic)
         return 0.0;
     if (p <= diastolic || systolic <= diastolic)
         return 1.0;
-    return (systolic - p) / (systolic - diastolic);
+    const double x = (p - diastolic) / (systolic - diastolic); // 1 at SBP, 0 at DBP
+    if (riseCurvature <= 0.0)
+        return 1.0 - x;
+    // The arterial pressure over a beat: DBP + (SBP - DBP) (e^(-t/tau) - e^(-k)) / (1 - e^(-k))
+    // for t from 0 to k tau, so it starts at SBP and ends at DBP. The share of the beat in which
+    // it is above the cuff:
+    const double k = riseCurvature;
+    const double tail = std::exp(-k);
+    return -std::log(x * (1.0 - tail) + tail) / k;
 }
 
 double SyntheticAnimal::beatShape(double phase)
@@ -231,8 +244,9 @@ SyntheticAnimal::Cycle SyntheticAnimal::generate()
         }
         interval = std::max(interval, 0.3 * meanInterval);
         const double peak = t + kPeakPhase * interval;
-        const double amplitude = p.amplitude * strength *
-                                 relativeAmplitude(cuffAt(peak), p.systolic, p.diastolic) *
+        const double open =
+            relativeAmplitude(cuffAt(peak), p.systolic, p.diastolic, p.riseCurvature);
+        const double amplitude = p.amplitude * strength * open *
                                  (1.0 + p.breathingDepth * std::sin(breathing * peak));
         beats << Beat{t, interval, amplitude};
         if (t >= 0 && t + interval <= duration) {

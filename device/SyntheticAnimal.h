@@ -37,7 +37,8 @@ public:
         Movement,      // the animal moves: large slow swings of the pulse and pressure bumps
         Ectopic,       // premature beats followed by a compensatory pause
         SlowDeflation, // the cuff is let down at half the usual rate
-        FastDeflation  // and at two and a half times the usual rate
+        FastDeflation, // and at two and a half times the usual rate
+        CurvedRise     // the pulse comes back along a curve, not a straight line (see below)
     };
 
     struct Parameters {
@@ -56,6 +57,11 @@ public:
         double pressureNoise = 0;  // SD of the pressure noise, mmHg
         double ectopicShare = 0;   // share of beats that come early
         int movements = 0;         // number of movement artefacts
+        // How the pulse comes back between SBP and DBP. 0: in a straight line. k > 0: the
+        // artery is open for the part of each beat in which the arterial pressure, falling from
+        // SBP to DBP as an exponential run-off over k time constants, is above the cuff; the
+        // pulse then grows slowly just below SBP and fast near DBP.
+        double riseCurvature = 0;
     };
 
     // What the cycle was made with, and where the cuff crossed the true pressures.
@@ -81,7 +87,8 @@ public:
     SyntheticAnimal(Preset preset, Condition condition, quint32 seed);
 
     // Names as the command line takes them: "mouse", "rat", "hypertensive-rat"; "clean",
-    // "noise", "cold-tail", "movement", "ectopic", "slow-deflation", "fast-deflation".
+    // "noise", "cold-tail", "movement", "ectopic", "slow-deflation", "fast-deflation",
+    // "curved-rise".
     static QStringList presetNames();
     static QStringList conditionNames();
     static bool presetFromName(const QString &name, Preset *preset);
@@ -94,7 +101,8 @@ public:
     const Parameters &parameters() const { return m_parameters; }
 
     // The pulse amplitude as a fraction of the full amplitude at cuff pressure p (see above).
-    static double relativeAmplitude(double p, double systolic, double diastolic);
+    static double relativeAmplitude(double p, double systolic, double diastolic,
+                                    double riseCurvature = 0.0);
     // One beat's wave at phase 0 <= phase < 1, 0 at the start and the end, 1 at its peak.
     static double beatShape(double phase);
 

@@ -77,6 +77,29 @@ private slots:
         QVERIFY(std::abs(at(truth.diastolicTime) - truth.diastolic) < 1.5);
     }
 
+    void curvedRiseGrowsSlowlyAtFirstBetweenTheSameCorners()
+    {
+        Animal curved(Animal::Rat, Animal::CurvedRise, 7);
+        const double k = curved.parameters().riseCurvature;
+        QVERIFY(k > 0);
+        const double sbp = 125, dbp = 85;
+        QCOMPARE(Animal::relativeAmplitude(sbp, sbp, dbp, k), 0.0);
+        QCOMPARE(Animal::relativeAmplitude(dbp, sbp, dbp, k), 1.0);
+        double previous = 0.0;
+        for (double p = sbp - 1; p > dbp; p -= 1.0) {
+            const double straight = Animal::relativeAmplitude(p, sbp, dbp);
+            const double bent = Animal::relativeAmplitude(p, sbp, dbp, k);
+            QVERIFY2(bent < straight && bent > previous, qPrintable(QString::number(p)));
+            previous = bent;
+        }
+        // The generated pulse follows it: halfway between the corners well under half returned.
+        const Animal::Cycle c = curved.generate();
+        const double beat = 60.0 / c.truth.heartRate;
+        const double middle = (c.truth.systolicTime + c.truth.diastolicTime) / 2;
+        const double half = swing(c, middle - beat, middle + beat);
+        QVERIFY2(half < 0.45 * curved.parameters().amplitude, qPrintable(QString::number(half)));
+    }
+
     void heartRateCountedFromTheWaveMatchesTheTruth_data()
     {
         QTest::addColumn<int>("preset");
