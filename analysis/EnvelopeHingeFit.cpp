@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 namespace {
+constexpr double kWildestPressure = 1000.0;
 // Running sums over the beats sorted by pressure, one entry more than beats: entry i holds the
 // sums over the i lowest pressures.
 struct Sums {
@@ -25,13 +25,19 @@ EnvelopeHingeFit::Result EnvelopeHingeFit::fit(const QList<double> &cuff,
                                                const QList<double> &amplitudes, double top)
 {
     Result best;
+    // Beats with a value that is no number, or at a pressure no working unit reports (a damaged
+    // recording), cannot be placed; their squares would also swamp the sums of the others.
+    std::vector<qsizetype> order;
     const qsizetype count = std::min(cuff.size(), amplitudes.size());
-    if (count < 6 || !(top > kNarrowest))
+    for (qsizetype k = 0; k < count; ++k) {
+        if (std::abs(cuff[k]) <= kWildestPressure && std::isfinite(amplitudes[k]))
+            order.push_back(k);
+    }
+    if (order.size() < 6 || !(top > kNarrowest))
         return best;
-    std::vector<qsizetype> order(static_cast<size_t>(count));
-    std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(), [&](qsizetype a, qsizetype b) { return cuff[a] < cuff[b]; });
-    std::vector<double> pressure(static_cast<size_t>(count));
+    std::sort(order.begin(), order.end(),
+              [&](qsizetype a, qsizetype b) { return cuff[a] < cuff[b]; });
+    std::vector<double> pressure(order.size());
     Sums s{{0}, {0}, {0}, {0}, {0}};
     double yy = 0.0;
     for (size_t i = 0; i < order.size(); ++i) {
@@ -41,7 +47,7 @@ EnvelopeHingeFit::Result EnvelopeHingeFit::fit(const QList<double> &cuff,
     }
     // The grid of corner pressures, and how many beats lie at or below each.
     const double lowest = std::max(0.0, pressure.front());
-    const double highest = std::min(top, pressure.back());
+    const double highest = std::min({top, pressure.back(), kHighestCorner});
     std::vector<double> level;
     std::vector<size_t> below;
     for (double at = lowest; at <= highest; at += kStep) {

@@ -30,4 +30,7 @@ public:
 
     static constexpr double kStep = 0.5;
     static constexpr double kNarrowest = 4.0;
+    // No corner is looked for above this: no tail cuff goes higher, and a damaged recording's
+    // absurd pressures must not make the grid endless.
+    static constexpr double kHighestCorner = 400.0;
 };

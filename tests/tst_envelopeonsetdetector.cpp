@@ -211,6 +211,16 @@ private slots:
         QVERIFY(!EnvelopeHingeFit::fit(cuffs.mid(0, 5), amplitudes.mid(0, 5), 180).found);
         QVERIFY(!EnvelopeHingeFit::fit(cuffs, amplitudes, 3).found);
         QVERIFY(!EnvelopeHingeFit::fit({}, {}, 180).found);
+        // A damaged recording: beats that are no number are left out, absurd pressures do not
+        // make the search endless.
+        QList<double> damagedCuffs = cuffs, damaged = amplitudes;
+        damagedCuffs[3] = std::nan("");
+        damaged[150] = INFINITY;
+        damagedCuffs << 1e12 << -1e12;
+        damaged << 0.1 << 1.0;
+        const EnvelopeHingeFit::Result kept = EnvelopeHingeFit::fit(damagedCuffs, damaged, 1e12);
+        QVERIFY(kept.found);
+        QVERIFY(std::abs(kept.diastolic - 90) <= EnvelopeHingeFit::kStep);
     }
 
     void runningMedianOverFiveKeepsTheEndsAndDropsSpikes()
