@@ -144,9 +144,9 @@ double SyntheticAnimal::relativeAmplitude(double p, double systolic, double dias
         return 0.0;
     if (p <= diastolic || systolic <= diastolic)
         return 1.0;
-    const double x = (p - diastolic) / (systolic - diastolic); // 1 at SBP, 0 at DBP
     if (riseCurvature <= 0.0)
-        return 1.0 - x;
+        return (systolic - p) / (systolic - diastolic);
+    const double x = (p - diastolic) / (systolic - diastolic); // 1 at SBP, 0 at DBP
     // The arterial pressure over a beat: DBP + (SBP - DBP) (e^(-t/tau) - e^(-k)) / (1 - e^(-k))
     // for t from 0 to k tau, so it starts at SBP and ends at DBP. The share of the beat in which
     // it is above the cuff:
