@@ -1,6 +1,6 @@
 // libFuzzer target: a whole recording file (header, data records, annotations) put into a
 // records folder, listed by the record database, its series loaded and its blood pressure found
-// anew, as the records page and "corvida-cli analyze" do. Nothing may crash, hang, trip the
+// anew both ways, as the records page and "corvida-cli analyze" do. Nothing may crash, hang, trip the
 // sanitizers or allocate without bound; a record the list calls sound must load.
 //
 // Seeds are records written by the program itself: EDF+ and BDF+, marks, a Cyrillic rodent, and
@@ -42,6 +42,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             if (beat < 0 || beat >= pulse.size())
                 std::abort();
         }
+        record->recalculate(true);
+        // The refined way reads the same damaged series its own way.
+        record->changeMethod(CorvidaExperiment::refinedMethod());
         record->recalculate(true);
         (void)record->exportTable(false);
         (void)database.text(row, 0);
