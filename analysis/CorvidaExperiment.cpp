@@ -499,11 +499,11 @@ QPair<double, double> CorvidaExperiment::automaticMarkers()
     return m_beats.size() > 2 ? documentedMarkers() : QPair<double, double>(0.0, 0.0);
 }
 
-void CorvidaExperiment::changeMethod(const QString &Method)
+bool CorvidaExperiment::changeMethod(const QString &Method)
 {
     const QString wanted = Method == refinedMethod() ? Method : QString();
     if (wanted == m_Method)
-        return;
+        return false;
     findBeats();
     // A marker where the record's own way puts it was placed by that way and moves to where the
     // new way puts it; one anywhere else was placed by hand and stays. Times read back from a
@@ -522,6 +522,7 @@ void CorvidaExperiment::changeMethod(const QString &Method)
     if (!diastolicByHand)
         setDBPTime(found.second);
     endMarkerBatch();
+    return systolicByHand || diastolicByHand;
 }
 
 QString CorvidaExperiment::methodText(bool refined)

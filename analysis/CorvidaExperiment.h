@@ -202,7 +202,9 @@ public:
 
     // Makes `Method` the record's way and lets it place the markers again. Markers placed by
     // hand stay where they are; those the old way placed (or none) take the new way's places.
-    void changeMethod(const QString &Method);
+    // Returns whether a marker stayed: one the old way does not put where it is (placed by
+    // hand, or during the measurement on the series as it was then).
+    bool changeMethod(const QString &Method);
 
     // The result rows, and unless `essentialOnly` the sampling rate and every sample.
     QList<QList<QVariant>> exportTable(bool essentialOnly);

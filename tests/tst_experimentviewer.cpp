@@ -245,6 +245,39 @@ private slots:
         viewer.setExperiment(&live);
         QVERIFY(!box->isVisible());
     }
+
+    void markersTheOldWayDidNotPlaceStayAndTheViewerSaysSo()
+    {
+        // A marker the documented way would not put where it is (the operator's, or one found
+        // during the measurement on the series as it was then) stays when the way changes, and
+        // the viewer says why nothing moved and what to do; Recalculate places it the new way.
+        const SyntheticAnimal::Cycle cycle =
+            SyntheticAnimal(SyntheticAnimal::Rat, SyntheticAnimal::Clean, 21).generate();
+        MemoryRecord record, refined;
+        for (MemoryRecord *r : {&record, &refined})
+            r->setSeries(cycle.pressure, cycle.pulse, cycle.samplingRate);
+        refined.setMethod(CorvidaExperiment::refinedMethod());
+        refined.recalculate(true);
+        record.recalculate(true);
+        const double own = record.getSBPTime() - 0.5;
+        record.setSBPTime(own);
+
+        ExperimentViewer viewer(m_settings.get());
+        showAtTenPixelsASecond(viewer);
+        viewer.setExperiment(&record);
+        QVERIFY(!viewer.methodNote()->isVisible());
+        viewer.methodBox()->setFocus();
+        QTest::keyClick(viewer.methodBox(), Qt::Key_Down);
+        QVERIFY(record.usesRefinedMethod());
+        QCOMPARE(record.getSBPTime(), own);
+        QCOMPARE(record.getDBPTime(), refined.getDBPTime());
+        QVERIFY(viewer.methodNote()->isVisible());
+        QVERIFY(viewer.methodNote()->text().contains(QStringLiteral("Recalculate")));
+
+        record.recalculate(true);
+        QCOMPARE(record.getSBPTime(), refined.getSBPTime());
+        QVERIFY(!viewer.methodNote()->isVisible());
+    }
 };
 
 QTEST_MAIN(TestExperimentViewer)

@@ -158,6 +158,7 @@ void ExperimentViewer::setExperiment(CorvidaExperiment *experiment)
     m_refreshTimer.stop();
     m_experiment = experiment;
     m_live = qobject_cast<CorvidaOnlineExperiment *>(experiment) != nullptr;
+    m_keptNote.clear();
     m_draggedTag.clear();
     m_peakBeats.clear();
     m_peakPoints.clear();
@@ -177,6 +178,10 @@ void ExperimentViewer::setExperiment(CorvidaExperiment *experiment)
                      &ExperimentViewer::scheduleRefresh);
         c << connect(experiment, &CorvidaExperiment::bpResetted, this,
                      &ExperimentViewer::scheduleRefresh);
+        c << connect(experiment, &CorvidaExperiment::bpResetted, this, [this] {
+            m_keptNote.clear();
+            updateMethodRow();
+        });
         c << connect(experiment, &CorvidaExperiment::changedMethod, this,
                      &ExperimentViewer::updateMethodRow);
         for (auto signal : {&CorvidaExperiment::changedSBPTime, &CorvidaExperiment::changedDBPTime,
@@ -202,7 +207,7 @@ void ExperimentViewer::updateMethodRow()
         return;
     m_methodBox->setMethod(e->getMethod());
     // Only the refined way explains an empty result; the documented one simply finds nothing.
-    const QString note = e->detectionNote();
+    const QString note = e->detectionNote().isEmpty() ? m_keptNote : e->detectionNote();
     m_methodNote->setText(note);
     m_methodNote->setVisible(!note.isEmpty());
 }
@@ -212,7 +217,10 @@ void ExperimentViewer::onMethodChosen(const QString &method)
     CorvidaExperiment *e = m_experiment;
     if (!e || m_live)
         return;
-    e->changeMethod(method);
+    const bool kept = e->changeMethod(method);
+    m_keptNote = kept ? tr("Markers kept where they were: they were placed by hand or during the "
+                           "measurement. Recalculate to have them placed the chosen way.")
+                      : QString();
     updateGraphics();
     updateMethodRow();
 }

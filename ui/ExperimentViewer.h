@@ -99,6 +99,8 @@ private:
     QWidget *m_methodRow;
     MethodComboBox *m_methodBox;
     QLabel *m_methodNote;
+    // Said once the choice of the way left markers where they were; gone with a recalculation.
+    QString m_keptNote;
     SignalViewer *m_pressureViewer;
     SignalViewer *m_ppgViewer;
     QTimer m_refreshTimer;

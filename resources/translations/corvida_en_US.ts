@@ -613,6 +613,10 @@
         <source>Choosing the other way places the markers again with it; markers placed by hand stay</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Markers kept where they were: they were placed by hand or during the measurement. Recalculate to have them placed the chosen way.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>Generic</name>

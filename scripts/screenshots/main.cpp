@@ -17,6 +17,7 @@
 #include "ui/AnimalView.h"
 #include "ui/CorvidaDeviceView.h"
 #include "ui/ExperimentViewer.h"
+#include "ui/MethodComboBox.h"
 #include "ui/PageDatabase.h"
 #include "ui/PageExperimentMulti.h"
 #include "ui/PageSettings.h"
@@ -271,16 +272,46 @@ bool animalPictures(Tour &tour, MainWindow *window, CorvidaSettings *settings,
     while (running() && limit.elapsed() < 240000)
         wait(200);
     tour.shoot(window, QStringLiteral("experiment-four-animals-session"));
+    QString widest; // the cycle with the narrowest pulse pressure: the one to look at
+    double narrowest = 1e9;
     for (CorvidaDeviceView *panel : experiment->panels()) {
         const SessionRun *run = panel->sessionPanel()->run();
         if (!run)
             continue;
-        for (const SessionRun::CycleResult &r : run->results())
+        for (const SessionRun::CycleResult &r : run->results()) {
             std::fprintf(stderr, "%s cycle %d: %.1f/%.1f mmHg, %.1f bpm, %s\n",
                          qPrintable(panel->device()->deviceId()), r.cycle, r.sbp, r.dbp, r.bpm,
                          r.accepted ? "accepted" : qPrintable(r.reason));
+            if (r.sbp > 0 && r.sbp - r.dbp < narrowest) {
+                narrowest = r.sbp - r.dbp;
+                widest = r.file;
+            }
+        }
     }
-    return !running();
+    const bool finished = !running();
+
+    // That cycle on the records page, found again the refined way from the viewer's choice.
+    if (!widest.isEmpty()) {
+        emit CorvidaModel::instance()->onOpenRecord(widest);
+        wait(800);
+        tour.shoot(window, QStringLiteral("records-animal-documented"));
+        if (auto *method = visibleChild<MethodComboBox>(window->databasePage())) {
+            method->setCurrentIndex(method->findData(CorvidaExperiment::refinedMethod()));
+            emit method->activated(method->currentIndex());
+            wait(800);
+            tour.shoot(window, QStringLiteral("records-animal-refined"));
+            // What Recalculate then does (the plot's menu, which does not ask first).
+            if (auto *viewer = visibleChild<ExperimentViewer>(window->databasePage())) {
+                if (CorvidaExperiment *record = viewer->experiment())
+                    record->recalculate(true);
+                wait(800);
+                tour.shoot(window, QStringLiteral("records-animal-recalculated"));
+            }
+        } else {
+            std::fprintf(stderr, "no choice of the method on the records page\n");
+        }
+    }
+    return finished;
 }
 } // namespace
 
