@@ -10,7 +10,9 @@
 // occluded pulse) to the plateau (the open artery):
 //   - SBP is where that line leaves the floor: the cuff pressure at which the pulse starts to
 //     come back, found from all the rising beats together rather than from the first beat large
-//     enough to be seen;
+//     enough to be seen. A rise that is curved rather than straight is fitted too
+//     (RiseOnsetFit) and the higher onset kept; with a noisy sensor SBP is the corner of the
+//     whole-envelope fit below, made with the noise taken out;
 //   - DBP is the knee where growth stops, found by fitting floor, rise and plateau to the whole
 //     envelope at once (EnvelopeHingeFit).
 // The amplitudes are smoothed with a running median of five beats first, so a premature beat
