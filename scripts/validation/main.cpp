@@ -112,6 +112,25 @@ Outcome analyse(const SyntheticAnimal::Cycle &cycle)
     return o;
 }
 
+// `perGroup` cycles of every animal under every condition, seeds counting up from `firstSeed`,
+// each analysed both ways.
+QList<Outcome> analyseCycles(int perGroup, quint32 firstSeed)
+{
+    QList<Outcome> outcomes;
+    quint32 seed = firstSeed;
+    for (const QString &preset : SyntheticAnimal::presetNames()) {
+        for (const QString &condition : SyntheticAnimal::conditionNames()) {
+            SyntheticAnimal::Preset p;
+            SyntheticAnimal::Condition c;
+            SyntheticAnimal::presetFromName(preset, &p);
+            SyntheticAnimal::conditionFromName(condition, &c);
+            for (int i = 0; i < perGroup; ++i)
+                outcomes << analyse(SyntheticAnimal(p, c, seed++).generate());
+        }
+    }
+    return outcomes;
+}
+
 // A Bland-Altman picture: the difference (found - true) against the mean of the two, both
 // methods in their own colour, with each method's bias and 95 % limits of agreement.
 bool drawBlandAltman(const QList<Outcome> &outcomes, Quantity q, int methods, const QString &path)
@@ -410,18 +429,7 @@ int main(int argc, char *argv[])
     const QString images = docs + QStringLiteral("/images/validation");
     QDir().mkpath(images);
 
-    QList<Outcome> all;
-    quint32 seed = firstSeed;
-    for (const QString &preset : SyntheticAnimal::presetNames()) {
-        for (const QString &condition : SyntheticAnimal::conditionNames()) {
-            SyntheticAnimal::Preset p;
-            SyntheticAnimal::Condition c;
-            SyntheticAnimal::presetFromName(preset, &p);
-            SyntheticAnimal::conditionFromName(condition, &c);
-            for (int i = 0; i < perGroup; ++i)
-                all << analyse(SyntheticAnimal(p, c, seed++).generate());
-        }
-    }
+    const QList<Outcome> all = analyseCycles(perGroup, firstSeed);
 
     QFile file(docs + QStringLiteral("/validation.md"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
@@ -462,18 +470,7 @@ int main(int argc, char *argv[])
     // group, from other seeds.
     const quint32 freshSeed = 40000;
     const int freshPerGroup = 4 * perGroup;
-    QList<Outcome> fresh;
-    seed = freshSeed;
-    for (const QString &preset : SyntheticAnimal::presetNames()) {
-        for (const QString &condition : SyntheticAnimal::conditionNames()) {
-            SyntheticAnimal::Preset p;
-            SyntheticAnimal::Condition c;
-            SyntheticAnimal::presetFromName(preset, &p);
-            SyntheticAnimal::conditionFromName(condition, &c);
-            for (int i = 0; i < freshPerGroup; ++i)
-                fresh << analyse(SyntheticAnimal(p, c, seed++).generate());
-        }
-    }
+    const QList<Outcome> fresh = analyseCycles(freshPerGroup, freshSeed);
     md << "\n## Refined against documented, group by group\n\n"
        << "Per animal and per condition: mean absolute error and SD of each method (documented -> "
           "refined), the markers each missed, and each method's mean heart-rate error in % of "
